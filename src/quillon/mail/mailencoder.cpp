@@ -1,0 +1,1 @@
+#include "quillon/mail/encodedmail.h"

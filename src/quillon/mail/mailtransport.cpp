@@ -1,0 +1,1 @@
+#include "quillon/mail/mailtransport.h"

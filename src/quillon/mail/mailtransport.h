@@ -1,0 +1,65 @@
+#pragma once
+
+#include "quillon/mail/mailmessage.h"
+
+#include <QObject>
+#include <QString>
+
+#include <memory>
+
+namespace quillon {
+
+class SmtpSession;
+
+/// One SMTP connection (RFC 5321): it connects, sends, and reports what goes wrong. Connect() and Send() block their
+/// caller while the event loop keeps running inside. A transport lives for one connection.
+class MailTransport : public QObject {
+    Q_OBJECT
+
+public:
+    enum StateValue { Closed = 0, Connecting = 1, Connected = 2 };
+    enum SecurityValue { NoSecurity = 0, Ssl = 1, StartTls = 2 };
+
+    explicit MailTransport(QObject *parent = nullptr);
+    ~MailTransport() override;
+
+    QString ProxyServer; ///< host of a SOCKS5 proxy; empty: none
+    long ProxyPort = 0;
+    QString ProxyUser;
+    QString ProxyPassword;
+    QString User; ///< empty: no authentication
+    QString Password;
+    int Security = NoSecurity;
+
+    /// 2 while the session stands (see Connect()).
+    [[nodiscard]] long State() const;
+
+    /// Connects to @p server (host name or address) on @p port and goes on with greeting, EHLO, TLS and AUTH. The two
+    /// further arguments have no meaning and are 0. A failure is reported once by Error() and leaves State() other
+    /// than 2. A peer that says nothing leaves State() at 2 after a grace of three seconds.
+    void Connect(const QString &server, long port, long reserved1, long reserved2);
+
+    /// Sends @p message to all of its recipients, or to none. False: the reason has been reported by Error(), unless
+    /// an earlier Connect() failed, which has reported its own.
+    bool Send(const MailMessage &message);
+
+    /// Whether the server has accepted the session; waits for that up to the time-out.
+    bool Accepted();
+
+    /// Ends the connection; never waits for a peer that hangs.
+    void Quit();
+
+    /// Time-outs of every transport made from now on, in milliseconds: for a connection to stand, and for silence.
+    static void setTimeouts(int connectMs, int silenceMs, int graceMs);
+
+Q_SIGNALS:
+    /// One sentence: what failed, at which stage, with the server's own last reply.
+    void Error(int ErrCode, const QString &ErrDesc);
+    /// The name of the stage, then the percentage of the body sent.
+    void Progress(int ProgID, const QString &ProgDesc);
+
+private:
+    std::unique_ptr<SmtpSession> m_session;
+};
+
+} // namespace quillon
