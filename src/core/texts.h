@@ -1,0 +1,27 @@
+#pragma once
+
+#include "quillon/system/prompts.h"
+
+#include <QString>
+
+namespace corvane {
+
+inline constexpr char16_t programTitle[] = u"Corvane";
+inline constexpr char16_t readyText[] = u" Ready.";
+inline constexpr char16_t sendingText[] = u" Sending email, please click here to display the progress...";
+
+/// The folder that holds tips.dll, menus.dll and menutips.dll: that of the running program, unless set.
+[[nodiscard]] QString languageFolder();
+void setLanguageFolder(const QString &folder);
+
+/// The text of a message key, read from tips.dll at the moment of use. A key that is not there gives an empty text.
+[[nodiscard]] QString LookupText(const QString &key);
+
+/// Shows the text of @p key in a box of @p style (see quillon::BoxStyle). With @p value, the value stands in front of
+/// it as "'", the value, "' ".
+quillon::BoxAnswer showMessage(const QString &key, int style, const QString &value = QString());
+
+/// Shows a text that has no key of its own.
+quillon::BoxAnswer showText(const QString &text, int style);
+
+} // namespace corvane

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+#include <map>
+
+class QWidget;
+
+namespace quillon {
+
+/// All forms by name. A form is loaded on first touch, can be asked whether it is loaded, and is made anew, with its
+/// design values, after it was unloaded.
+class FormRegistry {
+public:
+    using Factory = std::function<QWidget *()>;
+
+    FormRegistry() = default;
+    ~FormRegistry();
+    FormRegistry(const FormRegistry &) = delete;
+    FormRegistry &operator=(const FormRegistry &) = delete;
+
+    /// Tells how a form is made. The registry owns what the factory gives.
+    void add(const QString &name, Factory factory);
+
+    /// The form of that name, loaded if need be; nullptr with a fault when no such form is known.
+    QWidget *form(const QString &name);
+    template <typename Form> Form *as(const QString &name) { return qobject_cast<Form *>(form(name)); }
+
+    [[nodiscard]] bool isLoaded(const QString &name) const;
+    /// Closes and deletes the form; safe while an event of that form is being handled. One not loaded is no error.
+    void unload(const QString &name);
+
+private:
+    struct Entry;
+    std::map<QString, Entry> m_forms;
+};
+
+} // namespace quillon
