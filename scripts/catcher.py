@@ -1,0 +1,96 @@
+#!/usr/bin/python3
+"""A mail server on loopback that keeps every mail and delivers none.
+
+Each mail is kept in the folder as NNNN.eml, exactly the bytes that came in, beside NNNN.json with the envelope, and
+is shown on standard output in a short readable form. The first line printed is "catcher: port N". It ends on SIGTERM
+or SIGINT.
+
+Usage: catcher.py FOLDER
+"""
+
+import asyncio
+import email
+import email.policy
+import json
+import os
+import signal
+import sys
+
+from aiosmtpd.smtp import SMTP
+
+LARGEST_MAIL = 64 * 1024 * 1024
+LONGEST_SHOWN_LINE = 200
+SHOWN_LINES = 20
+
+
+def readable(text):
+    """The text without control characters, so that a mail cannot play with the terminal it is shown on."""
+    return "".join(c if c.isprintable() or c == "\n" else " " for c in text.replace("\r\n", "\n"))
+
+
+def short_form(content, sender, recipients):
+    """What a person wants to see of a mail: envelope, main header fields, the start of the text, attachments."""
+    message = email.message_from_bytes(content, policy=email.policy.default)
+    lines = [f"Envelope: {sender or '<>'} -> {', '.join(recipients)}"]
+    for name in ("From", "Reply-To", "To", "Cc", "Subject", "Date"):
+        if message[name] is not None:
+            lines.append(f"{name}: {message[name]}")
+    body = message.get_body(preferencelist=("plain", "html"))
+    if body is not None:
+        text = body.get_content().replace("\r\n", "\n").rstrip("\n").split("\n")
+        lines.append("")
+        lines += [line[:LONGEST_SHOWN_LINE] for line in text[:SHOWN_LINES]]
+        if len(text) > SHOWN_LINES:
+            lines.append(f"[{len(text) - SHOWN_LINES} more lines]")
+    for part in message.iter_attachments():
+        lines.append(f"[attachment {part.get_filename() or '(no name)'}, {part.get_content_type()}]")
+    return readable("\n".join(lines))
+
+
+class Keeper:
+    """Keeps what arrives. A mail's file appears whole or not at all, and after its envelope."""
+
+    def __init__(self, folder):
+        self.folder = folder
+        self.count = sum(1 for name in os.listdir(folder) if name.endswith(".eml"))
+
+    def write(self, name, data):
+        path = os.path.join(self.folder, name)
+        with open(path + ".part", "wb") as file:
+            file.write(data)
+        os.rename(path + ".part", path)
+        return path
+
+    async def handle_DATA(self, server, session, envelope):
+        self.count += 1
+        number = f"{self.count:04}"
+        facts = {"from": envelope.mail_from, "to": envelope.rcpt_tos, "helo": session.host_name}
+        self.write(number + ".json", json.dumps(facts, indent=1).encode())
+        path = self.write(number + ".eml", envelope.original_content)
+        try:
+            shown = short_form(envelope.original_content, envelope.mail_from, envelope.rcpt_tos)
+        except Exception as fault:  # a mail that Python cannot read is kept and answered all the same
+            shown = f"(cannot be shown: {fault})"
+        print(f"--- mail {path}\n{shown}\n---", flush=True)
+        return f"250 Kept as {number}"
+
+
+async def serve(folder):
+    os.makedirs(folder, mode=0o700, exist_ok=True)
+    keeper = Keeper(folder)
+    server = await asyncio.get_running_loop().create_server(
+        lambda: SMTP(keeper, data_size_limit=LARGEST_MAIL, enable_SMTPUTF8=True, hostname="localhost"),
+        host="127.0.0.1", port=0)
+    ended = asyncio.Event()
+    for number in (signal.SIGTERM, signal.SIGINT):
+        asyncio.get_running_loop().add_signal_handler(number, ended.set)
+    print(f"catcher: port {server.sockets[0].getsockname()[1]}", flush=True)
+    print(f"catcher: every mail is kept in {folder}", flush=True)
+    await ended.wait()
+    server.close()
+
+
+if __name__ == "__main__":
+    if len(sys.argv) != 2:
+        sys.exit(__doc__)
+    asyncio.run(serve(os.path.abspath(sys.argv[1])))
