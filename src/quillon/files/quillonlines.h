@@ -6,8 +6,8 @@
 namespace quillon {
 
 /// Operations on a text file, whole lines. Reading takes UTF-8, with or without a byte-order mark, UTF-16 with one, and
-/// Windows-1252, line by line; lines end with CR LF or LF. Writing is UTF-8 with CR LF; a rewrite is whole or not at all,
-/// and lines that are not concerned keep their octets. A file that cannot be read is never rewritten. Failures are
+/// Windows-1252, line by line; lines end with CR LF or LF. Writing is UTF-8 with CR LF; a rewrite is whole or not at
+/// all, and lines that are not concerned keep their octets. A file that cannot be read is never rewritten. Failures are
 /// faults (see reportFault()) and give empty values.
 class QuillonLines {
 public:

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+namespace quillon {
+
+/// Writes one .zip archive (ZIP64 where it is needed, names in UTF-8). Files are streamed; a link to a file is stored
+/// as that file, a link to a folder is left out, as are pipes, devices and what cannot be read.
+class ZipBuilder {
+public:
+    QString ArchivePath; ///< where the archive goes
+
+    /// Adds what matches a path of a folder and one or more levels "/*": each level takes in the files and folders
+    /// of one further level below that folder.
+    void AddPattern(const QString &pattern);
+
+    /// Writes the archive, whole or not at all. False with a fault when that failed; no archive is then there.
+    bool Build();
+
+private:
+    QStringList m_patterns;
+};
+
+} // namespace quillon

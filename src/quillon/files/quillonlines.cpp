@@ -1,0 +1,152 @@
+#include "quillon/files/quillonlines.h"
+
+#include "quillon/fault.h"
+#include "quillon/files/linefile.h"
+#include "quillon/files/safefile.h"
+#include "quillon/files/textcoding.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace quillon {
+
+namespace {
+
+bool lineMatches(const QString &line, const QString &key, const QString &delimiter, int field)
+{
+    if (delimiter.isEmpty()) {
+        return line == key;
+    }
+    const QStringList fields = line.split(delimiter);
+    return field >= 0 && field < fields.size() && fields.at(field) == key;
+}
+
+/// What must stand in front of an appended line: a line end when the last line has none yet.
+struct FileEnd {
+    bool utf16 = false;
+    bool open = false;
+};
+
+FileEnd lookAtEnd(const QString &path)
+{
+    FileEnd end;
+    QFile file(existingPath(path));
+    if (file.exists() && QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly) && file.size() > 0) {
+        end.utf16 = isUtf16(file.read(2));
+        char last = '\n';
+        end.open = file.seek(file.size() - 1) && file.getChar(&last) && last != '\n';
+    }
+    return end;
+}
+
+} // namespace
+
+void QuillonLines::AppendLine(const QString &path, const QString &line) const
+{
+    AppendLines(path, {line});
+}
+
+void QuillonLines::AppendLines(const QString &path, const QStringList &lines) const
+{
+    QByteArray bytes;
+    for (const QString &line : lines) {
+        bytes += encodeText(line) + "\r\n";
+    }
+    if (bytes.isEmpty()) {
+        return;
+    }
+    const FileEnd end = lookAtEnd(path);
+    if (end.utf16) {
+        const LineFile present(path);
+        if (!present.save()) {
+            return;
+        }
+    } else if (end.open) {
+        bytes.prepend("\r\n");
+    }
+    appendToFile(path, bytes);
+}
+
+int QuillonLines::CountLines(const QString &path) const
+{
+    return static_cast<int>(LineFile(path).count());
+}
+
+void QuillonLines::DeleteLineByKey(const QString &path, const QString &key, const QString &delimiter, int field) const
+{
+    LineFile file(path);
+    const auto matches = [&](const QString &line) { return lineMatches(line, key, delimiter, field); };
+    if (file.removeIf(matches) > 0) {
+        file.save();
+    }
+}
+
+void QuillonLines::ReplaceLine(const QString &path, const QString &key, const QString &newLine,
+                               const QString &delimiter, int field) const
+{
+    LineFile file(path);
+    for (qsizetype i = 0; i < file.count(); ++i) {
+        const QString line = file.at(i);
+        if (!lineMatches(line, key, delimiter, field)) {
+            continue;
+        }
+        if (delimiter.isEmpty()) {
+            file.replace(i, newLine);
+        } else {
+            QStringList fields = line.split(delimiter);
+            fields[field] = newLine;
+            file.replace(i, fields.join(delimiter));
+        }
+        file.save();
+        return;
+    }
+}
+
+bool QuillonLines::LineExists(const QString &path, const QString &line) const
+{
+    return ReadLines(path).contains(line);
+}
+
+QString QuillonLines::FindLineByKey(const QString &path, const QString &key, int mode) const
+{
+    Q_UNUSED(mode)
+    const LineFile file(path);
+    for (qsizetype i = 0; i < file.count(); ++i) {
+        QString line = file.at(i);
+        if (line.startsWith(key)) {
+            return line;
+        }
+    }
+    return {};
+}
+
+void QuillonLines::WriteTextFile(const QString &path, const QString &text, const QString &charset) const
+{
+    if (charset.compare("utf-8"_L1, Qt::CaseInsensitive) != 0) {
+        reportFault(u"text files are written as utf-8 only, not as '"_s + charset + u'\'');
+        return;
+    }
+    // A text that begins with what a reader takes for a byte-order mark gets a real one in front of it.
+    const QByteArray mark = text.startsWith(u'\uFEFF') ? QByteArrayLiteral("\xEF\xBB\xBF") : QByteArray();
+    writeWholeFile(path, mark + encodeText(text));
+}
+
+QString QuillonLines::ReadTextFile(const QString &path) const
+{
+    return decodeText(readWholeFile(path).value_or(QByteArray()));
+}
+
+QStringList QuillonLines::ReadLines(const QString &path) const
+{
+    const LineFile file(path);
+    QStringList lines;
+    lines.reserve(file.count());
+    for (qsizetype i = 0; i < file.count(); ++i) {
+        lines.append(file.at(i));
+    }
+    return lines;
+}
+
+} // namespace quillon
