@@ -32,8 +32,8 @@ public:
         Date,          ///< opt(4), opt(5)
     };
 
-    enum class Format { Rich, Plain };           ///< opt(8), opt(9)
-    enum class Priority { High, Normal, Low };   ///< menosh(0) to menosh(2)
+    enum class Format { Rich, Plain };         ///< opt(8), opt(9)
+    enum class Priority { High, Normal, Low }; ///< menosh(0) to menosh(2)
 
     virtual ~MessageWindow() = default;
 
@@ -74,12 +74,12 @@ public:
     [[nodiscard]] virtual QString statusText() const = 0; ///< panel 1 of the status bar
     virtual void setStatusText(const QString &text) = 0;
 
-    QString Tag;            ///< "M" during a manual run; "EXITWITHMENU" lets the window unload
-    bool Sending = false;   ///< a send run is under way
-    bool pblnStop = false;  ///< Cancel was pressed in the progress dialog
+    QString Tag;              ///< "M" during a manual run; "EXITWITHMENU" lets the window unload
+    bool Sending = false;     ///< a send run is under way
+    bool pblnStop = false;    ///< Cancel was pressed in the progress dialog
     bool pblnChanged = false; ///< the message differs from what was last saved or created
-    bool mblnReady = false; ///< false while a new message is being laid out or a template dialog is open
-    QString psTempName;     ///< name handed over from the template manager
+    bool mblnReady = false;   ///< false while a new message is being laid out or a template dialog is open
+    QString psTempName;       ///< name handed over from the template manager
 };
 
 } // namespace corvane

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace corvane {
 
 inline constexpr char16_t programTitle[] = u"Corvane";
@@ -19,7 +21,7 @@ void setLanguageFolder(const QString &folder);
 
 /// Shows the text of @p key in a box of @p style (see quillon::BoxStyle). With @p value, the value stands in front of
 /// it as "'", the value, "' ".
-quillon::BoxAnswer showMessage(const QString &key, int style, const QString &value = QString());
+quillon::BoxAnswer showMessage(const QString &key, int style, const std::optional<QString> &value = std::nullopt);
 
 /// Shows a text that has no key of its own.
 quillon::BoxAnswer showText(const QString &text, int style);

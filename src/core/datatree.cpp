@@ -1,0 +1,236 @@
+#include "core/datatree.h"
+
+#include "core/recipiententry.h"
+#include "quillon/fault.h"
+#include "quillon/files/safefile.h"
+#include "quillon/mail/subjectcodec.h"
+#include "quillon/system/platform.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+namespace {
+
+constexpr int userDataFolder = 26;
+constexpr int sharedDataFolder = 35;
+constexpr mode_t folderMode = S_IRWXU;
+constexpr mode_t fileMode = S_IRUSR | S_IWUSR;
+
+QString vendorFolder(const DataPaths &paths)
+{
+    return QFileInfo(paths.root).path();
+}
+
+/// Beside the data root, so that what a killed write leaves behind is neither searched nor copied with the data.
+QString writingFolder(const DataPaths &paths)
+{
+    return vendorFolder(paths) + u"/.corvane-writing"_s;
+}
+
+QStringList foldersInOrder(const DataPaths &paths)
+{
+    return {vendorFolder(paths), paths.root, paths.data, paths.signs, paths.templates, paths.logs, paths.zips};
+}
+
+QStringList filesInOrder(const DataPaths &paths)
+{
+    return {paths.templatesFile, paths.sendersFile, paths.signsFile, paths.queuesFile, paths.optionsFile,
+            paths.promptsFile,   paths.macrosFile,  paths.proxyFile, paths.smtpFile,   paths.markerFile};
+}
+
+void createFolder(const QString &path)
+{
+    if (QFileInfo(path).isDir()) {
+        return;
+    }
+    // The user's application data folder itself may be missing on a machine that was just set up.
+    QDir().mkpath(QFileInfo(path).path());
+    if (::mkdir(QFile::encodeName(path).constData(), folderMode) != 0) {
+        quillon::reportFault(u"cannot make the folder '"_s + path + u'\'');
+    }
+}
+
+void createFile(const QString &path)
+{
+    const QString present = quillon::existingPath(path);
+    if (QFileInfo::exists(present)) {
+        return;
+    }
+    const int file = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, fileMode);
+    if (file < 0) {
+        quillon::reportFault(u"cannot make the file '"_s + path + u'\'');
+        return;
+    }
+    ::close(file);
+}
+
+/// The owner may read and write, and enter folders.
+void setAttributesNormal(const QString &path)
+{
+    struct stat status {};
+    const QByteArray name = QFile::encodeName(path);
+    if (::stat(name.constData(), &status) != 0 || status.st_uid != ::geteuid()) {
+        return;
+    }
+    const mode_t wanted = (status.st_mode & 07777U) | (S_ISDIR(status.st_mode) ? folderMode : fileMode);
+    if (wanted != (status.st_mode & 07777U) && ::chmod(name.constData(), wanted) != 0) {
+        quillon::reportFault(u"cannot change the mode of '"_s + path + u'\'');
+    }
+}
+
+/// Copies a folder over another, file by file, each whole or not at all. A link to a folder is not followed.
+void copyFolder(const QString &from, const QString &to)
+{
+    createFolder(to);
+    const QFileInfoList entries = QDir(from).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    for (const QFileInfo &entry : entries) {
+        const QString target = to + u'/' + entry.fileName();
+        if (entry.isDir() && !entry.isSymLink()) {
+            copyFolder(entry.filePath(), target);
+        } else if (entry.isFile()) {
+            if (const auto bytes = quillon::readWholeFile(entry.filePath())) {
+                quillon::writeWholeFile(target, *bytes);
+            }
+        }
+    }
+}
+
+void moveOver(const ApplicationGlobals &globals)
+{
+    const DataPaths &paths = globals.paths;
+    const QString old = quillon::dataRootBelow(paths.shared);
+    const QString section = u"Other"_s;
+    const QString key = u"AppDataPath"_s;
+    if (paths.shared.isEmpty() || !QFileInfo(old).isDir() ||
+        QFileInfo(old).canonicalFilePath() == QFileInfo(paths.root).canonicalFilePath() ||
+        globals.system.ReadSetting(paths.optionsFile, section, key) == "True"_L1) {
+        return;
+    }
+    copyFolder(old, paths.root);
+    globals.system.WriteSetting(paths.optionsFile, section, key, u"True"_s);
+}
+
+void clearLeftovers(const QString &folder)
+{
+    const QStringList names = QDir(folder).entryList({u".corvane-write-*"_s}, QDir::Files | QDir::Hidden);
+    for (const QString &name : names) {
+        QFile::remove(folder + u'/' + name);
+    }
+}
+
+QStringList headFiles(const DataPaths &paths)
+{
+    QStringList files;
+    const QStringList names = QDir(paths.templates).entryList(QDir::Files | QDir::Hidden);
+    for (const QString &name : names) {
+        if (name.first(qMin<qsizetype>(5, name.size())).toLower() == "head_"_L1) {
+            files.append(paths.templates + u'/' + name);
+        }
+    }
+    return files;
+}
+
+void upgradeSender(const ApplicationGlobals &globals, const QString &file)
+{
+    const QString section = u"Head"_s;
+    const QString sender = globals.system.ReadSetting(file, section, u"Sender"_s).trimmed();
+    if (IsRecipientEntry(sender)) {
+        return;
+    }
+    const QString account = globals.system.ReadSetting(file, section, u"SMTP Account"_s);
+    globals.system.WriteSetting(file, section, u"Sender"_s, toRecipientEntry(sender, account));
+}
+
+void upgradeSubject(const ApplicationGlobals &globals, const QString &file)
+{
+    const QString section = u"Head"_s;
+    const QString subject = globals.system.ReadSetting(file, section, u"Subject"_s).trimmed();
+    quillon::SubjectCodec codec;
+    globals.system.WriteSetting(file, section, u"Subject"_s, codec.Encode(subject, u"utf-8"_s));
+}
+
+void convertOnce(const ApplicationGlobals &globals, const QString &key,
+                 void (*convert)(const ApplicationGlobals &, const QString &))
+{
+    const QString section = u"Other"_s;
+    if (globals.system.ReadSetting(globals.paths.optionsFile, section, key) == "Yes"_L1) {
+        return;
+    }
+    const QStringList files = headFiles(globals.paths);
+    for (const QString &file : files) {
+        convert(globals, file);
+    }
+    globals.system.WriteSetting(globals.paths.optionsFile, section, key, u"Yes"_s);
+}
+
+} // namespace
+
+DataPaths dataPathsBelow(const QString &userFolder, const QString &sharedFolder)
+{
+    DataPaths paths;
+    paths.user = userFolder;
+    paths.shared = sharedFolder;
+    paths.root = quillon::dataRootBelow(userFolder);
+    paths.data = paths.root + u"/data"_s;
+    paths.signs = paths.data + u"/signs"_s;
+    paths.templates = paths.data + u"/templates"_s;
+    paths.logs = paths.root + u"/logs"_s;
+    paths.zips = paths.data + u"/zips"_s;
+    paths.templatesFile = paths.templates + u"/templates.dll"_s;
+    paths.sendersFile = paths.data + u"/senders.dll"_s;
+    paths.signsFile = paths.signs + u"/signs.dll"_s;
+    paths.queuesFile = paths.data + u"/queues.dll"_s;
+    paths.optionsFile = paths.data + u"/options.dll"_s;
+    paths.promptsFile = paths.data + u"/prompts.dll"_s;
+    paths.macrosFile = paths.data + u"/macros.dll"_s;
+    paths.proxyFile = paths.data + u"/proxy.dll"_s;
+    paths.smtpFile = paths.data + u"/smtp.dll"_s;
+    paths.markerFile = paths.root + u"/Corvane data folder, please do not delete it"_s;
+    return paths;
+}
+
+void PrepareDataFolder(ApplicationGlobals &globals)
+{
+    globals.paths = dataPathsBelow(globals.system.GetSpecialFolder(userDataFolder),
+                                   globals.system.GetSpecialFolder(sharedDataFolder));
+    const DataPaths &paths = globals.paths;
+    const QStringList folders = foldersInOrder(paths);
+    for (const QString &folder : folders) {
+        createFolder(folder);
+    }
+    createFolder(writingFolder(paths));
+    clearLeftovers(writingFolder(paths));
+    quillon::setTemporaryFolder(writingFolder(paths));
+    const QStringList files = filesInOrder(paths);
+    for (const QString &file : files) {
+        createFile(file);
+    }
+    moveOver(globals);
+    for (const QString &folder : folders) {
+        setAttributesNormal(folder);
+    }
+    setAttributesNormal(paths.markerFile);
+    for (const QString &folder : {paths.data, paths.signs, paths.templates, paths.logs, paths.zips}) {
+        const QFileInfoList entries = QDir(folder).entryInfoList(QDir::Files | QDir::Hidden | QDir::System);
+        for (const QFileInfo &entry : entries) {
+            setAttributesNormal(entry.filePath());
+        }
+    }
+}
+
+void UpgradeOldData(const ApplicationGlobals &globals)
+{
+    convertOnce(globals, u"Upgraded"_s, upgradeSender);
+    convertOnce(globals, u"UpgradedV50"_s, upgradeSubject);
+}
+
+} // namespace corvane

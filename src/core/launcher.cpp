@@ -1,0 +1,87 @@
+#include "core/launcher.h"
+
+#include "core/datatree.h"
+#include "core/settings.h"
+#include "quillon/system/platform.h"
+#include "quillon/system/quillonregistry.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+namespace {
+
+constexpr int positionInterval = 6000;
+constexpr int minimised = 6;
+constexpr int firstSystemWithoutAccountManager = 6;
+
+const QString companion = u"CorvaneS.exe"_s;
+
+} // namespace
+
+bool isSwitch(const QStringList &arguments)
+{
+    return arguments.join(u' ').toUpper() == "/D"_L1;
+}
+
+void prepareProgram(ApplicationGlobals &globals)
+{
+    PrepareDataFolder(globals);
+    UpgradeOldData(globals);
+    prepareSettings(globals);
+    if (globals.system.GetOsMajorVersion() < firstSystemWithoutAccountManager) {
+        const quillon::QuillonRegistry registry;
+        registry.DeleteKey(quillon::QuillonRegistry::CurrentUser,
+                           u"Software\\Microsoft\\Internet Account Manager\\Accounts\\00000096"_s);
+    }
+}
+
+void restartCompanion(const ApplicationGlobals &globals, bool stopOnFault)
+{
+    globals.system.EndProcess(companion);
+    const QString path = globals.programFolder + u'/' + companion;
+    if (!QFileInfo(path).isFile()) {
+        return;
+    }
+    globals.system.OpenTarget(path, minimised, stopOnFault ? QStringList{u"/D"_s} : QStringList());
+}
+
+void handOver(ApplicationGlobals &globals, bool stopOnFault, const HandOver &steps)
+{
+    // The setting is read twice on purpose: it may change while the main window loads.
+    const auto startsAsLast = [&] { return globals.settings.other[Startup] == "Last"_L1; };
+    if (startsAsLast()) {
+        globals.RestoringFromLast = true;
+    }
+    steps.showMainWindow();
+    steps.createHiddenProgress();
+    steps.setPositionTimer(positionInterval);
+    restartCompanion(globals, stopOnFault);
+    if (startsAsLast()) {
+        globals.RestoringFromLast = false;
+    }
+    steps.unloadSplash();
+}
+
+bool exitProgram(const ApplicationGlobals &globals, bool stopScheduler, const ExitSteps &steps)
+{
+    if (steps.saveCancelled()) {
+        return false;
+    }
+    steps.restoreWindowHooks();
+    for (const QString &form : {u"frmPubOptions"_s, u"frmPubSender"_s, u"frmPubSelCts"_s, u"frmPubTemplates"_s,
+                                u"frmPubProgress"_s, u"frmPubAbout"_s, u"frmPubSplash"_s, u"frmPubSchedule"_s}) {
+        steps.unloadForm(form);
+    }
+    steps.closeHelp();
+    if (stopScheduler) {
+        globals.system.EndProcess(companion);
+    }
+    steps.removeTrayIcon();
+    steps.unloadMainWindow();
+    return true;
+}
+
+} // namespace corvane

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "core/globals.h"
+
+#include <QStringList>
+
+#include <functional>
+
+namespace corvane {
+
+/// True when the whole command line, upper-cased, is "/D". @p arguments come without the program's own name.
+[[nodiscard]] bool isSwitch(const QStringList &arguments);
+
+/// What must exist before any window may: the data tree, converted data, settings; and an old system's temporary
+/// mail account gone.
+void prepareProgram(ApplicationGlobals &globals);
+
+/// What the splash's timer hands over to.
+struct HandOver {
+    std::function<void()> showMainWindow;
+    std::function<void()> createHiddenProgress;
+    std::function<void(int milliseconds)> setPositionTimer;
+    std::function<void()> unloadSplash;
+};
+
+/// Brings the main window up and restarts the companion, in this order.
+void handOver(ApplicationGlobals &globals, bool stopOnFault, const HandOver &steps);
+
+/// Ends a running companion and starts it again from the program's folder; one that is missing is no fault.
+void restartCompanion(const ApplicationGlobals &globals, bool stopOnFault);
+
+/// What the exit needs of the windows.
+struct ExitSteps {
+    std::function<bool()> saveCancelled; ///< the check for an unsaved message; true: stay
+    std::function<void()> restoreWindowHooks;
+    std::function<void(const QString &form)> unloadForm;
+    std::function<void()> closeHelp;
+    std::function<void()> removeTrayIcon;
+    std::function<void()> unloadMainWindow; ///< with the tag that lets it go
+};
+
+/// The one way out of the program. False when the user stayed.
+bool exitProgram(const ApplicationGlobals &globals, bool stopScheduler, const ExitSteps &steps);
+
+} // namespace corvane

@@ -1,0 +1,42 @@
+#include "core/texts.h"
+
+#include "quillon/files/settingsfile.h"
+
+#include <QCoreApplication>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+namespace {
+QString chosenFolder;
+}
+
+QString languageFolder()
+{
+    return chosenFolder.isEmpty() ? QCoreApplication::applicationDirPath() : chosenFolder;
+}
+
+void setLanguageFolder(const QString &folder)
+{
+    chosenFolder = folder;
+}
+
+QString LookupText(const QString &key)
+{
+    return quillon::SettingsFile(languageFolder() + u"/tips.dll"_s).value(u"Message & Text"_s, key);
+}
+
+quillon::BoxAnswer showMessage(const QString &key, int style, const std::optional<QString> &value)
+{
+    const QString text = LookupText(key);
+    const QString whole = value ? u'\'' + *value + u"' "_s + text : text;
+    return quillon::prompts().box({key, whole, value.value_or(QString()), style});
+}
+
+quillon::BoxAnswer showText(const QString &text, int style)
+{
+    return quillon::prompts().box({QString(), text, QString(), style});
+}
+
+} // namespace corvane

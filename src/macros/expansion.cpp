@@ -1,0 +1,124 @@
+#include "macros/expansion.h"
+
+#include "macros/macrocatalogue.h"
+#include "quillon/system/platform.h"
+
+#include <QLocale>
+
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+namespace {
+
+struct RecipientValues {
+    QString fullName;
+    QString address;
+    QString firstName;
+    QString lastName;
+};
+
+RecipientValues valuesOf(const quillon::MailMessage &message)
+{
+    RecipientValues values;
+    for (const quillon::MailAddressList *list : {&message.To, &message.CC, &message.BCC}) {
+        if (list->Count() == 0) {
+            continue;
+        }
+        const quillon::MailAddress &recipient = list->Item(1);
+        values.address = recipient.Address;
+        const qsizetype at = recipient.Address.indexOf(u'@');
+        values.fullName = !recipient.Name.trimmed().isEmpty() ? recipient.Name
+                          : at >= 0                           ? recipient.Address.first(at)
+                                                              : QString();
+        break;
+    }
+    const QStringList words = values.fullName.split(u' ');
+    values.firstName = words.constFirst();
+    values.lastName = words.constLast();
+    return values;
+}
+
+/// The present moment in the user's own formats; asked for at each use, so that it is the moment of that use.
+QString moment(bool date, bool time, QLocale::FormatType format)
+{
+    const QDateTime now = quillon::systemClock().now();
+    const QLocale locale = QLocale::system();
+    QStringList parts;
+    if (date) {
+        parts.append(locale.toString(now.date(), format));
+    }
+    if (time) {
+        parts.append(locale.toString(now.time(), format));
+    }
+    return parts.join(u' ');
+}
+
+/// What a line's placeholder turns into now; nothing when it stays as it is.
+std::optional<QString> replacement(const QStringList &fields, const RecipientValues &values)
+{
+    const auto unlessEmpty = [](const QString &text) { return text.isEmpty() ? std::nullopt : std::optional(text); };
+    const QString &key = fields.constFirst();
+    if (key == "{First Name of The Recipient}"_L1) {
+        return unlessEmpty(values.firstName);
+    }
+    if (key == "{Last Name of The Recipient}"_L1) {
+        return unlessEmpty(values.lastName);
+    }
+    if (key == "{Full Name of The Recipient}"_L1) {
+        return unlessEmpty(values.fullName);
+    }
+    if (key == "{Email Address of The Recipient}"_L1) {
+        return unlessEmpty(values.address);
+    }
+    struct Moment {
+        const char16_t *key;
+        bool date;
+        bool time;
+        QLocale::FormatType format;
+    };
+    static constexpr Moment moments[] = {
+        {u"{Long Date}", true, false, QLocale::LongFormat},
+        {u"{Short Date}", true, false, QLocale::ShortFormat},
+        {u"{Long Time}", false, true, QLocale::LongFormat},
+        {u"{Short Time}", false, true, QLocale::ShortFormat},
+        {u"{Long Date and Time}", true, true, QLocale::LongFormat},
+        {u"{Short Date and Time}", true, true, QLocale::ShortFormat},
+    };
+    for (const Moment &entry : moments) {
+        if (key == QStringView(entry.key)) {
+            return moment(entry.date, entry.time, entry.format);
+        }
+    }
+    return fields.size() > MacroText ? std::optional(fields.at(MacroText)) : std::nullopt;
+}
+
+} // namespace
+
+void ExpandMacros(const ApplicationGlobals &globals, quillon::MailMessage &message)
+{
+    const RecipientValues values = valuesOf(message);
+    if (message.Format == quillon::MailMessage::Html) {
+        message.Content.remove(u"\r\n"_s);
+    }
+    const QStringList lines = globals.lines.ReadLines(globals.paths.macrosFile);
+    for (const QString &line : lines) {
+        const QStringList fields = line.split(u'\t');
+        const QString &key = fields.constFirst();
+        if (key.isEmpty()) {
+            continue;
+        }
+        for (QString *text : {&message.Subject, &message.Content}) {
+            if (!text->contains(key)) {
+                continue;
+            }
+            if (const auto value = replacement(fields, values)) {
+                text->replace(key, *value);
+            }
+        }
+    }
+}
+
+} // namespace corvane

@@ -1,0 +1,39 @@
+#include "recipients/inputprompts.h"
+
+#include <QSet>
+
+namespace corvane {
+
+void InputPrompts::upsReadPrompts()
+{
+    m_entries.clear();
+    const QStringList lines = m_globals.lines.ReadLines(m_globals.paths.promptsFile);
+    for (const QString &line : lines) {
+        if (!line.trimmed().isEmpty()) {
+            m_entries.append(line);
+        }
+    }
+}
+
+void InputPrompts::upsSavePrompts(const QString &to, const QString &cc, const QString &bcc) const
+{
+    QString joined = to.trimmed() + u',' + cc.trimmed() + u',' + bcc.trimmed();
+    if (joined.endsWith(u',')) {
+        joined.chop(1);
+    }
+    // The file is read once for all pieces; the outcome is as if each piece were looked up and added by itself.
+    const QStringList lines = m_globals.lines.ReadLines(m_globals.paths.promptsFile);
+    QSet<QString> known(lines.begin(), lines.end());
+    QStringList added;
+    const QStringList pieces = joined.split(u',');
+    for (const QString &piece : pieces) {
+        const QString entry = piece.trimmed();
+        if (!entry.isEmpty() && !known.contains(entry)) {
+            known.insert(entry);
+            added.append(entry);
+        }
+    }
+    m_globals.lines.AppendLines(m_globals.paths.promptsFile, added);
+}
+
+} // namespace corvane

@@ -1,0 +1,57 @@
+#include "records/recordlists.h"
+
+#include "core/recipiententry.h"
+#include "records/accountrecords.h"
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+namespace {
+
+using Field = MessageWindow::Field;
+
+enum SenderField { SenderName, SenderAddress };
+
+/// A box whose list is filled anew keeps the text that it showed.
+void replaceList(MessageWindow &window, Field field, const QStringList &entries)
+{
+    const QString shown = window.text(field);
+    window.setList(field, entries);
+    if (window.text(field) != shown) {
+        window.setText(field, shown);
+    }
+}
+
+} // namespace
+
+void LoadSmtpLists(const ApplicationGlobals &globals, MessageWindow &window)
+{
+    QStringList addresses;
+    const QStringList lines = globals.lines.ReadLines(globals.paths.smtpFile);
+    for (const QString &line : lines) {
+        if (line.count(u'\t') >= AccountSenderAddress) {
+            addresses.append(recordField(line, AccountSenderAddress));
+        }
+    }
+    replaceList(window, Field::Account, addresses);
+    const QString standard = globals.settings.smtp[0];
+    if (window.text(Field::Account).isEmpty() && !standard.isEmpty()) {
+        window.setText(Field::Account, recordField(standard, AccountSenderAddress));
+    }
+}
+
+void LoadSenderLists(SenderTarget target, const ApplicationGlobals &globals, MessageWindow &window)
+{
+    Q_UNUSED(target)
+    QStringList entries;
+    const QStringList lines = globals.lines.ReadLines(globals.paths.sendersFile);
+    for (const QString &line : lines) {
+        const QString name = recordField(line, SenderName);
+        entries.append(toRecipientEntry(name.trimmed().isEmpty() ? QString() : name, recordField(line, SenderAddress)));
+    }
+    replaceList(window, Field::Sender, entries);
+    replaceList(window, Field::ReplyReceiver, entries);
+}
+
+} // namespace corvane

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "core/globals.h"
+#include "core/messagewindow.h"
+
+namespace corvane {
+
+/// Fills the main window's account box with the sender addresses of all accounts; the box keeps its text. An empty
+/// box gets the default account's address when there is a default.
+void LoadSmtpLists(const ApplicationGlobals &globals, MessageWindow &window);
+
+/// Where LoadSenderLists() puts the senders.
+enum SenderTarget { MainWindowBoxes = 0 };
+
+/// Fills the main window's sender and reply receiver boxes with all custom senders; both keep their text.
+void LoadSenderLists(SenderTarget target, const ApplicationGlobals &globals, MessageWindow &window);
+
+} // namespace corvane

@@ -1,0 +1,53 @@
+#include "sending/sendinglog.h"
+
+#include "quillon/system/platform.h"
+
+#include <QLocale>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+namespace {
+constexpr int dividerLength = 75;
+}
+
+QString logPathAt(const ApplicationGlobals &globals, const QDateTime &moment)
+{
+    return globals.paths.logs + u'/' + QLocale::c().toString(moment, u"yyyyMM"_s) + u".log"_s;
+}
+
+SendingLog::SendingLog(const ApplicationGlobals &globals, const QDateTime &moment)
+    : m_globals(globals), m_path(logPathAt(globals, moment))
+{
+}
+
+void SendingLog::divider() const
+{
+    line(QString(dividerLength, u'-'));
+}
+
+void SendingLog::entry(const QString &heading, const QString &value) const
+{
+    line(heading + u": "_s + value);
+}
+
+void SendingLog::line(const QString &text) const
+{
+    m_globals.lines.AppendLine(m_path, text);
+}
+
+void SendingLog::moment(const QString &heading) const
+{
+    entry(heading, QLocale::system().toString(quillon::systemClock().now(), u"MMM dd yyyy HH:mm:ss"_s));
+}
+
+QString mailDateText(const ApplicationGlobals &globals, const QDate &date, const QTime &time)
+{
+    const int sundayIsOne = date.dayOfWeek() % 7 + 1;
+    return globals.text.WeekdayText(sundayIsOne) + u", "_s + QString::number(date.day()) + u' ' +
+           globals.text.MonthText(date.month()) + u' ' + QString::number(date.year()).rightJustified(4, u'0') + u' ' +
+           QLocale::c().toString(time, u"HH:mm:ss"_s);
+}
+
+} // namespace corvane
