@@ -61,14 +61,15 @@ class Keeper:
         os.rename(path + ".part", path)
         return path
 
+    # content is what the sender meant; original_content still has the doubled dots of the transfer.
     async def handle_DATA(self, server, session, envelope):
         self.count += 1
         number = f"{self.count:04}"
         facts = {"from": envelope.mail_from, "to": envelope.rcpt_tos, "helo": session.host_name}
         self.write(number + ".json", json.dumps(facts, indent=1).encode())
-        path = self.write(number + ".eml", envelope.original_content)
+        path = self.write(number + ".eml", envelope.content)
         try:
-            shown = short_form(envelope.original_content, envelope.mail_from, envelope.rcpt_tos)
+            shown = short_form(envelope.content, envelope.mail_from, envelope.rcpt_tos)
         except Exception as fault:  # a mail that Python cannot read is kept and answered all the same
             shown = f"(cannot be shown: {fault})"
         print(f"--- mail {path}\n{shown}\n---", flush=True)

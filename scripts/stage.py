@@ -153,19 +153,16 @@ class Stage:
                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, check=False)
         return done.stdout.strip() if done.returncode == 0 else None
 
-    def windows(self, title, pid=None):
-        """The visible windows whose title is exactly this one."""
-        pattern = "^" + re.escape(title).replace("\\ ", " ").replace("\\-", "-") + "$"
-        arguments = ["search", "--all", "--onlyvisible"]
-        if pid is not None:
-            arguments += ["--pid", pid]
-        return (self.xdotool(*arguments, "--name", pattern) or "").split()
+    def windows(self, pid, title=None):
+        """The visible windows of a process; with a title, those whose title is exactly this one."""
+        arguments = ["search", "--all", "--onlyvisible", "--pid", pid]
+        if title is not None:
+            arguments += ["--name", "^" + title + "$"]  # none of the titles in use holds a sign with a meaning here
+        return (self.xdotool(*arguments) or "").split()
 
-    def wait_for_window(self, title, program, other_than=()):
+    def wait_for_window(self, title, program):
         """Waits for a window of the program with that title and gives it the keyboard; returns its id."""
-        def appeared():
-            return [w for w in self.windows(title, program.pid) if w not in other_than]
-        window = self.wait(f"the window '{title}'", appeared, program)[0]
+        window = self.wait(f"the window '{title}'", lambda: self.windows(program.pid, title), program)[0]
         self.focus(window, program)
         return window
 
@@ -190,12 +187,6 @@ class Stage:
             if line and self.xdotool("type", "--clearmodifiers", "--delay", "5", "--", line) is None:
                 raise StageError("could not type")
 
-    def geometry(self, window):
-        """x, y, width and height of a window on the screen."""
-        text = self.xdotool("getwindowgeometry", "--shell", window) or ""
-        values = dict(line.split("=", 1) for line in text.splitlines() if "=" in line)
-        return tuple(int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
-
     def picture(self, path):
         """A picture of the whole display."""
         subprocess.run(["scrot", "--overwrite", "--silent", path], env=self.environment, check=True,
@@ -214,26 +205,17 @@ class Stage:
             return alike
         self.wait("the display to stand still", settled)
 
-    def click(self, window, across, down):
-        """Clicks into the window at a place given as fractions of its width and height."""
-        _, _, width, height = self.geometry(window)
-        self.xdotool("mousemove", "--sync", "--window", window, int(width * across), int(height * down))
-        if self.xdotool("click", 1) is None:
-            raise StageError("could not click")
-
     # The program's main window
 
-    def to_subject(self, window):
-        """From the To field on to the subject: CC and BCC lie between."""
-        self.press("Tab", "Tab", "Tab")
-
-    def to_content(self, window):
-        """Puts the caret into the content, which fills the lower part of the window."""
-        self.click(window, 0.5, 0.8)
+    def fill(self, to, subject, content):
+        """Types a message into the window that has the keyboard. The fields are reached by their labels' letters."""
+        for letter, text in (("t", to), ("j", subject), ("o", content)):
+            self.press("alt+" + letter)
+            self.type(text)
 
     def answer_boxes(self, program, key="Return"):
         """Presses the key in each message box that the program shows now."""
-        for box in self.windows(BOX_TITLE, program.pid):
+        for box in self.windows(program.pid, BOX_TITLE):
             if self.xdotool("windowactivate", box) is not None and self.xdotool("getactivewindow") == box:
                 self.press(key)
 
