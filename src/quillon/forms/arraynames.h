@@ -12,7 +12,8 @@ namespace quillon {
 void adoptArrayNames(QWidget *form);
 
 /// The controls `name(0)` to `name(N-1)` of a form; a member that the form does not have is nullptr.
-template <typename Control, std::size_t N> std::array<Control *, N> controlArray(const QWidget *form, const QString &name)
+template <typename Control, std::size_t N>
+std::array<Control *, N> controlArray(const QWidget *form, const QString &name)
 {
     std::array<Control *, N> controls{};
     for (std::size_t i = 0; i < N; ++i) {

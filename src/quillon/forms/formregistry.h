@@ -9,13 +9,16 @@ class QWidget;
 
 namespace quillon {
 
+/// Set on a form that was unloaded and only waits to be deleted.
+inline constexpr char unloadedProperty[] = "unloaded";
+
 /// All forms by name. A form is loaded on first touch, can be asked whether it is loaded, and is made anew, with its
 /// design values, after it was unloaded.
 class FormRegistry {
 public:
     using Factory = std::function<QWidget *()>;
 
-    FormRegistry() = default;
+    FormRegistry();
     ~FormRegistry();
     FormRegistry(const FormRegistry &) = delete;
     FormRegistry &operator=(const FormRegistry &) = delete;
@@ -28,7 +31,9 @@ public:
     template <typename Form> Form *as(const QString &name) { return qobject_cast<Form *>(form(name)); }
 
     [[nodiscard]] bool isLoaded(const QString &name) const;
-    /// Closes and deletes the form; safe while an event of that form is being handled. One not loaded is no error.
+    /// Closes the form and lets it go; safe while an event of that form is being handled, even one that waits in a
+    /// nested event loop. The same happens when the user closes it. A form that refuses its close event stays loaded.
+    /// One not loaded is no error.
     void unload(const QString &name);
 
 private:
