@@ -61,7 +61,6 @@ class Keeper:
         os.rename(path + ".part", path)
         return path
 
-    # content is what the sender meant; original_content still has the doubled dots of the transfer.
     async def handle_DATA(self, server, session, envelope):
         self.count += 1
         number = f"{self.count:04}"
