@@ -22,7 +22,8 @@ struct MailStretch {
 /// A mail ready for the wire: headers and body, CR LF line ends, 7-bit octets, not dot-stuffed, without the final dot.
 struct EncodedMail {
     QList<MailStretch> Stretches;
-    qint64 Size = 0;   ///< octets of all stretches together, exact, for the SIZE parameter (RFC 1870)
+    qint64 Size = 0;            ///< octets of all stretches together, exact, for the SIZE parameter (RFC 1870)
+    bool NeedsSmtpUtf8 = false; ///< a header holds an address that only SMTPUTF8 can carry (RFC 6531)
     QString ErrorText; ///< not empty: the mail could not be encoded, and this sentence says why (names the file)
 };
 

@@ -1,0 +1,422 @@
+#include "quillon/mail/htmltext.h"
+
+#include "quillon/mail/htmlscanner.h"
+
+#include <QHash>
+#include <QList>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace quillon {
+
+namespace {
+
+constexpr int deepestIndent = 8; // deeper lists and quotes stay there, so that the result cannot outgrow the source
+constexpr int mostBreaks = 3;
+constexpr int ruleLength = 40;
+
+enum class Element {
+    Block,
+    Paragraph,
+    Break,
+    Rule,
+    UnorderedList,
+    OrderedList,
+    Entry,
+    Quote,
+    Row,
+    Cell,
+    Link,
+    Picture,
+    Pre
+};
+
+const QHash<QString, Element> &elements()
+{
+    static const QHash<QString, Element> table{
+        {u"address"_s, Element::Block},
+        {u"article"_s, Element::Block},
+        {u"aside"_s, Element::Block},
+        {u"center"_s, Element::Block},
+        {u"dd"_s, Element::Block},
+        {u"div"_s, Element::Block},
+        {u"dt"_s, Element::Block},
+        {u"fieldset"_s, Element::Block},
+        {u"footer"_s, Element::Block},
+        {u"form"_s, Element::Block},
+        {u"header"_s, Element::Block},
+        {u"main"_s, Element::Block},
+        {u"nav"_s, Element::Block},
+        {u"option"_s, Element::Block},
+        {u"section"_s, Element::Block},
+        {u"caption"_s, Element::Block},
+        {u"figcaption"_s, Element::Block},
+        {u"dl"_s, Element::Paragraph},
+        {u"figure"_s, Element::Paragraph},
+        {u"h1"_s, Element::Paragraph},
+        {u"h2"_s, Element::Paragraph},
+        {u"h3"_s, Element::Paragraph},
+        {u"h4"_s, Element::Paragraph},
+        {u"h5"_s, Element::Paragraph},
+        {u"h6"_s, Element::Paragraph},
+        {u"p"_s, Element::Paragraph},
+        {u"table"_s, Element::Paragraph},
+        {u"br"_s, Element::Break},
+        {u"hr"_s, Element::Rule},
+        {u"ul"_s, Element::UnorderedList},
+        {u"menu"_s, Element::UnorderedList},
+        {u"dir"_s, Element::UnorderedList},
+        {u"ol"_s, Element::OrderedList},
+        {u"li"_s, Element::Entry},
+        {u"blockquote"_s, Element::Quote},
+        {u"tr"_s, Element::Row},
+        {u"td"_s, Element::Cell},
+        {u"th"_s, Element::Cell},
+        {u"a"_s, Element::Link},
+        {u"img"_s, Element::Picture},
+        {u"pre"_s, Element::Pre},
+        {u"listing"_s, Element::Pre},
+    };
+    return table;
+}
+
+bool isCollapsible(QChar c)
+{
+    return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r' || c == u'\f';
+}
+
+/// Puts words and breaks together. Breaks and blanks are only noted and written when text follows, so that there are
+/// none at the end and no more than wanted in between.
+class TextLines {
+public:
+    void lineBreak() { wantBreaks(1); }
+    void paragraphBreak() { wantBreaks(2); }
+    void explicitBreak()
+    {
+        m_blank = false;
+        m_cell = false;
+        m_breaks = std::min(m_breaks + 1, mostBreaks);
+    }
+    void cell() { m_cell = m_lineHasText && m_breaks == 0; }
+    void setMarker(const QString &marker) { m_marker = marker; }
+    void quote(int change) { m_quotes = std::max(0, m_quotes + change); }
+    void indent(int change) { m_indent = std::max(0, m_indent + change); }
+    [[nodiscard]] qsizetype size() const { return m_text.size(); }
+    [[nodiscard]] QString textFrom(qsizetype at) const { return m_text.sliced(at); }
+
+    void addCollapsed(const QString &text)
+    {
+        qsizetype at = 0;
+        while (at < text.size()) {
+            if (isCollapsible(text[at])) {
+                m_blank = true;
+                ++at;
+                continue;
+            }
+            qsizetype end = at;
+            while (end < text.size() && !isCollapsible(text[end])) {
+                ++end;
+            }
+            addWord(QStringView(text).sliced(at, end - at));
+            at = end;
+        }
+    }
+
+    void addPreformatted(const QString &text)
+    {
+        qsizetype at = 0;
+        for (;;) {
+            qsizetype end = at;
+            while (end < text.size() && text[end] != u'\n' && text[end] != u'\r') {
+                ++end;
+            }
+            if (end > at) {
+                addWord(QStringView(text).sliced(at, end - at));
+            }
+            if (end >= text.size()) {
+                return;
+            }
+            explicitBreak();
+            at = end + (text[end] == u'\r' && end + 1 < text.size() && text[end + 1] == u'\n' ? 2 : 1);
+        }
+    }
+
+    QString finished()
+    {
+        trimLine();
+        return m_text.isEmpty() ? m_text : m_text + u"\r\n"_s;
+    }
+
+private:
+    void wantBreaks(int count)
+    {
+        m_blank = false;
+        m_cell = false;
+        m_breaks = std::max(m_breaks, count);
+    }
+
+    void trimLine()
+    {
+        while (m_text.endsWith(u' ') || m_text.endsWith(u'\t')) {
+            m_text.chop(1);
+        }
+    }
+
+    void addWord(QStringView word)
+    {
+        const int quotes = std::min(m_quotes, deepestIndent);
+        if (m_text.isEmpty()) {
+            beginLine(quotes);
+        } else if (m_breaks > 0) {
+            trimLine();
+            for (int i = 1; i < m_breaks; ++i) {
+                m_text += u"\r\n"_s + QString(quotes, u'>');
+            }
+            m_text += u"\r\n";
+            beginLine(quotes);
+        } else if (m_cell) {
+            m_text += u" | ";
+        } else if (m_blank && !m_text.endsWith(u' ')) {
+            m_text += u' ';
+        }
+        m_breaks = 0;
+        m_blank = false;
+        m_cell = false;
+        m_lineHasText = true;
+        const qsizetype begin = m_text.size();
+        m_text += word;
+        // A no-break space is a plain one in a text, but one that stays.
+        std::replace(m_text.begin() + begin, m_text.end(), QChar(QChar::Nbsp), QChar(u' '));
+    }
+
+    void beginLine(int quotes)
+    {
+        if (quotes > 0) {
+            m_text += QString(quotes, u'>') + u' ';
+        }
+        const int depth = std::min(m_indent, deepestIndent);
+        // The mark of an entry stands where the entry's further lines are indented to.
+        m_text += QString(std::max(0, m_marker.isEmpty() ? depth * 2 : depth * 2 - 2), u' ') + m_marker;
+        m_marker.clear();
+    }
+
+    QString m_text;
+    QString m_marker;
+    int m_breaks = 0;
+    int m_quotes = 0;
+    int m_indent = 0;
+    bool m_blank = false;
+    bool m_cell = false;
+    bool m_lineHasText = false;
+};
+
+class TextMaker {
+public:
+    explicit TextMaker(QStringView html) : m_html(html) {}
+
+    QString make()
+    {
+        HtmlScanner scanner(m_html);
+        HtmlToken token;
+        while (scanner.next(token)) {
+            const QStringView source = m_html.sliced(token.Begin, token.End - token.Begin);
+            switch (token.What) {
+            case HtmlToken::Kind::Text:
+                addText(decodeHtmlText(source));
+                break;
+            case HtmlToken::Kind::RawText:
+                if (token.Name == u"textarea"_s) {
+                    m_lines.addPreformatted(decodeHtmlText(source));
+                }
+                break;
+            case HtmlToken::Kind::StartTag:
+                startTag(token);
+                break;
+            case HtmlToken::Kind::EndTag:
+                endTag(token);
+                break;
+            case HtmlToken::Kind::Markup:
+                break;
+            }
+        }
+        closeLink();
+        return m_lines.finished();
+    }
+
+private:
+    void addText(const QString &text)
+    {
+        if (m_pre > 0) {
+            m_lines.addPreformatted(text);
+        } else {
+            m_lines.addCollapsed(text);
+        }
+    }
+
+    [[nodiscard]] QString attribute(const HtmlToken &tag, QStringView name) const
+    {
+        HtmlAttributes attributes(m_html, tag);
+        HtmlAttribute found;
+        while (attributes.next(found)) {
+            if (found.Name == name) {
+                return decodeHtmlText(m_html.sliced(found.ValueBegin, found.ValueEnd - found.ValueBegin)).simplified();
+            }
+        }
+        return {};
+    }
+
+    void beginList(bool ordered)
+    {
+        m_lists.isEmpty() ? m_lines.paragraphBreak() : m_lines.lineBreak();
+        m_lists.append(ordered ? 1 : 0);
+        m_lines.indent(1);
+    }
+
+    void endList()
+    {
+        if (!m_lists.isEmpty()) {
+            m_lists.removeLast();
+            m_lines.indent(-1);
+        }
+        m_lists.isEmpty() ? m_lines.paragraphBreak() : m_lines.lineBreak();
+    }
+
+    void beginEntry()
+    {
+        m_lines.lineBreak();
+        if (m_lists.isEmpty() || m_lists.last() == 0) {
+            m_lines.setMarker(u"- "_s);
+        } else {
+            m_lines.setMarker(QString::number(m_lists.last()++) + u". "_s);
+        }
+    }
+
+    void startTag(const HtmlToken &tag)
+    {
+        const auto element = elements().constFind(tag.Name);
+        if (element == elements().constEnd()) {
+            return;
+        }
+        switch (*element) {
+        case Element::Block:
+        case Element::Row:
+            m_lines.lineBreak();
+            break;
+        case Element::Paragraph:
+            m_lines.paragraphBreak();
+            break;
+        case Element::Break:
+            m_lines.explicitBreak();
+            break;
+        case Element::Rule:
+            m_lines.lineBreak();
+            m_lines.addCollapsed(QString(ruleLength, u'-'));
+            m_lines.lineBreak();
+            break;
+        case Element::UnorderedList:
+        case Element::OrderedList:
+            beginList(*element == Element::OrderedList);
+            break;
+        case Element::Entry:
+            beginEntry();
+            break;
+        case Element::Quote:
+            m_lines.paragraphBreak();
+            m_lines.quote(1);
+            break;
+        case Element::Cell:
+            m_lines.cell();
+            break;
+        case Element::Link:
+            closeLink(); // a link cannot hold another
+            m_link = attribute(tag, u"href");
+            m_linkBegin = m_lines.size();
+            break;
+        case Element::Picture:
+            if (const QString text = attribute(tag, u"alt"); !text.isEmpty()) {
+                m_lines.addCollapsed(u'[' + text + u']');
+            }
+            break;
+        case Element::Pre:
+            m_lines.paragraphBreak();
+            ++m_pre;
+            break;
+        }
+    }
+
+    void endTag(const HtmlToken &tag)
+    {
+        const auto element = elements().constFind(tag.Name);
+        if (element == elements().constEnd()) {
+            return;
+        }
+        switch (*element) {
+        case Element::Block:
+        case Element::Row:
+        case Element::Entry:
+            m_lines.lineBreak();
+            break;
+        case Element::Paragraph:
+            m_lines.paragraphBreak();
+            break;
+        case Element::UnorderedList:
+        case Element::OrderedList:
+            endList();
+            break;
+        case Element::Quote:
+            m_lines.paragraphBreak();
+            m_lines.quote(-1);
+            break;
+        case Element::Link:
+            closeLink();
+            break;
+        case Element::Pre:
+            m_lines.paragraphBreak();
+            m_pre = std::max(0, m_pre - 1);
+            break;
+        case Element::Break:
+        case Element::Rule:
+        case Element::Cell:
+        case Element::Picture:
+            break;
+        }
+    }
+
+    /// Writes the address of the open link behind its text, unless the text says it already or it leads nowhere.
+    void closeLink()
+    {
+        const QString link = std::exchange(m_link, QString());
+        const bool leadsOut =
+            link.startsWith(u"http:"_s, Qt::CaseInsensitive) || link.startsWith(u"https:"_s, Qt::CaseInsensitive) ||
+            link.startsWith(u"ftp:"_s, Qt::CaseInsensitive) || link.startsWith(u"tel:"_s, Qt::CaseInsensitive) ||
+            link.startsWith(u"mailto:"_s, Qt::CaseInsensitive);
+        if (!leadsOut) {
+            return;
+        }
+        const QString shown = link.startsWith(u"mailto:"_s, Qt::CaseInsensitive) ? link.mid(7) : link;
+        const QString text = m_lines.textFrom(m_linkBegin).trimmed();
+        if (text == shown || text + u'/' == shown || text == link) {
+            return;
+        }
+        const bool hasText = !text.isEmpty();
+        m_lines.addCollapsed((hasText ? u" <"_s : u"<"_s) + shown + u'>');
+    }
+
+    QStringView m_html;
+    TextLines m_lines;
+    QList<int> m_lists; ///< the open lists: the next number, 0 for a list without numbers
+    QString m_link;
+    qsizetype m_linkBegin = 0;
+    int m_pre = 0;
+};
+
+} // namespace
+
+QString textOfHtml(QStringView html)
+{
+    return TextMaker(html).make();
+}
+
+} // namespace quillon
