@@ -4,23 +4,27 @@
 
 namespace corvane {
 
-/// The progress dialog, as a run sees it.
+/// The counter line of the progress dialog while nothing is being counted. Another text means that a run is in its
+/// counting stage.
+inline constexpr char16_t progressRestText[] = u"Sending emails...";
+
+/// The progress dialog as a send run sees it. A dialog that the user closed is made anew, hidden and with its design
+/// texts, by the next call.
 class ProgressView {
 public:
     virtual ~ProgressView() = default;
 
     [[nodiscard]] virtual bool isVisible() const = 0;
-    /// Shows the dialog, not modal, if it is not visible; makes it anew if it was unloaded.
     virtual void makeVisible() = 0;
     virtual void hide() = 0;
 
-    [[nodiscard]] virtual QString activity() const = 0;
-    virtual void setActivity(const QString &text) = 0; ///< lblProg
-    [[nodiscard]] virtual QString counter() const = 0;
-    virtual void setCounter(const QString &text) = 0; ///< lblQty
+    [[nodiscard]] virtual QString activity() const = 0; ///< the activity line, lblProg
+    virtual void setActivity(const QString &text) = 0;
+    [[nodiscard]] virtual QString counter() const = 0; ///< the counter line, lblQty
+    virtual void setCounter(const QString &text) = 0;
 
-    /// The mail under way, from 1, and how many there are; a total of 0 is at rest.
-    virtual void setProgress(int current, int total) = 0;
+    /// Mail @p i of @p total, from 1; a total of 0 or less means that there is nothing to count.
+    virtual void setProgress(int i, int total) = 0;
 };
 
 } // namespace corvane

@@ -1,0 +1,113 @@
+#include "sending/forms/frmpubprogress.h"
+
+#include "core/texts.h"
+#include "quillon/forms/formkeys.h"
+#include "quillon/text/quillontext.h"
+#include "sending/progressview.h"
+#include "ui_frmpubprogress.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+namespace {
+
+constexpr int marginPixels = 6; // 90 twips
+constexpr int activityCharacters = 64;
+constexpr int activityLines = 2;
+
+} // namespace
+
+frmPubProgress::frmPubProgress(Hooks hooks) : m_hooks(std::move(hooks)), m_ui(std::make_unique<Ui::frmPubProgress>())
+{
+    m_ui->setupUi(this);
+    quillon::QuillonText().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
+    // The rest text is compared with, so it is the same in every language.
+    m_ui->lblQty->setText(QString::fromUtf16(progressRestText));
+    setModal(false);
+    // As large as two lines of usual length, whatever the transport reports.
+    const QFontMetrics metrics = m_ui->lblProg->fontMetrics();
+    m_ui->lblProg->setFixedSize(metrics.averageCharWidth() * activityCharacters, metrics.lineSpacing() * activityLines);
+    new quillon::FormKeys(this);
+    connect(m_ui->sbtCancel, &QPushButton::clicked, this, &frmPubProgress::cancel);
+    layOutAnew();
+}
+
+frmPubProgress::~frmPubProgress() = default;
+
+QString frmPubProgress::activity() const
+{
+    return m_ui->lblProg->text();
+}
+
+void frmPubProgress::setActivity(const QString &text)
+{
+    m_ui->lblProg->setText(text);
+    m_ui->lblProg->setToolTip(text);
+}
+
+QString frmPubProgress::counter() const
+{
+    return m_ui->lblQty->text();
+}
+
+void frmPubProgress::setCounter(const QString &text)
+{
+    m_ui->lblQty->setText(text);
+}
+
+void frmPubProgress::setProgress(int i, int total)
+{
+    m_ui->prg->setRange(0, qMax(total, 0));
+    m_ui->prg->setTextVisible(total > 0);
+    if (total > 0) {
+        m_ui->prg->setValue(qBound(0, i, total));
+    } else {
+        m_ui->prg->reset();
+    }
+}
+
+void frmPubProgress::resizeEvent(QResizeEvent *event)
+{
+    QDialog::resizeEvent(event);
+    fitToContents();
+}
+
+void frmPubProgress::showEvent(QShowEvent *event)
+{
+    QDialog::showEvent(event);
+    layOutAnew(); // only now the style and the font of the screen are sure
+}
+
+void frmPubProgress::cancel()
+{
+    if (m_hooks.requestStop) {
+        m_hooks.requestStop();
+    }
+    if (m_hooks.unload) {
+        m_hooks.unload();
+    }
+}
+
+void frmPubProgress::layOutAnew()
+{
+    setMinimumSize(0, 0);
+    setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    resize(layout()->totalSizeHint());
+    layout()->activate();
+    fitToContents();
+}
+
+void frmPubProgress::fitToContents()
+{
+    const QRect prog = m_ui->lblProg->geometry();
+    const QRect button = m_ui->sbtCancel->geometry();
+    const QSize fitted(prog.x() + prog.width() + marginPixels, button.y() + button.height() + marginPixels);
+    if (size() != fitted || minimumSize() != fitted) {
+        setFixedSize(fitted);
+    }
+}
+
+} // namespace corvane

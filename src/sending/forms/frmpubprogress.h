@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QDialog>
+
+#include <functional>
+#include <memory>
+
+namespace Ui {
+class frmPubProgress;
+}
+
+namespace corvane {
+
+/// The dialog that shows how a send run gets on. It is not modal: the main window can be used beside it.
+class frmPubProgress : public QDialog {
+    Q_OBJECT
+
+public:
+    struct Hooks {
+        std::function<void()> requestStop; ///< tells the run to stop before its next mail
+        std::function<void()> unload;      ///< unloads this form
+    };
+
+    explicit frmPubProgress(Hooks hooks);
+    ~frmPubProgress() override;
+
+    [[nodiscard]] QString activity() const;
+    void setActivity(const QString &text);
+    [[nodiscard]] QString counter() const;
+    void setCounter(const QString &text);
+    /// Shows @p i of @p total in the bar; a total of 0 or less shows that work is under way, of unknown length.
+    void setProgress(int i, int total);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+
+private:
+    void cancel();
+    void layOutAnew();
+    /// The size that the contents ask for: up to the right of the activity line and the foot of Cancel, and a margin.
+    void fitToContents();
+
+    Hooks m_hooks;
+    std::unique_ptr<Ui::frmPubProgress> m_ui;
+};
+
+} // namespace corvane

@@ -1,0 +1,161 @@
+#include "shell/trayicon.h"
+
+#include "quillon/forms/formtexts.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QMenu>
+#include <QStyle>
+#include <QSystemTrayIcon>
+
+#include <array>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+namespace {
+
+constexpr qsizetype tipBytes = 63; // the rest of the 64 is the terminating zero of the old structure
+
+struct Forwarded {
+    const char16_t *entry;
+    const char16_t *mainItem;
+    const char16_t *caption;
+};
+
+/// The entries that stand for commands of the main window, in the order of the menu.
+constexpr std::array<Forwarded, 13> forwarded = {{
+    {u"menth", u"menhh", u"&Help"},
+    {u"mento", u"menho", u"&Operational Flowchart"},
+    {u"mentf", u"menhf", u"&Frequently Asked Questions"},
+    {u"mentw", u"menhw", u"&Web Page of the Product"},
+    {u"mentb", u"menhb", u"&Blog"},
+    {u"mentr", u"menhr", u"&RSS Feed of the Blog"},
+    {u"mentc", u"menhc", u"&Contact Support"},
+    {u"mentl", u"menhl", u"Check for a &New Version"},
+    {u"mentt", u"menht", u"Suppor&t Page"},
+    {u"mente", u"menhe", u"R&ecommend to a Friend"},
+    {u"menta", u"menha", u"&About Corvane"},
+    {u"mentx", u"menfx", u"E&xit"},
+    {u"mentu", u"menfu", u"Exit, B&ut Keep the Scheduler"},
+}};
+
+QString productTip()
+{
+    QByteArray tip = QGuiApplication::applicationDisplayName().toUtf8().left(tipBytes);
+    QString text = QString::fromUtf8(tip);
+    while (text.endsWith(QChar::ReplacementCharacter)) {
+        text.chop(1); // a letter that the limit cut through
+    }
+    return text;
+}
+
+QIcon visibleIcon(const QWidget *window)
+{
+    const QIcon own = window->windowIcon();
+    return own.isNull() ? QApplication::style()->standardIcon(QStyle::SP_DesktopIcon) : own;
+}
+
+} // namespace
+
+TrayIcon::TrayIcon(QWidget *window, Hooks hooks, const QString &menusFile)
+    : m_window(window), m_hooks(std::move(hooks)), m_menu(std::make_unique<QMenu>()),
+      m_icon(std::make_unique<QSystemTrayIcon>())
+{
+    if (!m_hooks.trayAvailable) {
+        m_hooks.trayAvailable = &QSystemTrayIcon::isSystemTrayAvailable;
+    }
+    buildMenu();
+    quillon::applyMenuSection(m_menu.get(), u"frmPubSender"_s, menusFile);
+    m_icon->setContextMenu(m_menu.get());
+    m_icon->setToolTip(productTip());
+    connect(m_icon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger) {
+            restore();
+        }
+    });
+}
+
+TrayIcon::~TrayIcon() = default;
+
+void TrayIcon::buildMenu()
+{
+    m_menu->setObjectName(u"ment"_s);
+    QAction *show = m_menu->addAction(u"&Show Corvane"_s);
+    show->setObjectName(u"ments"_s);
+    connect(show, &QAction::triggered, this, &TrayIcon::restore);
+    m_menu->addSeparator();
+    for (const Forwarded &line : forwarded) {
+        const QString mainItem = QString::fromUtf16(line.mainItem);
+        if (mainItem == u"menfx") {
+            m_menu->addSeparator();
+        }
+        QAction *entry = m_menu->addAction(QString::fromUtf16(line.caption));
+        entry->setObjectName(QString::fromUtf16(line.entry));
+        connect(entry, &QAction::triggered, this, [this, mainItem] {
+            if (QAction *item = m_hooks.mainItem ? m_hooks.mainItem(mainItem) : nullptr) {
+                item->trigger();
+            }
+        });
+    }
+    connect(m_menu.get(), &QMenu::aboutToShow, this, &TrayIcon::updateEntries);
+}
+
+void TrayIcon::updateEntries()
+{
+    for (const Forwarded &line : forwarded) {
+        const QAction *item = m_hooks.mainItem ? m_hooks.mainItem(QString::fromUtf16(line.mainItem)) : nullptr;
+        m_menu->findChild<QAction *>(QString::fromUtf16(line.entry))->setEnabled(item && item->isEnabled());
+    }
+}
+
+bool TrayIcon::minimised()
+{
+    if (inTray()) {
+        return true;
+    }
+    if (!m_hooks.trayAvailable()) {
+        return false;
+    }
+    updateEntries();
+    m_icon->setIcon(visibleIcon(m_window));
+    m_icon->show();
+    m_window->hide();
+    return true;
+}
+
+void TrayIcon::restore()
+{
+    if (!inTray()) {
+        return;
+    }
+    // The window's own handling of the change of state must keep still meanwhile.
+    if (m_hooks.setRestoring) {
+        m_hooks.setRestoring(true);
+    }
+    if (m_hooks.restorePlacement) {
+        m_hooks.restorePlacement();
+    }
+    m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
+    m_window->show();
+    m_window->raise();
+    m_window->activateWindow();
+    m_icon->hide();
+    if (m_hooks.setRestoring) {
+        m_hooks.setRestoring(false);
+    }
+}
+
+void TrayIcon::takeDown()
+{
+    m_icon->hide();
+}
+
+bool TrayIcon::inTray() const
+{
+    return m_icon->isVisible();
+}
+
+} // namespace corvane
