@@ -1,0 +1,199 @@
+#include "core/instancelock.h"
+#include "core/launcher.h"
+#include "quillon/system/platform.h"
+#include "quillon/system/quillonregistry.h"
+#include "support/temporarytree.h"
+
+#include <QProcess>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace corvane;
+
+namespace {
+
+class RecordedProcesses : public quillon::Processes {
+public:
+    explicit RecordedProcesses(QStringList &steps) : m_steps(steps), m_before(quillon::setProcesses(this)) {}
+    ~RecordedProcesses() override { quillon::setProcesses(m_before); }
+    RecordedProcesses(const RecordedProcesses &) = delete;
+    RecordedProcesses &operator=(const RecordedProcesses &) = delete;
+
+    void end(const QString &executable, const QString &dataRoot) override
+    {
+        m_steps.append(u"end "_s + executable + u" on "_s + dataRoot);
+    }
+    bool start(const QString &program, const QStringList &arguments) override
+    {
+        m_steps.append(u"start "_s + QStringList(arguments).join(u' ').prepend(program + u' ').trimmed());
+        return true;
+    }
+
+private:
+    QStringList &m_steps;
+    quillon::Processes *m_before;
+};
+
+} // namespace
+
+class TestLauncher : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_tree = std::make_unique<TemporaryTree>();
+        m_steps.clear();
+        m_processes = std::make_unique<RecordedProcesses>(m_steps);
+    }
+    void cleanup()
+    {
+        m_processes.reset();
+        m_tree.reset();
+    }
+
+    void switchIsTheWholeCommandLineInEitherCase();
+    void secondInstanceOfTheSameDataIsSeen();
+    void lockIsFreedWhenItsHolderIsGone();
+    void handOverGoesInItsOrder();
+    void emptyStartupDoesNotCountAsLast();
+    void missingCompanionIsNoFault();
+    void companionGetsTheSwitch();
+    void exitGoesInItsOrder();
+    void exitThatLeavesTheCompanionEndsNothing();
+    void cancelledSaveQuestionKeepsTheProgram();
+    void oldSystemLosesItsTemporaryAccount();
+
+private:
+    void addCompanion() const
+    {
+        const QString companion = m_tree->globals.programFolder + u"/CorvaneS.exe"_s;
+        writeFile(companion, "#!/bin/sh\n");
+        QVERIFY(QFile::setPermissions(companion, QFileDevice::ReadOwner | QFileDevice::ExeOwner));
+    }
+    [[nodiscard]] HandOver recordedHandOver()
+    {
+        return {
+            [this] { m_steps.append(u"main, restoring "_s + QString::number(m_tree->globals.RestoringFromLast)); },
+            [this] { m_steps.append(u"progress"_s); },
+            [this](int interval) { m_steps.append(u"timer "_s + QString::number(interval)); },
+            [this] { m_steps.append(u"splash, restoring "_s + QString::number(m_tree->globals.RestoringFromLast)); }};
+    }
+    [[nodiscard]] ExitSteps recordedExit(bool cancelled)
+    {
+        return {[this, cancelled] {
+                    m_steps.append(u"save?"_s);
+                    return cancelled;
+                },
+                [this] { m_steps.append(u"hooks"_s); },
+                [this](const QString &form) { m_steps.append(form); },
+                [this] { m_steps.append(u"help"_s); },
+                [this] { m_steps.append(u"tray"_s); },
+                [this] { m_steps.append(u"main"_s); }};
+    }
+
+    std::unique_ptr<TemporaryTree> m_tree;
+    QStringList m_steps;
+    std::unique_ptr<RecordedProcesses> m_processes;
+};
+
+void TestLauncher::switchIsTheWholeCommandLineInEitherCase()
+{
+    QVERIFY(isSwitch({u"/D"_s}));
+    QVERIFY(isSwitch({u"/d"_s}));
+    QVERIFY(!isSwitch({}));
+    QVERIFY(!isSwitch({u"/D"_s, u"/D"_s}));
+    QVERIFY(!isSwitch({u"/DX"_s}));
+    QVERIFY(!isSwitch({u"-D"_s}));
+}
+
+void TestLauncher::secondInstanceOfTheSameDataIsSeen()
+{
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_tree->path()));
+    const InstanceLock first(u"/data/one"_s);
+    QVERIFY(!first.otherInstanceRuns());
+    QVERIFY(InstanceLock(u"/data/one"_s).otherInstanceRuns());
+    QVERIFY(!InstanceLock(u"/data/two"_s).otherInstanceRuns());
+}
+
+void TestLauncher::lockIsFreedWhenItsHolderIsGone()
+{
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_tree->path()));
+    {
+        const InstanceLock first(u"/data/one"_s);
+    }
+    QVERIFY(!InstanceLock(u"/data/one"_s).otherInstanceRuns());
+}
+
+void TestLauncher::handOverGoesInItsOrder()
+{
+    addCompanion();
+    m_tree->globals.settings.other[Startup] = u"Last"_s;
+    handOver(m_tree->globals, false, recordedHandOver());
+    QCOMPARE(m_steps,
+             (QStringList{u"main, restoring 1"_s, u"progress"_s, u"timer 6000"_s,
+                          u"end CorvaneS.exe on "_s + m_tree->globals.paths.root,
+                          u"start "_s + m_tree->globals.programFolder + u"/CorvaneS.exe"_s, u"splash, restoring 0"_s}));
+}
+
+void TestLauncher::emptyStartupDoesNotCountAsLast()
+{
+    handOver(m_tree->globals, false, recordedHandOver());
+    QCOMPARE(m_steps.constFirst(), u"main, restoring 0"_s);
+}
+
+void TestLauncher::missingCompanionIsNoFault()
+{
+    const int before = quillon::faultCount();
+    restartCompanion(m_tree->globals, false);
+    QCOMPARE(quillon::faultCount(), before);
+    QCOMPARE(m_steps.size(), 1);
+}
+
+void TestLauncher::companionGetsTheSwitch()
+{
+    addCompanion();
+    restartCompanion(m_tree->globals, true);
+    QCOMPARE(m_steps.constLast(), u"start "_s + m_tree->globals.programFolder + u"/CorvaneS.exe /D"_s);
+}
+
+void TestLauncher::exitGoesInItsOrder()
+{
+    QVERIFY(exitProgram(m_tree->globals, true, recordedExit(false)));
+    QCOMPARE(m_steps, (QStringList{u"save?"_s, u"hooks"_s, u"frmPubOptions"_s, u"frmPubSender"_s, u"frmPubSelCts"_s,
+                                   u"frmPubTemplates"_s, u"frmPubProgress"_s, u"frmPubAbout"_s, u"frmPubSplash"_s,
+                                   u"frmPubSchedule"_s, u"help"_s,
+                                   u"end CorvaneS.exe on "_s + m_tree->globals.paths.root, u"tray"_s, u"main"_s}));
+}
+
+void TestLauncher::exitThatLeavesTheCompanionEndsNothing()
+{
+    QVERIFY(exitProgram(m_tree->globals, false, recordedExit(false)));
+    QVERIFY(m_steps.filter(u"CorvaneS.exe"_s).isEmpty());
+    QCOMPARE(m_steps.constLast(), u"main"_s);
+}
+
+void TestLauncher::cancelledSaveQuestionKeepsTheProgram()
+{
+    QVERIFY(!exitProgram(m_tree->globals, true, recordedExit(true)));
+    QCOMPARE(m_steps, QStringList{u"save?"_s});
+}
+
+void TestLauncher::oldSystemLosesItsTemporaryAccount()
+{
+    using quillon::QuillonRegistry;
+    const QString key = u"Software\\Microsoft\\Internet Account Manager\\Accounts\\00000096"_s;
+    QuillonRegistry::setFile(m_tree->path(u"registry"_s));
+    const QuillonRegistry registry;
+    registry.WriteValue(QuillonRegistry::CurrentUser, key, u"Account Name"_s, QuillonRegistry::Text, u"Corvane"_s);
+    prepareProgram(m_tree->globals);
+    QCOMPARE(registry.ReadValue(QuillonRegistry::CurrentUser, key, u"Account Name"_s), u"Corvane"_s);
+    quillon::setOsMajorVersion(5);
+    prepareProgram(m_tree->globals);
+    quillon::setOsMajorVersion(10);
+    QCOMPARE(registry.ReadValue(QuillonRegistry::CurrentUser, key, u"Account Name"_s), QString());
+    QuillonRegistry::setFile(QString());
+}
+
+QTEST_GUILESS_MAIN(TestLauncher)
+#include "test_launcher.moc"

@@ -1,0 +1,92 @@
+#include "support/temporarytree.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace corvane;
+
+namespace {
+
+class RecordedPrompts : public quillon::Prompts {
+public:
+    RecordedPrompts() : m_before(quillon::setPrompts(this)) {}
+    ~RecordedPrompts() override { quillon::setPrompts(m_before); }
+    RecordedPrompts(const RecordedPrompts &) = delete;
+    RecordedPrompts &operator=(const RecordedPrompts &) = delete;
+
+    quillon::BoxAnswer box(const quillon::BoxRequest &request) override
+    {
+        boxes.append(request);
+        return quillon::BoxAnswer::Yes;
+    }
+    QString input(const quillon::InputRequest &) override { return {}; }
+    QStringList openFiles(const quillon::FileRequest &) override { return {}; }
+    QString saveFile(const quillon::FileRequest &) override { return {}; }
+    QString selectFolder(const QString &) override { return {}; }
+    long chooseColor() override { return -1; }
+    void showModalForm(const QString &, int) override {}
+
+    QList<quillon::BoxRequest> boxes;
+
+private:
+    quillon::Prompts *m_before;
+};
+
+} // namespace
+
+class TestTexts : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_tree = std::make_unique<TemporaryTree>(); }
+    void cleanup() { m_tree.reset(); }
+
+    void textIsReadAtEachUse();
+    void keyThatIsNotThereGivesAnEmptyBoxThatStillWaits();
+    void missingFileGivesAnEmptyBoxThatStillWaits();
+    void valueStandsInFrontInSingleQuotes();
+
+private:
+    [[nodiscard]] QString tips() const { return m_tree->globals.programFolder + u"/tips.dll"_s; }
+
+    std::unique_ptr<TemporaryTree> m_tree;
+};
+
+void TestTexts::textIsReadAtEachUse()
+{
+    writeFile(tips(), "[Message & Text]\r\nNO_LOG=one\r\n");
+    QCOMPARE(LookupText(u"NO_LOG"_s), u"one"_s);
+    writeFile(tips(), "[Message & Text]\r\nNO_LOG=two\r\n");
+    QCOMPARE(LookupText(u"NO_LOG"_s), u"two"_s);
+}
+
+void TestTexts::keyThatIsNotThereGivesAnEmptyBoxThatStillWaits()
+{
+    writeFile(tips(), "[Message & Text]\r\nNO_LOG=one\r\n");
+    RecordedPrompts prompts;
+    QCOMPARE(showMessage(u"RESTORE_SET"_s, quillon::YesNoCancelBox), quillon::BoxAnswer::Yes);
+    QCOMPARE(prompts.boxes.size(), 1);
+    QCOMPARE(prompts.boxes.constFirst().Text, QString());
+    QCOMPARE(prompts.boxes.constFirst().Style, static_cast<int>(quillon::YesNoCancelBox));
+}
+
+void TestTexts::missingFileGivesAnEmptyBoxThatStillWaits()
+{
+    RecordedPrompts prompts;
+    QCOMPARE(LookupText(u"NO_LOG"_s), QString());
+    showMessage(u"NO_LOG"_s, quillon::InformationBox);
+    QCOMPARE(prompts.boxes.size(), 1);
+}
+
+void TestTexts::valueStandsInFrontInSingleQuotes()
+{
+    writeFile(tips(), "[Message & Text]\r\nINVALID_TO=is no address.\r\n");
+    RecordedPrompts prompts;
+    showMessage(u"INVALID_TO"_s, quillon::WarningBox, u"Ada <x"_s);
+    showMessage(u"INVALID_TO"_s, quillon::WarningBox, QString());
+    QCOMPARE(prompts.boxes.at(0).Text, u"'Ada <x' is no address."_s);
+    QCOMPARE(prompts.boxes.at(1).Text, u"'' is no address."_s);
+}
+
+QTEST_GUILESS_MAIN(TestTexts)
+#include "test_texts.moc"

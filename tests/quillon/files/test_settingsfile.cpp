@@ -1,0 +1,254 @@
+#include "quillon/fault.h"
+#include "quillon/files/settingsfile.h"
+#include "quillon/system/quillonsystem.h"
+
+#include <QFile>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+using quillon::QuillonSystem;
+using quillon::SettingsFile;
+
+namespace {
+
+QByteArray read(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void write(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), bytes.size());
+}
+
+/// Any text, made mostly of what could upset a file of sections and keys.
+QString anyText(QRandomGenerator &random)
+{
+    static const QString pool = u"ab =[];\"'\t\r\n\\:#uüß漢\u2028\uFEFF\u00A0\u0085"_s;
+    QString text;
+    const int length = random.bounded(12);
+    for (int i = 0; i < length; ++i) {
+        switch (random.bounded(12)) {
+        case 0:
+            text += u"\\lines:"_s;
+            break;
+        case 1:
+            text += QString::fromUcs4(U"\U0001F600");
+            break;
+        case 2:
+            text += QChar(static_cast<char16_t>(random.bounded(0x10000)));
+            break;
+        default:
+            text += pool.at(random.bounded(static_cast<int>(pool.size())));
+        }
+    }
+    return text;
+}
+
+} // namespace
+
+class TestSettingsFile : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_folder = std::make_unique<QTemporaryDir>(); }
+
+    void missingFileReadsAsEmpty();
+    void missingKeyOrSectionIsNoFault();
+    void writingMakesSectionAndKeyAndLeavesTheRest();
+    void namesCompareWithoutRegardToCase();
+    void valueWithoutLineBreaksStandsVerbatim();
+    void valueWithLineBreaksStandsOnOneLineAndReturns();
+    void anyTextComesBackAsSectionKeyAndValue();
+    void fileOfAnotherEditorIsRead();
+    void fileOfAnotherEditorIsRead_data();
+    void mixedEncodingsAreReadLineByLine();
+    void commentsAndForeignLinesAreKept();
+    void brokenLinesAreKeptAndDoNotHideKeys();
+    void fileThatCannotBeReadIsNeverRewritten();
+    void pipeNeitherHangsNorIsWritten();
+    void newFileIsForItsOwnerOnly();
+    void fileIsFoundAndRenamedInAnotherCase();
+    void linkKeepsPointingToItsTarget();
+
+private:
+    [[nodiscard]] QString path(const QString &name = u"options.dll"_s) const { return m_folder->filePath(name); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QuillonSystem m_system;
+};
+
+void TestSettingsFile::missingFileReadsAsEmpty()
+{
+    QCOMPARE(m_system.ReadSetting(path(), u"Other"_s, u"Startup"_s), QString());
+    QVERIFY(!QFile::exists(path()));
+}
+
+void TestSettingsFile::missingKeyOrSectionIsNoFault()
+{
+    write(path(), "[Other]\r\nStartup=Last\r\n");
+    const int before = quillon::faultCount();
+    QCOMPARE(m_system.ReadSetting(path(), u"Other"_s, u"Format"_s), QString());
+    QCOMPARE(m_system.ReadSetting(path(), u"Nothing"_s, u"Startup"_s), QString());
+    QCOMPARE(quillon::faultCount(), before);
+}
+
+void TestSettingsFile::writingMakesSectionAndKeyAndLeavesTheRest()
+{
+    m_system.WriteSetting(path(), u"Other"_s, u"Font Name"_s, u"Courier New"_s);
+    QCOMPARE(read(path()), QByteArray("[Other]\r\nFont Name=Courier New\r\n"));
+    m_system.WriteSetting(path(), u"Position"_s, u"Left"_s, u"15"_s);
+    m_system.WriteSetting(path(), u"Other"_s, u"Startup"_s, u"Max"_s);
+    m_system.WriteSetting(path(), u"Other"_s, u"Font Name"_s, u"Serif"_s);
+    QCOMPARE(read(path()), QByteArray("[Other]\r\nFont Name=Serif\r\nStartup=Max\r\n[Position]\r\nLeft=15\r\n"));
+}
+
+void TestSettingsFile::namesCompareWithoutRegardToCase()
+{
+    m_system.WriteSetting(path(), u"SMTP Account"_s, u"Default"_s, u"one"_s);
+    m_system.WriteSetting(path(), u"SMTP account"_s, u"DEFAULT"_s, u"two"_s);
+    QCOMPARE(m_system.ReadSetting(path(), u"smtp ACCOUNT"_s, u"default"_s), u"two"_s);
+    QCOMPARE(read(path()).count("[SMTP"), 1);
+}
+
+void TestSettingsFile::valueWithoutLineBreaksStandsVerbatim()
+{
+    const QString value = u"  mail.example\t25\tN = <a@b.c>;[x] "_s;
+    m_system.WriteSetting(path(), u"SMTP Account"_s, u"Default"_s, value);
+    QCOMPARE(read(path()), "[SMTP Account]\r\nDefault=" + value.toUtf8() + "\r\n");
+    QCOMPARE(m_system.ReadSetting(path(), u"SMTP Account"_s, u"Default"_s), value);
+}
+
+void TestSettingsFile::valueWithLineBreaksStandsOnOneLineAndReturns()
+{
+    const QString value = u"a@b.c,\r\nd@e.f\n[Head]\rSubject=x\\n"_s;
+    m_system.WriteSetting(path(), u"Head"_s, u"To"_s, value);
+    QCOMPARE(read(path()).count('\n'), 2);
+    QCOMPARE(m_system.ReadSetting(path(), u"Head"_s, u"To"_s), value);
+    QCOMPARE(m_system.ReadSetting(path(), u"Head"_s, u"Subject"_s), QString());
+}
+
+void TestSettingsFile::anyTextComesBackAsSectionKeyAndValue()
+{
+    QRandomGenerator random(20261121);
+    for (int round = 0; round < 3000; ++round) {
+        QFile::remove(path());
+        QList<std::array<QString, 3>> written;
+        SettingsFile file(path());
+        for (int i = 0; i < 4; ++i) {
+            const QString section = anyText(random);
+            const QString key = anyText(random) + QString::number(i);
+            const QString value = anyText(random);
+            file.setValue(section, key, value);
+            written.append({section, key, value});
+        }
+        QVERIFY(file.save());
+        const SettingsFile again(path());
+        for (const auto &[section, key, value] : std::as_const(written)) {
+            QVERIFY2(again.value(section, key) == value,
+                     qPrintable(u"round %1: [%2] %3 = %4"_s.arg(round).arg(section, key, value)));
+        }
+    }
+}
+
+void TestSettingsFile::fileOfAnotherEditorIsRead_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    const QString text = u"[Sender]\nDefault.DispName=Jürgen €\n"_s;
+    QTest::newRow("LF") << text.toUtf8();
+    QTest::newRow("CR LF") << QString(text).replace(u"\n"_s, u"\r\n"_s).toUtf8();
+    QTest::newRow("byte-order mark") << "\xEF\xBB\xBF" + text.toUtf8();
+    QTest::newRow("Windows-1252") << QByteArray("[Sender]\r\nDefault.DispName=J\xFCrgen \x80\r\n");
+    QTest::newRow("no last line end") << text.toUtf8().chopped(1);
+    QTest::newRow("UTF-16") << QByteArray("\xFF\xFE") +
+                                   QByteArray(reinterpret_cast<const char *>(text.utf16()), text.size() * 2);
+}
+
+void TestSettingsFile::fileOfAnotherEditorIsRead()
+{
+    QFETCH(const QByteArray, bytes);
+    write(path(), bytes);
+    QCOMPARE(m_system.ReadSetting(path(), u"Sender"_s, u"Default.DispName"_s), u"Jürgen €"_s);
+    m_system.WriteSetting(path(), u"Sender"_s, u"Default.EmailAddr"_s, u"ü@b.c"_s);
+    QCOMPARE(m_system.ReadSetting(path(), u"Sender"_s, u"Default.DispName"_s), u"Jürgen €"_s);
+    QCOMPARE(m_system.ReadSetting(path(), u"Sender"_s, u"Default.EmailAddr"_s), u"ü@b.c"_s);
+}
+
+void TestSettingsFile::mixedEncodingsAreReadLineByLine()
+{
+    write(path(), "[A]\nk=J\xFCrgen\nl=J\xC3\xBCrgen\n");
+    QCOMPARE(m_system.ReadSetting(path(), u"A"_s, u"k"_s), u"Jürgen"_s);
+    QCOMPARE(m_system.ReadSetting(path(), u"A"_s, u"l"_s), u"Jürgen"_s);
+}
+
+void TestSettingsFile::commentsAndForeignLinesAreKept()
+{
+    write(path(), "; of mine\n[A]\n\nk=1\nnot a key\n; end\n");
+    m_system.WriteSetting(path(), u"A"_s, u"k"_s, u"2"_s);
+    QCOMPARE(read(path()), QByteArray("; of mine\r\n[A]\r\n\r\nk=2\r\nnot a key\r\n; end\r\n"));
+}
+
+void TestSettingsFile::brokenLinesAreKeptAndDoNotHideKeys()
+{
+    const QByteArray broken =
+        QByteArray("[A\r\n=\r\n[]\r\n[A]\r\n\xFF\xFE\0=x\r\n", 23) + QByteArray(3'000'000, 'x') + "\r\nk=found\r\n";
+    write(path(), broken);
+    QCOMPARE(m_system.ReadSetting(path(), u"A"_s, u"k"_s), u"found"_s);
+    m_system.WriteSetting(path(), u"A"_s, u"k"_s, u"found"_s);
+    QCOMPARE(read(path()), broken);
+}
+
+void TestSettingsFile::fileThatCannotBeReadIsNeverRewritten()
+{
+    QVERIFY(QDir().mkpath(path(u"folder.dll"_s)));
+    const int before = quillon::faultCount();
+    m_system.WriteSetting(path(u"folder.dll"_s), u"A"_s, u"k"_s, u"v"_s);
+    QVERIFY(quillon::faultCount() > before);
+    QVERIFY(QFileInfo(path(u"folder.dll"_s)).isDir());
+}
+
+void TestSettingsFile::pipeNeitherHangsNorIsWritten()
+{
+    QCOMPARE(::mkfifo(QFile::encodeName(path()).constData(), 0600), 0);
+    QCOMPARE(m_system.ReadSetting(path(), u"A"_s, u"k"_s), QString());
+    m_system.WriteSetting(path(), u"A"_s, u"k"_s, u"v"_s);
+    struct stat status {};
+    QCOMPARE(::stat(QFile::encodeName(path()).constData(), &status), 0);
+    QVERIFY(S_ISFIFO(status.st_mode));
+}
+
+void TestSettingsFile::newFileIsForItsOwnerOnly()
+{
+    m_system.WriteSetting(path(), u"A"_s, u"k"_s, u"v"_s);
+    struct stat status {};
+    QCOMPARE(::stat(QFile::encodeName(path()).constData(), &status), 0);
+    QCOMPARE(static_cast<int>(status.st_mode & 0777), 0600);
+}
+
+void TestSettingsFile::fileIsFoundAndRenamedInAnotherCase()
+{
+    write(path(u"HEAD_Letter.dll"_s), "[Head]\r\nTo=a@b.c\r\n");
+    QCOMPARE(m_system.ReadSetting(path(u"head_letter.dll"_s), u"Head"_s, u"To"_s), u"a@b.c"_s);
+    m_system.WriteSetting(path(u"head_letter.dll"_s), u"Head"_s, u"CC"_s, u"d@e.f"_s);
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files), QStringList{u"head_letter.dll"_s});
+    QCOMPARE(read(path(u"head_letter.dll"_s)), QByteArray("[Head]\r\nTo=a@b.c\r\nCC=d@e.f\r\n"));
+}
+
+void TestSettingsFile::linkKeepsPointingToItsTarget()
+{
+    write(path(u"real.dll"_s), "[A]\r\nk=1\r\n");
+    QVERIFY(QFile::link(path(u"real.dll"_s), path()));
+    m_system.WriteSetting(path(), u"A"_s, u"k"_s, u"2"_s);
+    QVERIFY(QFileInfo(path()).isSymLink());
+    QCOMPARE(read(path(u"real.dll"_s)), QByteArray("[A]\r\nk=2\r\n"));
+}
+
+QTEST_GUILESS_MAIN(TestSettingsFile)
+#include "test_settingsfile.moc"

@@ -1,0 +1,155 @@
+#include "quillon/fault.h"
+#include "quillon/system/platform.h"
+#include "quillon/system/quillonregistry.h"
+#include "quillon/system/quillonsystem.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+class TestSystem : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_folder = std::make_unique<QTemporaryDir>(); }
+
+    void specialFoldersFollowTheDesktopsVariables();
+    void unknownNumbersAndLettersAreFaults();
+    void waitHandlesEventsAndLastsItsTime();
+    void endProcessEndsThoseOfThatNameAndDataOnly();
+    void endProcessKillsWhatDoesNotListen();
+    void registryKeepsValuesInItsFile();
+    void registryWithoutAFileIsSilent();
+    void promptsWithNobodyThereAreFaults();
+
+private:
+    /// A process whose executable bears that very name, working on the data below @p dataHome.
+    std::unique_ptr<QProcess> startAs(const QString &name, const QString &dataHome, const QStringList &arguments)
+    {
+        const QString folder = m_folder->filePath(QString::number(m_started++));
+        QDir().mkpath(folder);
+        const QString program = folder + u'/' + name;
+        QFile::copy(QStandardPaths::findExecutable(arguments.constFirst()), program);
+        auto process = std::make_unique<QProcess>();
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"XDG_DATA_HOME"_s, dataHome);
+        process->setProcessEnvironment(environment);
+        process->start(program, arguments.sliced(1));
+        process->waitForStarted();
+        return process;
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    int m_started = 0;
+    quillon::QuillonSystem m_system;
+};
+
+void TestSystem::specialFoldersFollowTheDesktopsVariables()
+{
+    qputenv("XDG_DATA_HOME", "/tmp/of-the-user");
+    qputenv("XDG_DATA_DIRS", "/tmp/of-all:/usr/share");
+    QCOMPARE(m_system.GetSpecialFolder(26), u"/tmp/of-the-user"_s);
+    QCOMPARE(m_system.GetSpecialFolder(35), u"/tmp/of-all"_s);
+}
+
+void TestSystem::unknownNumbersAndLettersAreFaults()
+{
+    const int before = quillon::faultCount();
+    QCOMPARE(m_system.GetSpecialFolder(7), QString());
+    QCOMPARE(m_system.GetSystemPath(u"X"_s), QString());
+    QCOMPARE(quillon::faultCount(), before + 2);
+    QVERIFY(QDir(m_system.GetSystemPath(u"P"_s)).exists());
+    QCOMPARE(m_system.GetOsMajorVersion(), 10);
+}
+
+void TestSystem::waitHandlesEventsAndLastsItsTime()
+{
+    int ticks = 0;
+    QTimer timer;
+    connect(&timer, &QTimer::timeout, this, [&] { ++ticks; });
+    timer.start(1);
+    QElapsedTimer clock;
+    clock.start();
+    m_system.WaitMilliseconds(50);
+    QVERIFY(clock.elapsed() >= 50);
+    QVERIFY(ticks > 0);
+    m_system.WaitMilliseconds(0);
+    m_system.WaitMilliseconds(-5);
+}
+
+void TestSystem::endProcessEndsThoseOfThatNameAndDataOnly()
+{
+    const QString mine = m_folder->filePath(u"mine"_s);
+    qputenv("XDG_DATA_HOME", QFile::encodeName(mine));
+    const auto first = startAs(u"CorvaneS.exe"_s, mine, {u"sleep"_s, u"600"_s});
+    const auto second = startAs(u"CorvaneS.exe"_s, mine, {u"sleep"_s, u"600"_s});
+    const auto otherName = startAs(u"CorvaneT.exe"_s, mine, {u"sleep"_s, u"600"_s});
+    const auto otherData = startAs(u"CorvaneS.exe"_s, m_folder->filePath(u"other"_s), {u"sleep"_s, u"600"_s});
+    m_system.EndProcess(u"CorvaneS.exe"_s);
+    QVERIFY(first->waitForFinished());
+    QVERIFY(second->waitForFinished());
+    QCOMPARE(otherName->state(), QProcess::Running);
+    QCOMPARE(otherData->state(), QProcess::Running);
+    otherName->kill();
+    otherData->kill();
+    otherName->waitForFinished();
+    otherData->waitForFinished();
+}
+
+void TestSystem::endProcessKillsWhatDoesNotListen()
+{
+    const QString mine = m_folder->filePath(u"mine"_s);
+    qputenv("XDG_DATA_HOME", QFile::encodeName(mine));
+    const auto deaf =
+        startAs(u"CorvaneS.exe"_s, mine,
+                {u"bash"_s, u"-c"_s, u"trap '' TERM; echo deaf; while :; do read -t 1 < /dev/zero; done"_s});
+    QVERIFY(deaf->waitForReadyRead());
+    m_system.EndProcess(u"CorvaneS.exe"_s);
+    QVERIFY(deaf->waitForFinished());
+    QCOMPARE(deaf->exitStatus(), QProcess::CrashExit);
+}
+
+void TestSystem::registryKeepsValuesInItsFile()
+{
+    using quillon::QuillonRegistry;
+    const QuillonRegistry registry;
+    QuillonRegistry::setFile(m_folder->filePath(u"registry"_s));
+    registry.WriteValue(QuillonRegistry::CurrentUser, u"Software\\A"_s, u"Name"_s, QuillonRegistry::Text, u"x"_s);
+    registry.WriteValue(QuillonRegistry::CurrentUser, u"Software\\A"_s, u"Number"_s, QuillonRegistry::Number, u"3"_s);
+    registry.WriteValue(QuillonRegistry::Machine, u"Software\\A"_s, QString(), QuillonRegistry::Text, u"all"_s);
+    QCOMPARE(registry.ReadValue(QuillonRegistry::CurrentUser, u"software\\a"_s, u"name"_s), u"x"_s);
+    QCOMPARE(registry.ReadValue(QuillonRegistry::CurrentUser, u"Software\\A"_s, u"Number"_s), u"3"_s);
+    registry.DeleteKey(QuillonRegistry::CurrentUser, u"Software\\A"_s);
+    QCOMPARE(registry.ReadValue(QuillonRegistry::CurrentUser, u"Software\\A"_s, u"Name"_s), QString());
+    QCOMPARE(registry.ReadValue(QuillonRegistry::Machine, u"Software\\A"_s, QString()), u"all"_s);
+    QuillonRegistry::setFile(QString());
+}
+
+void TestSystem::registryWithoutAFileIsSilent()
+{
+    using quillon::QuillonRegistry;
+    const QuillonRegistry registry;
+    const int before = quillon::faultCount();
+    registry.WriteValue(QuillonRegistry::CurrentUser, u"A"_s, u"b"_s, QuillonRegistry::Text, u"c"_s);
+    registry.DeleteKey(QuillonRegistry::CurrentUser, u"A"_s);
+    QCOMPARE(registry.ReadValue(QuillonRegistry::CurrentUser, u"A"_s, u"b"_s), QString());
+    QCOMPARE(quillon::faultCount(), before);
+}
+
+void TestSystem::promptsWithNobodyThereAreFaults()
+{
+    const int before = quillon::faultCount();
+    QCOMPARE(quillon::prompts().box({u"K"_s, u"T"_s, QString(), quillon::YesNoBox}), quillon::BoxAnswer::No);
+    QCOMPARE(quillon::prompts().input({u"K"_s, u"T"_s, u"default"_s}), QString());
+    QCOMPARE(m_system.ChooseColor(), -1L);
+    QCOMPARE(quillon::faultCount(), before + 3);
+}
+
+QTEST_GUILESS_MAIN(TestSystem)
+#include "test_system.moc"
