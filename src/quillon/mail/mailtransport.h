@@ -4,12 +4,15 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 
 namespace quillon {
 
 class SmtpSession;
+struct EncodedMail;
+struct SmtpFailure;
 
 /// One SMTP connection (RFC 5321): it connects, sends, and reports what goes wrong. Connect() and Send() block their
 /// caller while the event loop keeps running inside. A transport lives for one connection.
@@ -43,13 +46,18 @@ public:
     /// an earlier Connect() failed, which has reported its own.
     bool Send(const MailMessage &message);
 
+    /// As Send(), for a mail that is encoded already: from the address @p from to each of @p recipients.
+    bool SendEncoded(const EncodedMail &mail, const QString &from, const QStringList &recipients);
+
     /// Whether the server has accepted the session; waits for that up to the time-out.
     bool Accepted();
 
     /// Ends the connection; never waits for a peer that hangs.
     void Quit();
 
-    /// Time-outs of every transport made from now on, in milliseconds: for a connection to stand, and for silence.
+    /// Time-outs of every connection made from now on, in milliseconds, each above 0: for a connection to stand
+    /// (30,000 until set), for a server's silence (60,000; ten times that after the end of a message, when it may
+    /// look through it, RFC 5321, 4.5.3.2.6), and the grace that Connect() gives a peer that says nothing (3,000).
     static void setTimeouts(int connectMs, int silenceMs, int graceMs);
 
 Q_SIGNALS:
@@ -59,7 +67,12 @@ Q_SIGNALS:
     void Progress(int ProgID, const QString &ProgDesc);
 
 private:
-    std::unique_ptr<SmtpSession> m_session;
+    void report(const SmtpFailure &failure);
+    [[nodiscard]] QString faultOfSettings(const QString &server, long port) const;
+
+    std::shared_ptr<SmtpSession> m_session; // shared with the calls under way, which may outlive this object
+    bool m_busy = false;
+    bool m_failureKnown = false; // the session's end has been reported by Connect() or Accepted()
 };
 
 } // namespace quillon

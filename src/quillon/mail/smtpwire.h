@@ -1,0 +1,80 @@
+#pragma once
+
+#include "quillon/mail/smtpreply.h"
+
+#include <QNetworkProxy>
+#include <QObject>
+#include <QPointer>
+#include <QSslSocket>
+#include <QTimer>
+
+#include <chrono>
+
+namespace quillon {
+
+/// The connection beneath an SMTP session: a socket, TLS, the time-out for silence, and the server's octets cut into
+/// replies. Never blocks. After failed() or close() it is silent and does nothing more.
+class SmtpWire : public QObject {
+    Q_OBJECT
+
+public:
+    explicit SmtpWire(QObject *parent = nullptr);
+    ~SmtpWire() override;
+
+    /// Begins to connect; connected() follows when the connection stands, through @p proxy if it is one.
+    void open(const QString &host, quint16 port, const QNetworkProxy &proxy);
+
+    /// Begins the TLS handshake for the host that open() was given; encrypted() follows when it is verified.
+    void startTls();
+
+    void write(const QByteArray &octets);
+    void writeLine(const QByteArray &line) { write(line + "\r\n"); }
+
+    /// Whether more may be written without filling memory; roomLeft() tells when there is some again.
+    [[nodiscard]] bool hasRoom() const;
+    /// Octets written that the system has not taken yet.
+    [[nodiscard]] qint64 unsent() const;
+
+    std::optional<SmtpReply> nextReply() { return m_parser.next(); }
+    /// Whether the server has said something that nextReply() has not given.
+    [[nodiscard]] bool hasPending() const { return m_parser.hasPending() || !m_parser.fault().isEmpty(); }
+    [[nodiscard]] QString parserFault() const { return m_parser.fault(); }
+    void forgetInput() { m_parser.clear(); }
+    /// Whether a single octet has come, line end or not.
+    [[nodiscard]] bool hasHeard() const { return m_heard; }
+
+    [[nodiscard]] bool isEncrypted() const { return m_socket && m_socket->isEncrypted(); }
+    /// This end's address, as EHLO names a host without a name: "[192.0.2.1]", "[IPv6:2001:db8::1]" (RFC 5321, 4.1.3).
+    [[nodiscard]] QByteArray addressLiteral() const;
+
+    /// How long the peer may be silent from now on; whatever comes or goes begins it anew. 0: for ever.
+    void allowSilence(std::chrono::milliseconds time);
+
+    /// Gives the connection up. @p politely: with QUIT, whose answer a closer awaits in the background for a moment.
+    void close(bool politely);
+
+Q_SIGNALS:
+    void connected();
+    void encrypted();
+    void heard();
+    void roomLeft();
+    /// The connection is lost or was never made; @p reason is the end of a sentence.
+    void failed(const QString &reason);
+
+private:
+    void onReadyRead();
+    void onError(QAbstractSocket::SocketError error);
+    void onSilence();
+    void onBytesWritten();
+    void onEncrypted();
+    [[nodiscard]] QString tlsReason() const;
+
+    QPointer<QSslSocket> m_socket; // lives on with its closer when this is gone
+    SmtpReplyParser m_parser;
+    QTimer m_silence;
+    QString m_host;
+    quint16 m_port = 0;
+    bool m_heard = false;
+};
+
+} // namespace quillon
