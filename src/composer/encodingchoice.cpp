@@ -1,0 +1,70 @@
+#include "composer/encodingchoice.h"
+
+#include "composer/controltext.h"
+#include "composer/menuitemarray.h"
+
+#include <QAction>
+#include <QActionGroup>
+#include <QComboBox>
+#include <QMenu>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+EncodingChoice::EncodingChoice(QComboBox *shown, QComboBox *hidden, QMenu *menu, QAction *base)
+    : QObject(menu), m_shown(shown), m_hidden(hidden), m_menu(menu), m_base(base)
+{
+    connect(m_shown, &QComboBox::editTextChanged, this, &EncodingChoice::mark);
+    connect(m_menu, &QMenu::triggered, this, [this](const QAction *item) {
+        setComboText(m_shown, itemCaption(item));
+        mark(itemCaption(item));
+    });
+}
+
+void EncodingChoice::fill(const QString &entries)
+{
+    QStringList pairs;
+    QStringList names;
+    for (const QString &entry : entries.split(u" || "_s, Qt::SkipEmptyParts)) {
+        if (!entry.startsWith(u'_')) {
+            pairs.append(entry);
+            names.append(entry.section(u" | "_s, 1));
+        }
+    }
+    m_hidden->clear();
+    m_hidden->addItems(pairs);
+    setComboList(m_shown, names);
+    rebuildItemArray(m_menu, m_base, names, true);
+    auto *group = new QActionGroup(m_menu);
+    group->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional); // a radio mark, or none
+    for (QAction *item : itemArray(m_menu, m_base)) {
+        item->setCheckable(true);
+        group->addAction(item);
+    }
+    mark(m_shown->currentText());
+}
+
+QString EncodingChoice::displayName(const QString &code)
+{
+    if (code.isEmpty()) {
+        return u"Unicode (UTF-8)"_s;
+    }
+    for (int i = 0; i < m_hidden->count(); ++i) {
+        m_hidden->setCurrentIndex(i);
+        const QString entry = m_hidden->currentText();
+        if (entry.section(u" | "_s, 0, 0) == code) {
+            return entry.section(u" | "_s, 1);
+        }
+    }
+    return {};
+}
+
+void EncodingChoice::mark(const QString &name)
+{
+    for (QAction *item : itemArray(m_menu, m_base)) {
+        item->setChecked(itemCaption(item) == name);
+    }
+}
+
+} // namespace corvane

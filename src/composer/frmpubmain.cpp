@@ -1,0 +1,346 @@
+#include "composer/frmpubmain.h"
+
+#include "composer/accessiblenames.h"
+#include "composer/accountfields.h"
+#include "composer/commandtable.h"
+#include "composer/contentlayout.h"
+#include "composer/contentviews.h"
+#include "composer/controltext.h"
+#include "composer/editcommands.h"
+#include "composer/encodingchoice.h"
+#include "composer/growingboxes.h"
+#include "composer/maincommands.h"
+#include "composer/mainicons.h"
+#include "composer/menuitemarray.h"
+#include "composer/popups.h"
+#include "composer/richeditor.h"
+#include "composer/statushints.h"
+#include "composer/ui_frmpubmain.h"
+#include "composer/windowplacement.h"
+#include "core/texts.h"
+#include "quillon/forms/arraynames.h"
+#include "quillon/system/platform.h"
+
+#include <QActionGroup>
+#include <QCloseEvent>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+namespace {
+
+constexpr int defaultAccountAddress = 7; // field of the account's record
+constexpr int standardFontSize = 10;
+constexpr double toolbarFontScale = 0.9; // lets all captions fit on a screen of 1024 pixels
+const QString versionText = u"5.22"_s;
+
+void call(const std::function<void()> &hook)
+{
+    if (hook) {
+        hook();
+    }
+}
+
+} // namespace
+
+frmPubMain::frmPubMain(ApplicationGlobals &globals, MainHooks hooks)
+    : m_globals(globals), m_hooks(std::move(hooks)), m_ui(std::make_unique<Ui::frmPubMain>())
+{
+    m_ui->setupUi(this);
+    quillon::adoptArrayNames(this);
+    prepareControls();
+    prepareContent();
+    m_controls = std::make_unique<MainControls>(this);
+    makeConcerns();
+    watchDateChoice();
+    watchChanges();
+    setMainIcons(this);
+    QFont captions = m_ui->tlb->font();
+    captions.setPointSizeF(captions.pointSizeF() * toolbarFontScale);
+    m_ui->tlb->setFont(captions);
+    setMacroMenu({});
+    setSignatureMenu({});
+    m_controls->txt[0]->setFocus();
+}
+
+frmPubMain::~frmPubMain() = default;
+
+void frmPubMain::prepareControls()
+{
+    for (const int number : {1, 2}) {
+        auto *panel = new QLabel(this);
+        panel->setObjectName(u"stb(%1)"_s.arg(number));
+        panel->setContentsMargins(4, 0, 4, 0);
+        // A long help line is cut, it does not make the window wider.
+        panel->setSizePolicy(number == 1 ? QSizePolicy::Ignored : QSizePolicy::Preferred, QSizePolicy::Preferred);
+        statusBar()->addPermanentWidget(panel, number == 1 ? 1 : 0);
+        panel->setText(number == 1 ? QString::fromUtf16(readyText)
+                                   : QString::fromUtf16(programTitle) + u' ' + versionText);
+    }
+    const auto hiddenChild = [this](QWidget *child, const QString &name) {
+        child->setObjectName(name);
+        child->hide();
+    };
+    hiddenChild(new QComboBox(this), u"cbb(3)"_s);
+    hiddenChild(new RichEditor(this), u"dheTmp"_s);
+    auto *filter = new QListWidget(this);
+    filter->setFocusPolicy(Qt::NoFocus); // typing goes on in the box that it belongs to
+    hiddenChild(filter, u"lstFilter"_s);
+    auto *palette = new QFrame(this);
+    palette->setFrameShape(QFrame::StyledPanel);
+    palette->setAutoFillBackground(true);
+    auto *more = new QToolButton(palette);
+    more->setObjectName(u"sbt(11)"_s);
+    more->setText(u"More..."_s);
+    more->setToolTip(u"Chooses any other color."_s);
+    hiddenChild(palette, u"fra(4)"_s);
+}
+
+void frmPubMain::prepareContent()
+{
+    auto *encoding = findChild<QComboBox *>(u"cbb(2)"_s);
+    encoding->lineEdit()->setReadOnly(true); // picked from the list; a message may still bring another one
+    encoding->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    auto *attachments = findChild<QListWidget *>(u"lsv(0)"_s);
+    attachments->setFlow(QListView::LeftToRight);
+    attachments->setWrapping(true);
+    attachments->setResizeMode(QListView::Adjust);
+    attachments->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    const int icon = style()->pixelMetric(QStyle::PM_SmallIconSize);
+    attachments->setIconSize(QSize(icon, icon));
+    attachments->setSelectionMode(QAbstractItemView::SingleSelection);
+    findChild<QComboBox *>(u"cbb(4)"_s)->addItems(QFontDatabase::families());
+    findChild<QComboBox *>(u"cbb(5)"_s)
+        ->addItems({u"8"_s, u"10"_s, u"12"_s, u"14"_s, u"18"_s, u"24"_s, u"36"_s});
+    const QList<QComboBox *> combos = findChildren<QComboBox *>();
+    for (QComboBox *combo : combos) {
+        combo->setCurrentIndex(-1);
+        if (combo->isEditable()) {
+            combo->setCompleter(nullptr); // what stands in a field is what was typed or picked
+        }
+    }
+    auto *priorities = new QActionGroup(this);
+    for (const int item : {0, 1, 2}) {
+        priorities->addAction(findChild<QAction *>(u"menosh(%1)"_s.arg(item)));
+    }
+}
+
+void frmPubMain::makeConcerns()
+{
+    MainControls &c = *m_controls;
+    m_account = new AccountFields(c.cbb[6], {{{c.cbb[0], c.opt[0], c.opt[1]}, {c.cbb[1], c.opt[2], c.opt[3]}}},
+                                  m_hooks.findSmtpRecord, m_globals.sender);
+    m_encodings = new EncodingChoice(c.cbb[2], c.cbb[3], findChild<QMenu *>(u"menoes"_s),
+                                     findChild<QAction *>(u"menoesa(0)"_s));
+    m_edit = new EditCommands(this);
+    m_layout = new ContentLayout(c.header, c.utbContent, c.menve, c.tlbExpand);
+    m_views = new ContentViews({c.opt[8], c.opt[9], c.menor, c.menop, c.sst, c.formattingBar, c.utbContent},
+                               [this](bool rich) {
+                                   if (m_commands) {
+                                       m_commands->setRichCommandsEnabled(rich);
+                                   }
+                               });
+    m_message = std::make_unique<MainWindowMessage>(
+        c, MainWindowMessage::Rules{*m_account, *m_views, *m_layout, m_globals.system});
+    m_placement = new WindowPlacement(this, m_globals);
+    new GrowingBoxes(c.txt, c.attachments, c.header, centralWidget());
+    m_commands = new CommandTable(
+        this, mainCommands({m_hooks, m_globals, *m_message, *m_edit, *m_layout, *m_views}));
+    new PopUps(this, {c.colorPopUp, c.lstFilter});
+    new StatusHints(this, statusBar(), c.panel[1], c.panel[2], [this](int panel) { clickPanel(panel); });
+}
+
+void frmPubMain::watchDateChoice()
+{
+    const auto follow = [this](bool actual) {
+        m_controls->date->setEnabled(!actual);
+        m_controls->time->setEnabled(!actual);
+        if (!actual) {
+            const QDateTime now = quillon::systemClock().now();
+            m_message->setCustomDateTime(now.date(), now.time());
+        }
+    };
+    connect(m_controls->opt[4], &QAbstractButton::toggled, this, follow);
+    follow(false); // the present moment stands there from the start
+    follow(m_controls->opt[4]->isChecked());
+    m_controls->date->setDisplayFormat(QLocale::system().dateFormat(QLocale::ShortFormat));
+    m_controls->time->setDisplayFormat(u"HH:mm:ss"_s);
+}
+
+void frmPubMain::watchChanges()
+{
+    const auto changed = [this] {
+        // That dialog refills the boxes of this window, which is nothing that the user did to the message.
+        if (!m_hooks.optionsOpen || !m_hooks.optionsOpen()) {
+            m_message->pblnChanged = true;
+        }
+    };
+    for (const std::size_t box : {0U, 1U, 2U, 4U, 5U, 6U}) {
+        connect(m_controls->cbb[box], &QComboBox::editTextChanged, this, changed);
+    }
+    for (const QPlainTextEdit *box : m_controls->txt) {
+        connect(box, &QPlainTextEdit::textChanged, this, changed);
+    }
+    connect(m_controls->utbSubject, &QLineEdit::textChanged, this, changed);
+    connect(m_controls->utbContent, &QPlainTextEdit::textChanged, this, changed);
+    connect(m_controls->utbSource, &QPlainTextEdit::textChanged, this, changed);
+}
+
+void frmPubMain::load()
+{
+    applyTexts();
+    call(m_hooks.checkForUpdate);
+    fillNewMessage();
+    call(m_hooks.checkAccount);
+    call(m_hooks.installTray);
+    m_message->pblnChanged = false;
+    applyStartup();
+    call(m_hooks.readPrompts);
+}
+
+void frmPubMain::applyTexts()
+{
+    m_globals.text.ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
+    m_globals.text.ApplyMenuTexts(this, languageFolder() + u"/menus.dll"_s);
+    setAccessibleNames(this);
+}
+
+void frmPubMain::fillNewMessage()
+{
+    m_message->mblnReady = false;
+    m_encodings->fill(m_globals.text.GetEncodingList());
+    call(m_hooks.loadLists);
+    ResetMessageOptions();
+    m_message->setText(MessageWindow::Field::Encoding, EncodingDisplayName());
+    if (const QString &account = m_globals.settings.smtp[0]; !account.isEmpty()) {
+        m_message->setText(MessageWindow::Field::Account,
+                           account.section(u'\t', defaultAccountAddress, defaultAccountAddress));
+    }
+    for (const auto choice :
+         {MessageWindow::Choice::Sender, MessageWindow::Choice::ReplyReceiver, MessageWindow::Choice::Date}) {
+        m_message->setActual(choice, true);
+    }
+    fillFonts();
+    call(m_hooks.addSignature);
+    const bool rich = m_globals.settings.other[Format] == u"Rich";
+    m_message->setFormat(rich ? MessageWindow::Format::Rich : MessageWindow::Format::Plain);
+    m_message->mblnReady = true;
+}
+
+void frmPubMain::fillFonts()
+{
+    const auto &other = m_globals.settings.other;
+    const QString name = other[FontName].isEmpty() ? u"Courier New"_s : other[FontName];
+    const QString size = other[FontSize].isEmpty() ? QString::number(standardFontSize) : other[FontSize];
+    setComboText(m_controls->cbb[4], name);
+    setComboText(m_controls->cbb[5], size);
+    QFont font(name);
+    font.setStyleHint(QFont::Monospace); // what takes the place of a Courier that is not there
+    const double points = size.toDouble();
+    font.setPointSizeF(points > 0 ? points : standardFontSize);
+    m_controls->utbContent->setFont(font);
+}
+
+QString frmPubMain::EncodingDisplayName()
+{
+    return m_encodings->displayName(m_globals.settings.other[Encoding]);
+}
+
+void frmPubMain::ResetMessageOptions()
+{
+    m_controls->menop->setChecked(true);
+    m_message->setPriority(MessageWindow::Priority::Normal);
+    m_message->setReceipt(false);
+    m_message->setOneByOne(false);
+}
+
+void frmPubMain::setMacroMenu(const QStringList &captions)
+{
+    const Command *insert = m_commands->command(u"menimsa(0)"_s);
+    auto *menu = findChild<QMenu *>(u"menim"_s);
+    rebuildItemArray(menu, findChild<QAction *>(u"menimsa(0)"_s), captions, insert && insert->run);
+    menu->menuAction()->setVisible(!captions.isEmpty());
+}
+
+void frmPubMain::setSignatureMenu(const QStringList &captions)
+{
+    const Command *insert = m_commands->command(u"menissa(0)"_s);
+    auto *menu = findChild<QMenu *>(u"menis"_s);
+    rebuildItemArray(menu, findChild<QAction *>(u"menissa(0)"_s), captions, insert && insert->run);
+    menu->setEnabled(!captions.isEmpty());
+}
+
+void frmPubMain::applyStartup()
+{
+    const QString &startup = m_globals.settings.other[Startup];
+    if (startup == u"Max") {
+        setWindowState(windowState() | Qt::WindowMaximized);
+    } else if (startup == u"Sys") {
+        setWindowState(windowState() | Qt::WindowMinimized);
+    }
+}
+
+void frmPubMain::clickPanel(int panel)
+{
+    if (m_hooks.showProgress && m_hooks.showProgress()) {
+        return;
+    }
+    if (const Command *about = m_commands->command(u"menha"_s); panel == 2 && about && about->run) {
+        about->run();
+    }
+}
+
+void frmPubMain::tellMinimised()
+{
+    if (isVisible() && isMinimized()) {
+        call(m_hooks.minimised);
+    }
+}
+
+void frmPubMain::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange && m_placement) {
+        m_placement->resized();
+        tellMinimised();
+    }
+}
+
+void frmPubMain::resizeEvent(QResizeEvent *event)
+{
+    QMainWindow::resizeEvent(event);
+    if (m_placement) {
+        m_placement->resized();
+    }
+}
+
+void frmPubMain::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    if (event->spontaneous()) {
+        return;
+    }
+    if (m_globals.RestoringFromLast) {
+        m_placement->resized(); // a window of the same size as before gets no resize
+    }
+    // A window that is first shown minimised is told when the showing is over: it may be hidden then.
+    QMetaObject::invokeMethod(this, &frmPubMain::tellMinimised, Qt::QueuedConnection);
+}
+
+void frmPubMain::closeEvent(QCloseEvent *event)
+{
+    if (m_message->Tag == u"EXITWITHMENU" || qGuiApp->isSavingSession()) {
+        m_message->Tag.clear();
+        event->accept();
+        call(m_hooks.closed);
+        return;
+    }
+    event->ignore();
+    setWindowState(windowState() | Qt::WindowMinimized);
+}
+
+} // namespace corvane

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "composer/mainhooks.h"
+#include "composer/mainwindowmessage.h"
+#include "core/globals.h"
+
+#include <QMainWindow>
+
+#include <memory>
+
+namespace corvane {
+
+namespace Ui {
+class frmPubMain;
+}
+
+class AccountFields;
+class CommandTable;
+class ContentLayout;
+class ContentViews;
+class EditCommands;
+class EncodingChoice;
+class WindowPlacement;
+
+/// The main window. It owns the controls that are the message, and wires the classes that each look after some of
+/// them.
+class frmPubMain : public QMainWindow {
+    Q_OBJECT
+
+public:
+    /// @p globals outlives the window.
+    frmPubMain(ApplicationGlobals &globals, MainHooks hooks);
+    ~frmPubMain() override;
+
+    /// Fills the window once, before it is shown for the first time: texts, update check, the new message, the question
+    /// for an account, the tray, the state of the window, the input prompts. The timer `timPos` is left standing.
+    void load();
+
+    [[nodiscard]] MessageWindow &message() { return *m_message; }
+    [[nodiscard]] const CommandTable &commands() const { return *m_commands; }
+    [[nodiscard]] ContentLayout &layoutOfContent() { return *m_layout; }
+    /// The display name of the encoding that is set as the default; see EncodingChoice::displayName().
+    QString EncodingDisplayName();
+    /// Priority Normal, format mark Plain, no receipt, not one by one.
+    void ResetMessageOptions();
+    /// Makes the items of the menus of macros and of signatures, in this order of indexes: 1, 2 …
+    void setMacroMenu(const QStringList &captions);
+    void setSignatureMenu(const QStringList &captions);
+
+protected:
+    void changeEvent(QEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+
+private:
+    void prepareControls();
+    void prepareContent();
+    void makeConcerns();
+    void watchChanges();
+    void watchDateChoice();
+    void applyTexts();
+    void fillNewMessage();
+    void fillFonts();
+    void applyStartup();
+    void clickPanel(int panel);
+    void tellMinimised();
+
+    ApplicationGlobals &m_globals;
+    MainHooks m_hooks;
+    std::unique_ptr<Ui::frmPubMain> m_ui;
+    std::unique_ptr<MainControls> m_controls;
+    AccountFields *m_account = nullptr;
+    EncodingChoice *m_encodings = nullptr;
+    EditCommands *m_edit = nullptr;
+    ContentLayout *m_layout = nullptr;
+    ContentViews *m_views = nullptr;
+    WindowPlacement *m_placement = nullptr;
+    std::unique_ptr<MainWindowMessage> m_message;
+    CommandTable *m_commands = nullptr;
+};
+
+} // namespace corvane

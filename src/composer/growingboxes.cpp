@@ -1,0 +1,157 @@
+#include "composer/growingboxes.h"
+
+#include <QAbstractScrollArea>
+#include <QEvent>
+#include <QLayout>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+
+#include <algorithm>
+
+namespace corvane {
+
+namespace {
+
+/// The layout, nested or not, that holds @p widget.
+QLayout *layoutOf(QLayout *layout, QWidget *widget)
+{
+    for (int i = 0; layout && i < layout->count(); ++i) {
+        QLayoutItem *item = layout->itemAt(i);
+        if (item->widget() == widget) {
+            return layout;
+        }
+        if (QLayout *found = layoutOf(item->layout(), widget)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+GrowingBoxes::GrowingBoxes(const std::array<QPlainTextEdit *, 3> &boxes, QAbstractScrollArea *list, QWidget *header,
+                           QWidget *ground)
+    : QObject(header), m_header(header), m_ground(ground)
+{
+    for (QPlainTextEdit *box : boxes) {
+        add(box, LargeBox);
+    }
+    add(list, LargeList);
+    m_header->installEventFilter(this);
+    measure();
+}
+
+void GrowingBoxes::add(QAbstractScrollArea *box, int large)
+{
+    auto *place = new QWidget(m_header);
+    place->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    if (QLayout *layout = layoutOf(m_header->layout(), box)) {
+        delete layout->replaceWidget(box, place, Qt::FindDirectChildrenOnly);
+    }
+    box->setParent(m_ground);
+    box->setVisible(!m_header->isHidden());
+    box->installEventFilter(this);
+    box->viewport()->installEventFilter(this);
+    place->installEventFilter(this);
+    m_boxes.push_back({box, place, large});
+}
+
+GrowingBoxes::Box *GrowingBoxes::find(const QWidget *box)
+{
+    const auto found = std::find_if(m_boxes.begin(), m_boxes.end(), [box](const Box &b) { return b.box == box; });
+    return found == m_boxes.end() ? nullptr : &*found;
+}
+
+int GrowingBoxes::height(const QWidget *box) const
+{
+    const Box *found = const_cast<GrowingBoxes *>(this)->find(box);
+    return found ? found->twips : 0;
+}
+
+void GrowingBoxes::toggle(QWidget *widget)
+{
+    Box *box = find(widget);
+    if (!box) {
+        return;
+    }
+    Box &list = m_boxes.back();
+    for (Box &other : m_boxes) {
+        // An open list of attachments stays open beside a recipient box, unless it has that box's height.
+        if (&other != box && (&other != &list || list.twips == LargeBox)) {
+            setHeight(other, OneRow);
+        }
+    }
+    setHeight(*box, box->twips == OneRow ? box->large : OneRow);
+}
+
+void GrowingBoxes::setHeight(Box &box, int twips)
+{
+    box.twips = twips;
+    box.box->setVerticalScrollBarPolicy(twips == OneRow ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
+    if (twips != OneRow) {
+        box.box->raise();
+    }
+    arrange(box);
+}
+
+void GrowingBoxes::measure()
+{
+    // A row is as high as a one-line field, which follows font and style.
+    m_row = std::max(OneRow / 15, QLineEdit(m_header).sizeHint().height());
+    for (const Box &box : m_boxes) {
+        box.place->setFixedHeight(m_row);
+        if (auto *text = qobject_cast<QPlainTextEdit *>(box.box)) {
+            // One line stands in the middle of the row.
+            const int space = m_row - 2 * text->frameWidth() - text->fontMetrics().lineSpacing();
+            text->document()->setDocumentMargin(std::max(1.0, space / 2.0));
+        }
+        arrange(box);
+    }
+}
+
+void GrowingBoxes::arrange(const Box &box) const
+{
+    box.box->setGeometry(QRect(box.place->mapTo(m_ground, QPoint(0, 0)),
+                               QSize(box.place->width(), m_row * box.twips / OneRow)));
+}
+
+bool GrowingBoxes::eventFilter(QObject *watched, QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::MouseButtonDblClick:
+        for (const Box &box : m_boxes) {
+            if (box.box->viewport() == watched) {
+                toggle(box.box);
+                break;
+            }
+        }
+        break;
+    case QEvent::Move:
+    case QEvent::Resize:
+        for (const Box &box : m_boxes) {
+            if (box.place == watched || m_header == watched) {
+                arrange(box);
+            }
+        }
+        break;
+    case QEvent::HideToParent:
+    case QEvent::ShowToParent:
+        if (watched == m_header) {
+            for (const Box &box : m_boxes) {
+                box.box->setVisible(!m_header->isHidden());
+            }
+        }
+        break;
+    case QEvent::FontChange:
+    case QEvent::StyleChange:
+        if (watched == m_header) {
+            measure();
+        }
+        break;
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+} // namespace corvane

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "composer/commandtable.h"
+#include "composer/mainhooks.h"
+#include "core/globals.h"
+
+namespace corvane {
+
+class ContentLayout;
+class ContentViews;
+class EditCommands;
+class MainWindowMessage;
+
+/// What the commands work on.
+struct CommandTargets {
+    const MainHooks &hooks;
+    const ApplicationGlobals &globals;
+    MainWindowMessage &message;
+    EditCommands &edit;
+    ContentLayout &layout;
+    ContentViews &views;
+};
+
+/// All commands of the main window. The targets outlive the table.
+[[nodiscard]] std::vector<Command> mainCommands(const CommandTargets &targets);
+
+} // namespace corvane

@@ -1,0 +1,270 @@
+#include "composer/mainwindowmessage.h"
+
+#include "composer/accountfields.h"
+#include "composer/contentlayout.h"
+#include "composer/contentviews.h"
+#include "composer/controltext.h"
+#include "composer/richeditor.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QDirIterator>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMainWindow>
+#include <QPlainTextEdit>
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+namespace {
+
+qint64 sizeOf(const QString &path)
+{
+    const QFileInfo info(path);
+    if (!info.isDir()) {
+        return info.size();
+    }
+    qint64 size = 0;
+    for (QDirIterator files(path, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); files.hasNext();) {
+        size += files.nextFileInfo().size();
+    }
+    return size;
+}
+
+QString rowText(const QString &path)
+{
+    const QString name = path.section(u'/', -1);
+    if (!QFileInfo::exists(path)) {
+        return name;
+    }
+    // nearbyint() rounds a tie to the even neighbour.
+    const auto kilobytes = static_cast<qint64>(std::nearbyint(static_cast<double>(sizeOf(path)) / 1024.0));
+    return u"%1 (%2 KB)"_s.arg(name, QString::number(kilobytes));
+}
+
+} // namespace
+
+MainWindowMessage::MainWindowMessage(const MainControls &controls, const Rules &rules)
+    : m_controls(controls), m_rules(rules)
+{
+}
+
+QWidget *MainWindowMessage::control(Field field) const
+{
+    switch (field) {
+    case Field::Account:
+        return m_controls.cbb[6];
+    case Field::Sender:
+        return m_controls.cbb[0];
+    case Field::ReplyReceiver:
+        return m_controls.cbb[1];
+    case Field::Encoding:
+        return m_controls.cbb[2];
+    case Field::To:
+        return m_controls.txt[0];
+    case Field::CC:
+        return m_controls.txt[1];
+    case Field::BCC:
+        return m_controls.txt[2];
+    case Field::Subject:
+        return m_controls.utbSubject;
+    case Field::PlainContent:
+        return m_controls.utbContent;
+    case Field::RichContent:
+        return m_controls.dhe;
+    case Field::Source:
+        return m_controls.utbSource;
+    }
+    return nullptr;
+}
+
+QString MainWindowMessage::text(Field field) const
+{
+    QWidget *holder = control(field);
+    if (const auto *combo = qobject_cast<QComboBox *>(holder)) {
+        return withCrLf(combo->currentText());
+    }
+    if (const auto *box = qobject_cast<QPlainTextEdit *>(holder)) {
+        return textOf(box);
+    }
+    if (const auto *line = qobject_cast<QLineEdit *>(holder)) {
+        return withCrLf(line->text());
+    }
+    return m_controls.dhe->documentHtml();
+}
+
+void MainWindowMessage::setText(Field field, const QString &text)
+{
+    QWidget *holder = control(field);
+    if (auto *combo = qobject_cast<QComboBox *>(holder)) {
+        setComboText(combo, text);
+        if (field == Field::Account) {
+            m_rules.account.follow(); // the same address may have another record by now
+        }
+    } else if (auto *box = qobject_cast<QPlainTextEdit *>(holder)) {
+        box->setPlainText(withCrLf(text));
+    } else if (auto *line = qobject_cast<QLineEdit *>(holder)) {
+        line->setText(text);
+    } else {
+        m_controls.dhe->setDocumentHtml(text);
+    }
+}
+
+void MainWindowMessage::setFocus(Field field)
+{
+    const bool inContent = field == Field::PlainContent || field == Field::RichContent || field == Field::Source;
+    if (!inContent) {
+        m_rules.layout.setExpanded(false);
+    }
+    control(field)->setFocus();
+}
+
+QStringList MainWindowMessage::list(Field field) const
+{
+    QStringList entries;
+    if (const auto *combo = qobject_cast<QComboBox *>(control(field))) {
+        for (int i = 0; i < combo->count(); ++i) {
+            entries.append(combo->itemText(i));
+        }
+    }
+    return entries;
+}
+
+void MainWindowMessage::setList(Field field, const QStringList &entries)
+{
+    if (auto *combo = qobject_cast<QComboBox *>(control(field))) {
+        setComboList(combo, entries);
+    }
+}
+
+bool MainWindowMessage::isActual(Choice choice) const
+{
+    return m_controls.opt[static_cast<std::size_t>(choice) * 2]->isChecked();
+}
+
+void MainWindowMessage::setActual(Choice choice, bool actual)
+{
+    m_controls.opt[static_cast<std::size_t>(choice) * 2 + (actual ? 0 : 1)]->setChecked(true);
+}
+
+QDate MainWindowMessage::customDate() const
+{
+    return m_controls.date->date();
+}
+
+QTime MainWindowMessage::customTime() const
+{
+    return m_controls.time->time();
+}
+
+void MainWindowMessage::setCustomDateTime(const QDate &date, const QTime &time)
+{
+    m_controls.date->setDate(date);
+    m_controls.time->setTime(time);
+}
+
+MessageWindow::Format MainWindowMessage::format() const
+{
+    return m_rules.views.format();
+}
+
+void MainWindowMessage::setFormat(Format format)
+{
+    m_rules.views.setFormat(format);
+}
+
+MessageWindow::Priority MainWindowMessage::priority() const
+{
+    if (m_controls.menosh[0]->isChecked()) {
+        return Priority::High;
+    }
+    return m_controls.menosh[1]->isChecked() ? Priority::Normal : Priority::Low;
+}
+
+void MainWindowMessage::setPriority(Priority priority)
+{
+    m_controls.menosh[static_cast<std::size_t>(priority)]->setChecked(true);
+}
+
+bool MainWindowMessage::oneByOne() const
+{
+    return m_controls.menfb->isChecked();
+}
+
+void MainWindowMessage::setOneByOne(bool on)
+{
+    m_controls.menfb->setChecked(on);
+}
+
+bool MainWindowMessage::receipt() const
+{
+    return m_controls.mentr->isChecked();
+}
+
+void MainWindowMessage::setReceipt(bool on)
+{
+    m_controls.mentr->setChecked(on);
+}
+
+QStringList MainWindowMessage::attachmentPaths() const
+{
+    QStringList paths;
+    for (int i = 0; i < m_controls.attachments->count(); ++i) {
+        paths.append(m_controls.attachments->item(i)->data(Qt::UserRole).toString());
+    }
+    return paths;
+}
+
+void MainWindowMessage::setAttachmentPaths(const QStringList &paths)
+{
+    m_controls.attachments->clear();
+    for (const QString &path : paths) {
+        auto *row = new QListWidgetItem(m_rules.system.DrawFileIcon(path), rowText(path), m_controls.attachments);
+        row->setData(Qt::UserRole, path);
+    }
+}
+
+int MainWindowMessage::encodingCount() const
+{
+    return m_controls.cbb[3]->count();
+}
+
+void MainWindowMessage::selectEncoding(int index)
+{
+    m_controls.cbb[3]->setCurrentIndex(index);
+}
+
+QString MainWindowMessage::selectedEncoding() const
+{
+    return m_controls.cbb[3]->currentText();
+}
+
+QString MainWindowMessage::title() const
+{
+    return m_controls.form->windowTitle();
+}
+
+void MainWindowMessage::setTitle(const QString &title)
+{
+    m_controls.form->setWindowTitle(title);
+}
+
+QString MainWindowMessage::statusText() const
+{
+    return m_controls.panel[1]->text();
+}
+
+void MainWindowMessage::setStatusText(const QString &text)
+{
+    m_controls.panel[1]->setText(text);
+}
+
+} // namespace corvane

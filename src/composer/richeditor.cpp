@@ -1,0 +1,22 @@
+#include "composer/richeditor.h"
+
+#include "composer/controltext.h"
+
+namespace corvane {
+
+RichEditor::RichEditor(QWidget *parent) : QWidget(parent)
+{
+    setFocusPolicy(Qt::StrongFocus);
+}
+
+QString RichEditor::documentHtml() const
+{
+    return m_source;
+}
+
+void RichEditor::setDocumentHtml(const QString &source)
+{
+    m_source = withCrLf(source);
+}
+
+} // namespace corvane

@@ -1,0 +1,84 @@
+#include "composer/statushints.h"
+
+#include "composer/menuitemarray.h"
+#include "core/texts.h"
+#include "quillon/system/quillonsystem.h"
+
+#include <QAction>
+#include <QEvent>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QStatusBar>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+StatusHints::StatusHints(QMainWindow *form, QStatusBar *bar, QLabel *panel1, QLabel *panel2,
+                         std::function<void(int)> onPanelClick)
+    : QObject(form), m_form(form), m_bar(bar), m_panel1(panel1), m_panel2(panel2),
+      m_onPanelClick(std::move(onPanelClick))
+{
+    const QList<QWidget *> widgets = form->findChildren<QWidget *>();
+    for (QWidget *widget : widgets) {
+        if (!widget->isWindow()) {
+            widget->setMouseTracking(true);
+            widget->installEventFilter(this);
+        }
+    }
+    form->setMouseTracking(true);
+    form->installEventFilter(this);
+    const QList<QMenu *> menus = form->menuBar()->findChildren<QMenu *>();
+    for (QMenu *menu : menus) {
+        watchMenu(menu);
+    }
+}
+
+void StatusHints::watchMenu(QMenu *menu)
+{
+    connect(menu, &QMenu::hovered, this, [this](const QAction *item) {
+        if (item->menu<QMenu *>()) {
+            return;
+        }
+        show(u' ' + quillon::QuillonSystem().ReadSetting(languageFolder() + u"/menutips.dll"_s, u"frmPubMain"_s,
+                                                          itemCaption(item)));
+    });
+}
+
+void StatusHints::show(const QString &text)
+{
+    if (m_panel1->text() != QStringView(sendingText)) {
+        m_panel1->setText(text);
+    }
+}
+
+QString StatusHints::hintFor(const QWidget *widget) const
+{
+    // A control's own parts, such as the text area of a box, have no tip: the control's is theirs.
+    for (; widget && widget != m_form; widget = widget->parentWidget()) {
+        if (widget->objectName() == u"dhe") {
+            return u" Email content."_s;
+        }
+        if (!widget->toolTip().isEmpty()) {
+            return widget->toolTip() + u' ';
+        }
+    }
+    return QString::fromUtf16(readyText);
+}
+
+bool StatusHints::eventFilter(QObject *watched, QEvent *event)
+{
+    auto *widget = qobject_cast<QWidget *>(watched);
+    if (widget && (event->type() == QEvent::Enter || event->type() == QEvent::MouseMove)) {
+        show(hintFor(widget));
+    } else if (widget && event->type() == QEvent::MouseButtonPress &&
+               (widget == m_bar || widget == m_panel1 || widget == m_panel2)) {
+        m_onPanelClick(widget == m_panel1 ? 1 : widget == m_panel2 ? 2 : 0);
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+} // namespace corvane

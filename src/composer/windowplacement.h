@@ -1,0 +1,38 @@
+#pragma once
+
+#include "core/globals.h"
+
+#include <QObject>
+
+class QTimer;
+class QWidget;
+
+namespace corvane {
+
+/// Remembers where the main window stands, in twips (15 to a pixel), and puts it there again. A maximised window is
+/// remembered by four empty values.
+class WindowPlacement : public QObject {
+    Q_OBJECT
+
+public:
+    static constexpr int TwipsPerPixel = 15;
+
+    /// The timer `timPos` is made here; it stands still until somebody starts it.
+    WindowPlacement(QWidget *window, ApplicationGlobals &globals);
+
+    /// What follows every change of the window's size or state.
+    void resized();
+    /// What the timer does: a move raises no resize.
+    void checkPosition();
+
+private:
+    void restore();
+    void storeAll() const;
+    [[nodiscard]] QString inTwips(int pixels) const { return QString::number(pixels * TwipsPerPixel); }
+
+    QWidget *m_window;
+    ApplicationGlobals &m_globals;
+    bool m_restoring = false;
+};
+
+} // namespace corvane
