@@ -108,4 +108,9 @@ bool FormKeys::eventFilter(QObject *watched, QEvent *event)
     return event->type() == QEvent::KeyPress && watched == m_form && isDialogKey(key);
 }
 
+void selectAllOnFocus(QWidget *edit)
+{
+    new FocusSelector(edit);
+}
+
 } // namespace quillon
