@@ -2,6 +2,7 @@
 
 #include "composer/controltext.h"
 #include "core/recipiententry.h"
+#include "records/accountrecords.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -9,19 +10,6 @@
 using namespace Qt::StringLiterals;
 
 namespace corvane {
-
-namespace {
-
-// Fields of an account's record.
-constexpr int senderName = 6;
-constexpr int senderAddress = 7;
-
-QString entry(const QString &name, const QString &address)
-{
-    return toRecipientEntry(name.trimmed().isEmpty() ? QString() : name, address);
-}
-
-} // namespace
 
 AccountFields::AccountFields(QComboBox *account, const std::array<Follower, 2> &followers, FindRecord findRecord,
                              const quillon::QuillonSenderInfo &standard)
@@ -57,7 +45,7 @@ void AccountFields::follow()
 void AccountFields::showActual(const Follower &follower) const
 {
     follower.box->setEnabled(false);
-    setComboText(follower.box, accountSender());
+    setComboText(follower.box, accountSender(m_record));
 }
 
 void AccountFields::showCustom(const Follower &follower) const
@@ -65,24 +53,14 @@ void AccountFields::showCustom(const Follower &follower) const
     follower.box->setEnabled(true);
     QString text;
     if (!m_standard.DispName.isEmpty() || !m_standard.EmailAddr.isEmpty()) {
-        text = entry(m_standard.DispName, m_standard.EmailAddr);
+        text = toRecipientEntry(m_standard.DispName, m_standard.EmailAddr);
     } else {
         text = follower.box->itemText(0);
         if (text.isEmpty()) {
-            text = accountSender();
+            text = accountSender(m_record);
         }
     }
-    setComboText(follower.box, text.startsWith(u' ') ? accountAddress() : text);
-}
-
-QString AccountFields::accountSender() const
-{
-    return entry(m_record.section(u'\t', senderName, senderName), accountAddress());
-}
-
-QString AccountFields::accountAddress() const
-{
-    return m_record.section(u'\t', senderAddress, senderAddress);
+    setComboText(follower.box, text.startsWith(u' ') ? recordField(m_record, AccountSenderAddress) : text);
 }
 
 } // namespace corvane

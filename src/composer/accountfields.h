@@ -40,8 +40,6 @@ public:
 private:
     void showActual(const Follower &follower) const;
     void showCustom(const Follower &follower) const;
-    [[nodiscard]] QString accountSender() const;
-    [[nodiscard]] QString accountAddress() const;
 
     QComboBox *m_account;
     std::array<Follower, 2> m_followers;

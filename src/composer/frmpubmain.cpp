@@ -20,6 +20,7 @@
 #include "core/texts.h"
 #include "quillon/forms/arraynames.h"
 #include "quillon/system/platform.h"
+#include "records/accountrecords.h"
 
 #include <QActionGroup>
 #include <QCloseEvent>
@@ -33,7 +34,6 @@ namespace corvane {
 
 namespace {
 
-constexpr int defaultAccountAddress = 7; // field of the account's record
 constexpr int standardFontSize = 10;
 constexpr double toolbarFontScale = 0.9; // lets all captions fit on a screen of 1024 pixels
 const QString versionText = u"5.22"_s;
@@ -217,8 +217,7 @@ void frmPubMain::fillNewMessage()
     ResetMessageOptions();
     m_message->setText(MessageWindow::Field::Encoding, EncodingDisplayName());
     if (const QString &account = m_globals.settings.smtp[0]; !account.isEmpty()) {
-        m_message->setText(MessageWindow::Field::Account,
-                           account.section(u'\t', defaultAccountAddress, defaultAccountAddress));
+        m_message->setText(MessageWindow::Field::Account, recordField(account, AccountSenderAddress));
     }
     for (const auto choice :
          {MessageWindow::Choice::Sender, MessageWindow::Choice::ReplyReceiver, MessageWindow::Choice::Date}) {

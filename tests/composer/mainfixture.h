@@ -1,0 +1,85 @@
+#pragma once
+
+#include "composer/frmpubmain.h"
+#include "core/texts.h"
+#include "records/accountrecords.h"
+#include "support/expectedprompts.h"
+#include "support/temporarytree.h"
+#include "support/testclock.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QTest>
+
+/// The real main window over a data tree of its own, with the language files of the program; loaded, and shown unless
+/// told otherwise.
+class MainFixture {
+public:
+    using Field = corvane::MessageWindow::Field;
+
+    /// @p prepare may change the data and the hooks before the window is made.
+    explicit MainFixture(const std::function<void(MainFixture &)> &prepare = {}, bool show = true)
+    {
+        tree.prepare();
+        corvane::setLanguageFolder(QStringLiteral(PROGRAM_FOLDER));
+        hooks.send = [this] { ++sends; };
+        hooks.exitProgram = [this](bool stopScheduler) { exits.append(stopScheduler); };
+        hooks.findSmtpRecord = [this](const QString &text) { return corvane::FindSmtpRecord(globals(), text); };
+        hooks.optionsOpen = [this] { return optionsOpen; };
+        hooks.minimised = [this] { ++minimised; };
+        hooks.closed = [this] { ++closed; };
+        if (prepare) {
+            prepare(*this);
+        }
+        window = std::make_unique<corvane::frmPubMain>(globals(), hooks);
+        window->load();
+        if (show) {
+            window->show();
+            window->activateWindow();
+        }
+    }
+
+    corvane::ApplicationGlobals &globals() { return tree.globals; }
+    corvane::MessageWindow &message() { return window->message(); }
+
+    /// The control of that name; the test fails hard if there is none.
+    template <typename Control = QWidget> Control *get(const QString &name) const
+    {
+        auto *found = window->findChild<Control *>(name);
+        if (!found) {
+            qFatal("no control %s", qPrintable(name));
+        }
+        return found;
+    }
+    QAction *item(const QString &name) const { return get<QAction>(name); }
+    QAbstractButton *button(const QString &name) const { return get<QAbstractButton>(name); }
+    QComboBox *combo(int index) const { return get<QComboBox>(QStringLiteral("cbb(%1)").arg(index)); }
+    QPlainTextEdit *recipients(int index) const { return get<QPlainTextEdit>(QStringLiteral("txt(%1)").arg(index)); }
+    QString panel() const { return get<QLabel>(QStringLiteral("stb(1)"))->text(); }
+
+    /// Writes smtp.dll with one account of Ann and one without a name, and makes the first the default.
+    void addAccounts()
+    {
+        const QByteArray ann = "smtp.example.com\t25\tN\tN\t\t\tAnn Lee\tann@example.com\t\t\t/SAEND";
+        const QByteArray office = "mail.example.com\t465\tS\tN\t\t\t\toffice@example.com\t\t\t/SAEND";
+        writeFile(globals().paths.smtpFile, ann + "\r\n" + office + "\r\n");
+        globals().settings.smtp[0] = QString::fromLatin1(ann);
+    }
+
+    TemporaryTree tree;
+    TestClock clock{QDateTime(QDate(2026, 3, 9), QTime(14, 5, 9))};
+    ExpectedPrompts prompts;
+    corvane::MainHooks hooks;
+    int sends = 0;
+    QList<bool> exits;
+    bool optionsOpen = false;
+    int minimised = 0;
+    int closed = 0;
+    std::unique_ptr<corvane::frmPubMain> window;
+};

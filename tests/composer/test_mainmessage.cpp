@@ -1,0 +1,471 @@
+#include "mainfixture.h"
+
+#include "composer/richeditor.h"
+
+#include <QDateEdit>
+#include <QSignalSpy>
+#include <QTimeEdit>
+
+using namespace Qt::StringLiterals;
+using namespace corvane;
+using Field = MessageWindow::Field;
+using Choice = MessageWindow::Choice;
+
+class TestMainMessage : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void loadFillsANewMessage();
+    void loadStepsRunInTheirOrder();
+    void loadTakesTheAddressOfTheDefaultAccount();
+    void loadWithoutADefaultLeavesTheAccountAsItIs();
+    void aRichDefaultShowsPlainTextWhileThereIsNoRichEditor();
+    void pickingAnAccountFillsSenderAndReplyReceiver();
+    void anAccountWithoutANameShowsTheBareAddress();
+    void pickingAnAccountWhileCustomIsOnChangesNeitherBox();
+    void anUnknownAccountEmptiesTheTagAndTheBoxes();
+    void actualDisablesTheBoxAndCustomEnablesIt();
+    void customShowsTheDefaultSender();
+    void customShowsTheFirstEntryWithoutADefaultSender();
+    void customShowsTheAccountsSenderWithAnEmptyList();
+    void aSenderThatBeginsWithABlankGivesWayToTheAccountsAddress();
+    void settingAListKeepsTheText();
+    void customDateShowsThePresentMoment();
+    void lineEndsLeaveTheControlsAsCrLf();
+    void noBreakSpacesAndOtherUnicodeSurvive();
+    void theRichDocumentIsAReadableAndWritableProperty();
+    void textChangesMarkTheMessageAsChanged();
+    void textChangesWhileOptionsAreOpenMarkNothing();
+    void checkMarksAndDateMarkNothing();
+    void walkingTheHiddenEncodingsMarksNothing();
+    void encodingsWithAnUnderscoreAreNotOffered();
+    void anEncodingFromTheMenuGoesToTheBox();
+    void aPickedEncodingGetsTheRadioMark();
+    void anUnknownEncodingHasAnEmptyDisplayName();
+    void anEmptyEncodingSettingIsUtf8();
+    void priorityIsOneOfThree();
+    void attachmentsAreRowsWithNameSizeAndPath();
+    void aMacroMenuKeepsItsCaptionsAsTheyAre();
+    void theTitleIsTheWindows();
+};
+
+void TestMainMessage::loadFillsANewMessage()
+{
+    MainFixture main;
+    QCOMPARE(main.window->windowTitle(), u"Corvane - New Message"_s);
+    QVERIFY(main.message().isActual(Choice::Sender));
+    QVERIFY(main.message().isActual(Choice::ReplyReceiver));
+    QVERIFY(main.message().isActual(Choice::Date));
+    QCOMPARE(main.message().format(), MessageWindow::Format::Plain);
+    QCOMPARE(main.message().priority(), MessageWindow::Priority::Normal);
+    QCOMPARE(main.message().text(Field::Encoding), u"Unicode (UTF-8)"_s);
+    QVERIFY(!main.message().receipt());
+    QVERIFY(!main.message().oneByOne());
+    QVERIFY(!main.message().pblnChanged);
+    QVERIFY(main.message().mblnReady);
+    for (const Field field : {Field::To, Field::CC, Field::BCC, Field::Subject, Field::PlainContent}) {
+        QCOMPARE(main.message().text(field), QString());
+    }
+    QCOMPARE(main.combo(4)->currentText(), u"Courier New"_s);
+    QCOMPARE(main.combo(5)->currentText(), u"10"_s);
+    QCOMPARE(main.get<QPlainTextEdit>(u"utbContent"_s)->font().pointSize(), 10);
+    QCOMPARE(main.panel(), u" Ready."_s);
+}
+
+void TestMainMessage::loadStepsRunInTheirOrder()
+{
+    QStringList steps;
+    bool changedBeforeTheEnd = false;
+    MainFixture main([&](MainFixture &m) {
+        m.hooks.checkForUpdate = [&] { steps << u"update"_s; };
+        m.hooks.loadLists = [&] { steps << u"lists"_s; };
+        m.hooks.addSignature = [&] { steps << u"signature"_s; };
+        m.hooks.checkAccount = [&] {
+            steps << u"account"_s;
+            changedBeforeTheEnd = m.message().pblnChanged;
+        };
+        m.hooks.installTray = [&] { steps << u"tray"_s; };
+        m.hooks.readPrompts = [&] { steps << u"prompts"_s; };
+    });
+    QCOMPARE(steps, QStringList({u"update"_s, u"lists"_s, u"signature"_s, u"account"_s, u"tray"_s, u"prompts"_s}));
+    QVERIFY2(changedBeforeTheEnd, "the filling is a change, which the end of the loading takes back");
+    QVERIFY(!main.message().pblnChanged);
+}
+
+void TestMainMessage::loadTakesTheAddressOfTheDefaultAccount()
+{
+    MainFixture main([](MainFixture &m) { m.addAccounts(); });
+    QCOMPARE(main.message().text(Field::Account), u"ann@example.com"_s);
+    QCOMPARE(main.message().text(Field::Sender), u"Ann Lee <ann@example.com>"_s);
+    QCOMPARE(main.message().text(Field::ReplyReceiver), u"Ann Lee <ann@example.com>"_s);
+}
+
+void TestMainMessage::loadWithoutADefaultLeavesTheAccountAsItIs()
+{
+    MainFixture main([](MainFixture &m) {
+        m.hooks.loadLists = [&m] { m.message().setText(Field::Account, u"kept@example.com"_s); };
+    });
+    QCOMPARE(main.message().text(Field::Account), u"kept@example.com"_s);
+}
+
+void TestMainMessage::aRichDefaultShowsPlainTextWhileThereIsNoRichEditor()
+{
+    MainFixture main([](MainFixture &m) { m.globals().settings.other[Format] = u"Rich"_s; });
+    QCOMPARE(main.message().format(), MessageWindow::Format::Plain);
+    QVERIFY(main.get(u"utbContent"_s)->isVisible());
+    QVERIFY(!main.get(u"sst"_s)->isVisible());
+    QVERIFY(!main.button(u"opt(8)"_s)->isEnabled());
+    QVERIFY(!main.item(u"menor"_s)->isEnabled());
+    QVERIFY(main.item(u"menop"_s)->isChecked());
+}
+
+void TestMainMessage::pickingAnAccountFillsSenderAndReplyReceiver()
+{
+    MainFixture main([](MainFixture &m) { m.addAccounts(); });
+    main.message().setList(Field::Account, {u"ann@example.com"_s, u"office@example.com"_s});
+    main.combo(6)->setCurrentIndex(1);
+    Q_EMIT main.combo(6)->activated(1);
+    QCOMPARE(main.message().text(Field::Sender), u"office@example.com"_s);
+    main.message().setText(Field::Account, u"ANN@example.COM"_s);
+    QCOMPARE(main.message().text(Field::Sender), u"Ann Lee <ann@example.com>"_s);
+    QCOMPARE(main.message().text(Field::ReplyReceiver), u"Ann Lee <ann@example.com>"_s);
+    QVERIFY(main.combo(6)->property("Tag").toString().startsWith(u"smtp.example.com\t25"_s));
+}
+
+void TestMainMessage::anAccountWithoutANameShowsTheBareAddress()
+{
+    MainFixture main([](MainFixture &m) { m.addAccounts(); });
+    main.message().setText(Field::Account, u"office@example.com"_s);
+    QCOMPARE(main.message().text(Field::Sender), u"office@example.com"_s);
+}
+
+void TestMainMessage::pickingAnAccountWhileCustomIsOnChangesNeitherBox()
+{
+    MainFixture main([](MainFixture &m) { m.addAccounts(); });
+    main.button(u"opt(1)"_s)->click();
+    main.button(u"opt(3)"_s)->click();
+    main.message().setText(Field::Sender, u"Me <me@example.com>"_s);
+    main.message().setText(Field::ReplyReceiver, u"you@example.com"_s);
+    main.message().setText(Field::Account, u"office@example.com"_s);
+    QCOMPARE(main.message().text(Field::Sender), u"Me <me@example.com>"_s);
+    QCOMPARE(main.message().text(Field::ReplyReceiver), u"you@example.com"_s);
+    main.button(u"opt(0)"_s)->click();
+    QCOMPARE(main.message().text(Field::Sender), u"office@example.com"_s);
+}
+
+void TestMainMessage::anUnknownAccountEmptiesTheTagAndTheBoxes()
+{
+    MainFixture main([](MainFixture &m) { m.addAccounts(); });
+    main.message().setText(Field::Account, u"gone@example.com"_s);
+    QCOMPARE(main.combo(6)->property("Tag").toString(), QString());
+    QCOMPARE(main.message().text(Field::Sender), QString());
+}
+
+void TestMainMessage::actualDisablesTheBoxAndCustomEnablesIt()
+{
+    MainFixture main([](MainFixture &m) { m.addAccounts(); });
+    QVERIFY(!main.combo(0)->isEnabled());
+    QVERIFY(!main.combo(1)->isEnabled());
+    main.button(u"opt(1)"_s)->click();
+    QVERIFY(main.combo(0)->isEnabled());
+    QVERIFY(!main.combo(1)->isEnabled());
+    main.button(u"opt(3)"_s)->click();
+    QVERIFY(main.combo(1)->isEnabled());
+    main.button(u"opt(0)"_s)->click();
+    QVERIFY(!main.combo(0)->isEnabled());
+    QCOMPARE(main.message().text(Field::Sender), u"Ann Lee <ann@example.com>"_s);
+}
+
+void TestMainMessage::customShowsTheDefaultSender()
+{
+    MainFixture main([](MainFixture &m) {
+        m.addAccounts();
+        m.globals().sender = {u"news@example.com"_s, u"The News"_s};
+    });
+    main.button(u"opt(1)"_s)->click();
+    QCOMPARE(main.message().text(Field::Sender), u"The News <news@example.com>"_s);
+    main.globals().sender.DispName.clear();
+    main.button(u"opt(3)"_s)->click();
+    QCOMPARE(main.message().text(Field::ReplyReceiver), u"news@example.com"_s);
+}
+
+void TestMainMessage::customShowsTheFirstEntryWithoutADefaultSender()
+{
+    MainFixture main([](MainFixture &m) { m.addAccounts(); });
+    main.message().setList(Field::Sender, {u"First <first@example.com>"_s, u"second@example.com"_s});
+    main.button(u"opt(1)"_s)->click();
+    QCOMPARE(main.message().text(Field::Sender), u"First <first@example.com>"_s);
+}
+
+void TestMainMessage::customShowsTheAccountsSenderWithAnEmptyList()
+{
+    MainFixture main([](MainFixture &m) { m.addAccounts(); });
+    main.button(u"opt(1)"_s)->click();
+    QCOMPARE(main.message().text(Field::Sender), u"Ann Lee <ann@example.com>"_s);
+}
+
+void TestMainMessage::aSenderThatBeginsWithABlankGivesWayToTheAccountsAddress()
+{
+    MainFixture main([](MainFixture &m) { m.addAccounts(); });
+    main.message().setList(Field::Sender, {u" <first@example.com>"_s});
+    main.button(u"opt(1)"_s)->click();
+    QCOMPARE(main.message().text(Field::Sender), u"ann@example.com"_s);
+}
+
+void TestMainMessage::settingAListKeepsTheText()
+{
+    MainFixture main([](MainFixture &m) { m.addAccounts(); });
+    main.button(u"opt(1)"_s)->click();
+    main.message().setText(Field::Sender, u"typed@example.com"_s);
+    main.message().pblnChanged = false;
+    main.message().setList(Field::Sender, {u"a@example.com"_s, u"b@example.com"_s});
+    QCOMPARE(main.message().text(Field::Sender), u"typed@example.com"_s);
+    QCOMPARE(main.message().list(Field::Sender), QStringList({u"a@example.com"_s, u"b@example.com"_s}));
+    QVERIFY(!main.message().pblnChanged);
+}
+
+void TestMainMessage::customDateShowsThePresentMoment()
+{
+    MainFixture main;
+    auto *date = main.get<QDateEdit>(u"dtp(0)"_s);
+    auto *time = main.get<QTimeEdit>(u"dtp(1)"_s);
+    QVERIFY(!date->isEnabled());
+    QVERIFY(!time->isEnabled());
+    main.clock.present = QDateTime(QDate(2027, 12, 31), QTime(23, 59, 58));
+    main.button(u"opt(5)"_s)->click();
+    QVERIFY(date->isEnabled());
+    QVERIFY(time->isEnabled());
+    QCOMPARE(main.message().customDate(), QDate(2027, 12, 31));
+    QCOMPARE(main.message().customTime(), QTime(23, 59, 58));
+    main.button(u"opt(4)"_s)->click();
+    QVERIFY(!date->isEnabled());
+}
+
+void TestMainMessage::lineEndsLeaveTheControlsAsCrLf()
+{
+    MainFixture main;
+    const QString mixed = u"one\ntwo\r\nthree\rfour"_s;
+    const QString expected = u"one\r\ntwo\r\nthree\r\nfour"_s;
+    for (const Field field : {Field::To, Field::CC, Field::BCC, Field::PlainContent, Field::Source,
+                              Field::RichContent}) {
+        main.message().setText(field, mixed);
+        QCOMPARE(main.message().text(field), expected);
+    }
+    auto *to = main.recipients(0);
+    to->clear();
+    to->setFocus();
+    QTest::keyClicks(to, u"a"_s);
+    QTest::keyClick(to, Qt::Key_Return);
+    QTest::keyClicks(to, u"b"_s);
+    QTest::keyClick(to, Qt::Key_Return, Qt::ShiftModifier);
+    QTest::keyClicks(to, u"c"_s);
+    QCOMPARE(main.message().text(Field::To), u"a\r\nb\r\nc"_s);
+}
+
+void TestMainMessage::noBreakSpacesAndOtherUnicodeSurvive()
+{
+    MainFixture main;
+    const QString text = u"12\u00A0000 € – \U0001F426 \u200Fא\t|"_s;
+    for (const Field field : {Field::To, Field::Subject, Field::PlainContent, Field::Source, Field::RichContent}) {
+        main.message().setText(field, text);
+        QCOMPARE(main.message().text(field), text);
+    }
+}
+
+void TestMainMessage::theRichDocumentIsAReadableAndWritableProperty()
+{
+    MainFixture main;
+    for (const QString &name : {u"dhe"_s, u"dheTmp"_s}) {
+        auto *editor = main.get<RichEditor>(name);
+        QVERIFY(editor->setProperty("DocumentHTML", u"<p>a</p>\n<p>b</p>"_s));
+        QCOMPARE(editor->property("DocumentHTML").toString(), u"<p>a</p>\r\n<p>b</p>"_s);
+    }
+    QCOMPARE(main.message().text(Field::RichContent), u"<p>a</p>\r\n<p>b</p>"_s);
+}
+
+void TestMainMessage::textChangesMarkTheMessageAsChanged()
+{
+    MainFixture main;
+    for (const Field field : {Field::Account, Field::Sender, Field::ReplyReceiver, Field::Encoding, Field::To,
+                              Field::CC, Field::BCC, Field::Subject, Field::PlainContent, Field::Source}) {
+        main.message().pblnChanged = false;
+        main.message().setText(field, u"new text"_s);
+        QVERIFY2(main.message().pblnChanged, qPrintable(QString::number(static_cast<int>(field))));
+    }
+    main.message().pblnChanged = false;
+    main.combo(5)->setEditText(u"24"_s);
+    QVERIFY(main.message().pblnChanged);
+}
+
+void TestMainMessage::textChangesWhileOptionsAreOpenMarkNothing()
+{
+    MainFixture main;
+    main.optionsOpen = true;
+    main.message().setText(Field::Account, u"other@example.com"_s);
+    main.message().setText(Field::Sender, u"other@example.com"_s);
+    QVERIFY(!main.message().pblnChanged);
+    main.optionsOpen = false;
+    main.message().setText(Field::Sender, u"third@example.com"_s);
+    QVERIFY(main.message().pblnChanged);
+}
+
+void TestMainMessage::checkMarksAndDateMarkNothing()
+{
+    MainFixture main;
+    main.item(u"mentr"_s)->trigger();
+    main.item(u"menosh(0)"_s)->trigger();
+    main.message().setOneByOne(true);
+    main.button(u"opt(5)"_s)->click();
+    main.message().setCustomDateTime(QDate(2030, 1, 1), QTime(1, 2, 3));
+    QVERIFY(main.message().receipt());
+    QVERIFY(!main.message().pblnChanged);
+}
+
+void TestMainMessage::walkingTheHiddenEncodingsMarksNothing()
+{
+    MainFixture main;
+    for (int i = 0; i < main.message().encodingCount(); ++i) {
+        main.message().selectEncoding(i);
+    }
+    QVERIFY(!main.message().pblnChanged);
+}
+
+void TestMainMessage::encodingsWithAnUnderscoreAreNotOffered()
+{
+    MainFixture main;
+    QComboBox *hidden = main.combo(3);
+    QVERIFY(hidden->isHidden());
+    QStringList offered;
+    for (const QString &entry : main.globals().text.GetEncodingList().split(u" || "_s)) {
+        if (!entry.startsWith(u'_')) {
+            offered.append(entry);
+        }
+    }
+    QVERIFY(offered.size() > 10);
+    QCOMPARE(main.message().encodingCount(), offered.size());
+    QCOMPARE(main.combo(2)->count(), offered.size());
+    for (int i = 0; i < offered.size(); ++i) {
+        main.message().selectEncoding(i);
+        QCOMPARE(main.message().selectedEncoding(), offered.at(i));
+        const QString name = offered.at(i).section(u" | "_s, 1);
+        QCOMPARE(main.combo(2)->itemText(i), name);
+        QCOMPARE(main.item(u"menoesa(%1)"_s.arg(i + 1))->text(), name);
+    }
+    QVERIFY(!main.item(u"menoesa(0)"_s)->isVisible());
+}
+
+void TestMainMessage::anEncodingFromTheMenuGoesToTheBox()
+{
+    MainFixture main;
+    QAction *second = main.item(u"menoesa(2)"_s);
+    second->trigger();
+    QCOMPARE(main.message().text(Field::Encoding), second->text());
+    int marks = 0;
+    for (int i = 1; i <= main.message().encodingCount(); ++i) {
+        marks += main.item(u"menoesa(%1)"_s.arg(i))->isChecked() ? 1 : 0;
+    }
+    QCOMPARE(marks, 1);
+    QVERIFY(second->isChecked());
+    second->trigger();
+    QVERIFY2(second->isChecked(), "picking it again must not take the mark away");
+    QVERIFY(main.message().pblnChanged);
+    // It stands at a fixed place: item 7 of menu 4.
+    QMenuBar *bar = main.globals().system.GetMenuHandle(main.window.get());
+    QMenu *menu = main.globals().system.GetSubMenuHandle(main.globals().system.GetSubMenuHandle(bar, 4), 7);
+    QVERIFY(menu && menu->actions().contains(second));
+}
+
+void TestMainMessage::aPickedEncodingGetsTheRadioMark()
+{
+    MainFixture main;
+    main.combo(2)->setCurrentIndex(3);
+    QVERIFY(main.item(u"menoesa(4)"_s)->isChecked());
+    main.message().setText(Field::Encoding, u"no such encoding"_s);
+    QCOMPARE(main.message().text(Field::Encoding), u"no such encoding"_s);
+    QVERIFY(!main.item(u"menoesa(4)"_s)->isChecked());
+}
+
+void TestMainMessage::anUnknownEncodingHasAnEmptyDisplayName()
+{
+    MainFixture main([](MainFixture &m) { m.globals().settings.other[Encoding] = u"UTF-8"_s; });
+    QCOMPARE(main.window->EncodingDisplayName(), QString());
+    QCOMPARE(main.message().text(Field::Encoding), QString());
+    QCOMPARE(main.combo(3)->currentIndex(), main.combo(3)->count() - 1);
+}
+
+void TestMainMessage::anEmptyEncodingSettingIsUtf8()
+{
+    MainFixture main([](MainFixture &m) { m.globals().settings.other[Encoding].clear(); });
+    QCOMPARE(main.message().text(Field::Encoding), u"Unicode (UTF-8)"_s);
+    main.globals().settings.other[Encoding] = u"utf-8"_s;
+    QCOMPARE(main.window->EncodingDisplayName(), u"Unicode (UTF-8)"_s);
+    QVERIFY(main.message().selectedEncoding().startsWith(u"utf-8 | "_s));
+}
+
+void TestMainMessage::priorityIsOneOfThree()
+{
+    MainFixture main;
+    main.item(u"menosh(2)"_s)->trigger();
+    QCOMPARE(main.message().priority(), MessageWindow::Priority::Low);
+    QVERIFY(!main.item(u"menosh(1)"_s)->isChecked());
+    main.message().setPriority(MessageWindow::Priority::High);
+    QVERIFY(main.item(u"menosh(0)"_s)->isChecked());
+    QVERIFY(!main.item(u"menosh(2)"_s)->isChecked());
+    main.window->ResetMessageOptions();
+    QCOMPARE(main.message().priority(), MessageWindow::Priority::Normal);
+}
+
+void TestMainMessage::attachmentsAreRowsWithNameSizeAndPath()
+{
+    MainFixture main;
+    const QString file = main.tree.path(u"half.txt"_s);
+    writeFile(file, QByteArray(1536, 'x')); // one and a half: the tie goes to the even neighbour, 2
+    const QString small = main.tree.path(u"small.txt"_s);
+    writeFile(small, QByteArray(512, 'x')); // a half goes to 0
+    const QString folder = main.tree.path(u"folder"_s);
+    QDir().mkpath(folder + u"/deep"_s);
+    writeFile(folder + u"/deep/a.bin"_s, QByteArray(3 * 1024, 'x'));
+    const QStringList paths = {file, small, folder, main.tree.path(u"gone.txt"_s)};
+    main.message().setAttachmentPaths(paths);
+    QCOMPARE(main.message().attachmentPaths(), paths);
+    auto *list = main.get<QListWidget>(u"lsv(0)"_s);
+    QCOMPARE(list->item(0)->text(), u"half.txt (2 KB)"_s);
+    QCOMPARE(list->item(1)->text(), u"small.txt (0 KB)"_s);
+    QCOMPARE(list->item(2)->text(), u"folder (3 KB)"_s);
+    QCOMPARE(list->item(3)->text(), u"gone.txt"_s);
+    QVERIFY(!list->item(0)->icon().isNull());
+}
+
+void TestMainMessage::aMacroMenuKeepsItsCaptionsAsTheyAre()
+{
+    MainFixture main;
+    QVERIFY(!main.get<QMenu>(u"menim"_s)->menuAction()->isVisible());
+    main.window->setMacroMenu({u"{A & B}"_s, u"{C}"_s});
+    QVERIFY(main.get<QMenu>(u"menim"_s)->menuAction()->isVisible());
+    QVERIFY(!main.item(u"menimsa(0)"_s)->isVisible());
+    QCOMPARE(main.item(u"menimsa(1)"_s)->data().toString(), u"{A & B}"_s);
+    QCOMPARE(main.item(u"menimsa(1)"_s)->text(), u"{A && B}"_s);
+    QVERIFY2(!main.item(u"menimsa(2)"_s)->isEnabled(), "inserting is not there yet");
+    main.window->setMacroMenu({u"{D}"_s});
+    QCOMPARE(main.item(u"menimsa(1)"_s)->data().toString(), u"{D}"_s);
+    QVERIFY(!main.window->findChild<QAction *>(u"menimsa(2)"_s));
+    main.window->setSignatureMenu({});
+    QVERIFY(!main.get<QMenu>(u"menis"_s)->isEnabled());
+    main.window->setSignatureMenu({u"Formal (default)"_s});
+    QVERIFY(main.get<QMenu>(u"menis"_s)->isEnabled());
+    QCOMPARE(main.item(u"menissa(1)"_s)->text(), u"Formal (default)"_s);
+}
+
+void TestMainMessage::theTitleIsTheWindows()
+{
+    MainFixture main;
+    main.message().setTitle(u"Corvane - Edit \"a\""_s);
+    QCOMPARE(main.window->windowTitle(), u"Corvane - Edit \"a\""_s);
+    QCOMPARE(main.message().title(), u"Corvane - Edit \"a\""_s);
+    main.message().setStatusText(u" Working"_s);
+    QCOMPARE(main.message().statusText(), u" Working"_s);
+    QCOMPARE(main.panel(), u" Working"_s);
+}
+
+QTEST_MAIN(TestMainMessage)
+#include "test_mainmessage.moc"
