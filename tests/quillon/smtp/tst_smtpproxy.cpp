@@ -1,0 +1,257 @@
+#include "quillon/mail/smtptls.h"
+#include "quillon/smtp/client.h"
+#include "support/certificates.h"
+#include "support/childserver.h"
+#include "support/scriptedserver.h"
+
+#include <QTcpServer>
+#include <QTest>
+
+using namespace quillon;
+using namespace Qt::StringLiterals;
+using testsupport::ChildServer;
+using testsupport::ScriptedServer;
+
+/// The transport behind a SOCKS5 proxy: microsocks as the real one, and one that tells what it was asked.
+class TstSmtpProxy : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { MailTransport::setTimeouts(60'000, 60'000, 60'000); }
+    void cleanup() { SmtpTls::setAuthorities({}); }
+
+    void aMailGoesThroughAProxyWithoutAUser();
+    void aMailGoesThroughAProxyWithAUser();
+    void aMailGoesThroughAProxyInTls();
+    void theProxyResolvesTheName();
+    void aUserInUtf8ReachesTheProxy();
+    void aWrongProxyPasswordIsAnErrorThatNamesTheProxy();
+    void aProxyThatRefusesIsAnErrorThatNamesTheProxy_data();
+    void aProxyThatRefusesIsAnErrorThatNamesTheProxy();
+    void anUnreachableProxyIsAnErrorThatNamesTheProxy();
+    void aProxyThatIsNoneIsAnErrorThatNamesTheProxy();
+    void aSilentProxyEndsWithTheTimeForConnecting();
+    void aServerThatTheProxyCannotReachIsAnError();
+    void aProxyCanBeTestedAgainstAPeerThatSaysNothing();
+    void badProxySettingsAreErrorsWithoutAConnection_data();
+    void badProxySettingsAreErrorsWithoutAConnection();
+};
+
+namespace {
+
+const QByteArray text = "Subject: x\r\n\r\nhello\r\n";
+
+struct ProxiedClient : Client {
+    explicit ProxiedClient(quint16 port, const QString &user = {}, const QString &password = {})
+    {
+        Transport.ProxyServer = u"127.0.0.1"_s;
+        Transport.ProxyPort = port;
+        Transport.ProxyUser = user;
+        Transport.ProxyPassword = password;
+    }
+};
+
+quint16 portOfNobody()
+{
+    QTcpServer gone;
+    return gone.listen(QHostAddress::LocalHost) ? gone.serverPort() : 0;
+}
+
+} // namespace
+
+void TstSmtpProxy::aMailGoesThroughAProxyWithoutAUser()
+{
+    ScriptedServer server;
+    ChildServer proxy;
+    QVERIFY2(proxy.startMicrosocks(), qPrintable(proxy.fault()));
+    ProxiedClient client(proxy.port());
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QVERIFY2(client.send(text), qPrintable(client.Errors.join(u'\n')));
+    QCOMPARE(server.Mails.size(), 1);
+    QVERIFY(client.Errors.isEmpty());
+}
+
+void TstSmtpProxy::aMailGoesThroughAProxyWithAUser()
+{
+    ScriptedServer server;
+    ChildServer proxy;
+    QVERIFY2(proxy.startMicrosocks(u"user"_s, u"geheim"_s), qPrintable(proxy.fault()));
+    ProxiedClient client(proxy.port(), u"user"_s, u"geheim"_s);
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QVERIFY2(client.send(text), qPrintable(client.Errors.join(u'\n')));
+    QCOMPARE(server.Mails.size(), 1);
+}
+
+void TstSmtpProxy::aMailGoesThroughAProxyInTls()
+{
+    const testsupport::Certificates certificates;
+    QVERIFY2(certificates.isValid(), qPrintable(certificates.fault()));
+    SmtpTls::setAuthorities({certificates.authority()});
+    for (const int security : {MailTransport::Ssl, MailTransport::StartTls}) {
+        ScriptedServer server;
+        server.Certificate = certificates.localhost();
+        server.Key = certificates.localhostKey();
+        server.ImplicitTls = security == MailTransport::Ssl;
+        server.Offers = {"STARTTLS"};
+        ChildServer proxy;
+        QVERIFY2(proxy.startMicrosocks(), qPrintable(proxy.fault()));
+        ProxiedClient client(proxy.port());
+        client.Transport.Security = security;
+        QCOMPARE(client.connectTo(server.port(), u"localhost"_s), 2);
+        QVERIFY2(client.send(text), qPrintable(client.Errors.join(u'\n')));
+        QCOMPARE(server.Mails.size(), 1);
+    }
+}
+
+void TstSmtpProxy::theProxyResolvesTheName()
+{
+    // Nobody here can resolve this name, so that only the proxy can have been asked.
+    ScriptedServer server;
+    ChildServer proxy;
+    QVERIFY2(proxy.startPython(u"socks_stub.py"_s, {u"--target"_s, QString::number(server.port())}),
+             qPrintable(proxy.fault()));
+    ProxiedClient client(proxy.port());
+    QCOMPARE(client.connectTo(2525, u"mail.only-the-proxy.invalid"_s), 2);
+    QVERIFY2(client.send(text), qPrintable(client.Errors.join(u'\n')));
+    QCOMPARE(proxy.waitForLine("ASKED "), "name mail.only-the-proxy.invalid 2525");
+    QCOMPARE(server.Mails.size(), 1);
+}
+
+void TstSmtpProxy::aUserInUtf8ReachesTheProxy()
+{
+    ScriptedServer server;
+    ChildServer proxy;
+    QVERIFY2(proxy.startPython(u"socks_stub.py"_s, {u"--login"_s, u"--target"_s, QString::number(server.port())}),
+             qPrintable(proxy.fault()));
+    ProxiedClient client(proxy.port(), u"jürgen"_s, u"密码"_s);
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QCOMPARE(proxy.waitForLine("LOGIN "), u"jürgen"_s.toUtf8().toHex() + ' ' + u"密码"_s.toUtf8().toHex());
+}
+
+void TstSmtpProxy::aWrongProxyPasswordIsAnErrorThatNamesTheProxy()
+{
+    ScriptedServer server;
+    ChildServer proxy;
+    QVERIFY2(proxy.startMicrosocks(u"user"_s, u"geheim"_s), qPrintable(proxy.fault()));
+    for (const QString &user : {u"user"_s, QString()}) {
+        ProxiedClient client(proxy.port(), user, u"falsches Wort"_s);
+        QVERIFY(client.connectTo(server.port()) != 2);
+        QCOMPARE(client.Errors.size(), 1);
+        const QString error = client.Errors.first();
+        QVERIFY2(error.contains(u"through the proxy 127.0.0.1, port %1"_s.arg(proxy.port())), qPrintable(error));
+        QVERIFY2(!error.contains(u"falsches Wort"), qPrintable(error));
+    }
+    QCOMPARE(server.Connections, 0);
+}
+
+void TstSmtpProxy::aProxyThatRefusesIsAnErrorThatNamesTheProxy_data()
+{
+    QTest::addColumn<int>("code");
+    QTest::newRow("general failure") << 1;
+    QTest::newRow("not allowed") << 2;
+    QTest::newRow("network unreachable") << 3;
+    QTest::newRow("host unreachable") << 4;
+    QTest::newRow("connection refused") << 5;
+    QTest::newRow("time to live") << 6;
+    QTest::newRow("command not supported") << 7;
+    QTest::newRow("address type not supported") << 8;
+    QTest::newRow("unknown code") << 99;
+}
+
+void TstSmtpProxy::aProxyThatRefusesIsAnErrorThatNamesTheProxy()
+{
+    QFETCH(int, code);
+    ChildServer proxy;
+    QVERIFY2(proxy.startPython(u"socks_stub.py"_s, {u"--refuse"_s, QString::number(code)}), qPrintable(proxy.fault()));
+    ProxiedClient client(proxy.port());
+    QVERIFY(client.connectTo(25, u"mail.example.org"_s) != 2);
+    QCOMPARE(client.Errors.size(), 1);
+    const QString error = client.Errors.first();
+    QVERIFY2(error.contains(u"mail.example.org, port 25, through the proxy 127.0.0.1"), qPrintable(error));
+}
+
+void TstSmtpProxy::anUnreachableProxyIsAnErrorThatNamesTheProxy()
+{
+    const quint16 port = portOfNobody();
+    ScriptedServer server;
+    ProxiedClient client(port);
+    QVERIFY(client.connectTo(server.port()) != 2);
+    QCOMPARE(client.Errors.size(), 1);
+    QVERIFY2(client.Errors.first().contains(u"through the proxy 127.0.0.1, port %1"_s.arg(port)),
+             qPrintable(client.Errors.first()));
+    QCOMPARE(server.Connections, 0);
+}
+
+void TstSmtpProxy::aProxyThatIsNoneIsAnErrorThatNamesTheProxy()
+{
+    ScriptedServer noProxy;
+    ProxiedClient client(noProxy.port());
+    QVERIFY(client.connectTo(25, u"mail.example.org"_s) != 2);
+    QCOMPARE(client.Errors.size(), 1);
+    QVERIFY2(client.Errors.first().contains(u"through the proxy 127.0.0.1"), qPrintable(client.Errors.first()));
+}
+
+void TstSmtpProxy::aSilentProxyEndsWithTheTimeForConnecting()
+{
+    MailTransport::setTimeouts(150, 60'000, 60'000);
+    ScriptedServer silent;
+    silent.Greeting = "";
+    ProxiedClient client(silent.port());
+    QVERIFY(client.connectTo(25, u"mail.example.org"_s) != 2);
+    QCOMPARE(client.Errors.size(), 1);
+    QVERIFY2(client.Errors.first().contains(u"through the proxy 127.0.0.1"), qPrintable(client.Errors.first()));
+}
+
+void TstSmtpProxy::aServerThatTheProxyCannotReachIsAnError()
+{
+    ChildServer proxy;
+    QVERIFY2(proxy.startMicrosocks(), qPrintable(proxy.fault()));
+    ProxiedClient client(proxy.port());
+    QVERIFY(client.connectTo(portOfNobody()) != 2);
+    QCOMPARE(client.Errors.size(), 1);
+    QVERIFY2(client.Errors.first().contains(u"through the proxy 127.0.0.1"), qPrintable(client.Errors.first()));
+}
+
+void TstSmtpProxy::aProxyCanBeTestedAgainstAPeerThatSaysNothing()
+{
+    // A web server says nothing until it is asked.
+    MailTransport::setTimeouts(60'000, 60'000, 30);
+    ScriptedServer web;
+    web.Greeting = "";
+    ChildServer proxy;
+    QVERIFY2(proxy.startMicrosocks(), qPrintable(proxy.fault()));
+    ProxiedClient client(proxy.port());
+    QCOMPARE(client.connectTo(web.port()), 2);
+    client.Transport.Quit();
+    QVERIFY(client.Errors.isEmpty());
+}
+
+void TstSmtpProxy::badProxySettingsAreErrorsWithoutAConnection_data()
+{
+    QTest::addColumn<QString>("host");
+    QTest::addColumn<long>("port");
+    QTest::addColumn<QString>("user");
+    QTest::newRow("port 0") << u"127.0.0.1"_s << 0L << QString();
+    QTest::newRow("port 65536") << u"127.0.0.1"_s << 65536L << QString();
+    QTest::newRow("no host name") << u"a b"_s << 1080L << QString();
+    QTest::newRow("user too long for the protocol") << u"127.0.0.1"_s << 1080L << QString(256, u'x');
+}
+
+void TstSmtpProxy::badProxySettingsAreErrorsWithoutAConnection()
+{
+    QFETCH(QString, host);
+    QFETCH(long, port);
+    QFETCH(QString, user);
+    ScriptedServer server;
+    Client client;
+    client.Transport.ProxyServer = host;
+    client.Transport.ProxyPort = port;
+    client.Transport.ProxyUser = user;
+    QCOMPARE(client.connectTo(server.port()), 0);
+    QCOMPARE(client.Errors.size(), 1);
+    QVERIFY2(client.Errors.first().contains(u"proxy"), qPrintable(client.Errors.first()));
+    QCOMPARE(server.Connections, 0);
+}
+
+QTEST_GUILESS_MAIN(TstSmtpProxy)
+#include "tst_smtpproxy.moc"
