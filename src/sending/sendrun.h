@@ -28,6 +28,9 @@ public:
     /// The program ends: a run under way unwinds without a further box or log line.
     void abandon();
 
+    /// The transport of the connection that stands, or nullptr; lives until the run's end or its next connection.
+    [[nodiscard]] quillon::MailTransport *transport() const { return m_transport.get(); }
+
 private:
     /// What one run holds from its checks to its end.
     struct Delivery {

@@ -1,0 +1,147 @@
+#include "program.h"
+
+#include "composer/frmpubmain.h"
+#include "core/forms/frmpubsplash.h"
+#include "core/launcher.h"
+#include "core/texts.h"
+#include "macros/macrocatalogue.h"
+#include "records/accountrecords.h"
+#include "records/forms/frmpuboptions.h"
+#include "records/recordlists.h"
+#include "sending/forms/frmpubprogress.h"
+#include "shell/trayicon.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QPixmap>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+namespace {
+
+constexpr int accountsTab = 1;
+constexpr int closeMessage = 16;
+
+const QString splashForm = u"frmPubSplash"_s;
+const QString progressForm = u"frmPubProgress"_s;
+const QString optionsForm = u"frmPubOptions"_s;
+
+} // namespace
+
+Program::Program(const QString &programFolder, bool stopOnFault)
+    : m_stopOnFault(stopOnFault), m_asker(m_forms), m_recipients(m_globals), m_progress(m_forms)
+{
+    m_globals.programFolder = programFolder;
+    quillon::setPrompts(&m_asker);
+}
+
+Program::~Program()
+{
+    quillon::setPrompts(nullptr);
+}
+
+void Program::start()
+{
+    prepareProgram(m_globals);
+    addForms();
+    m_forms.form(splashForm)->show();
+}
+
+void Program::addForms()
+{
+    m_forms.add(splashForm,
+                [this] { return new frmPubSplash([this] { handOverFromSplash(); }, QPixmap(u":/splash.svg"_s)); });
+    m_forms.add(progressForm, [this] {
+        return new frmPubProgress(
+            {[this] { m_main->message().pblnStop = true; }, [this] { m_forms.unload(progressForm); }});
+    });
+    m_forms.add(optionsForm, [this] { return new frmPubOptions(m_globals.paths); });
+}
+
+void Program::makeMainWindow()
+{
+    MainHooks hooks;
+    hooks.send = [this] { m_run->run(); };
+    hooks.exitProgram = [this](bool stopScheduler) { exit(stopScheduler); };
+    hooks.findSmtpRecord = [this](const QString &text) { return FindSmtpRecord(m_globals, text); };
+    hooks.optionsOpen = [this] { return m_forms.isLoaded(optionsForm); };
+    hooks.showProgress = [this] { return showProgress(); };
+    hooks.loadLists = [this] { loadLists(); };
+    hooks.checkAccount = [this] { checkAccount(); };
+    hooks.readPrompts = [this] { m_recipients.upsReadPrompts(); };
+    hooks.minimised = [this] { m_tray->minimised(); };
+    hooks.closed = [] { QCoreApplication::quit(); };
+    m_main = std::make_unique<frmPubMain>(m_globals, std::move(hooks));
+    m_run = std::make_unique<SendRun>(m_globals, m_main->message(), m_progress, m_recipients);
+    m_tray = std::make_unique<TrayIcon>(
+        m_main.get(),
+        TrayIcon::Hooks{[this](const QString &name) { return m_main->findChild<QAction *>(name); },
+                        [this](bool restoring) { m_globals.RestoringFromLast = restoring; },
+                        {},
+                        {}},
+        languageFolder() + u"/menus.dll"_s);
+}
+
+void Program::handOverFromSplash()
+{
+    makeMainWindow();
+    handOver(m_globals, m_stopOnFault,
+             {[this] {
+                  m_main->load();
+                  m_main->show();
+              },
+              [this] {
+                  m_progress.makeVisible();
+                  m_progress.hide();
+              },
+              [this](int milliseconds) { m_main->findChild<QTimer *>(u"timPos"_s)->start(milliseconds); },
+              [this] { m_forms.unload(splashForm); }});
+}
+
+void Program::loadLists()
+{
+    LoadSmtpLists(m_globals, m_main->message());
+    LoadSenderLists(MainWindowBoxes, m_globals, m_main->message());
+    seedMacros(m_globals);
+    m_main->setMacroMenu(macroMenuCaptions(m_globals));
+}
+
+void Program::checkAccount() const
+{
+    if (!DefaultSmtpUsable(m_globals) && showMessage(u"SMTP_NOT_OK"_s, quillon::YesNoBox) == quillon::BoxAnswer::Yes) {
+        quillon::prompts().showModalForm(optionsForm, accountsTab);
+    }
+}
+
+bool Program::showProgress()
+{
+    const bool counting = m_forms.isLoaded(progressForm) && m_progress.counter() != "Sending emails..."_L1;
+    if (counting) {
+        m_progress.makeVisible();
+    }
+    return counting;
+}
+
+void Program::exit(bool stopScheduler)
+{
+    exitProgram(m_globals, stopScheduler,
+                {[] { return false; }, [] {}, [this](const QString &form) { m_forms.unload(form); },
+                 [this] { closeHelp(); }, [this] { m_tray->takeDown(); },
+                 [this] {
+                     m_run->abandon();
+                     m_main->message().Tag = u"EXITWITHMENU"_s;
+                     m_main->close();
+                 }});
+}
+
+void Program::closeHelp() const
+{
+    if (QWidget *help = m_globals.system.FindWindowByTitle(u"Corvane Help"_s)) {
+        m_globals.system.SendWindowMessage(help, closeMessage, 0, 0);
+    }
+}
+
+} // namespace corvane
