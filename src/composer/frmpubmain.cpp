@@ -35,6 +35,7 @@ namespace corvane {
 namespace {
 
 constexpr int standardFontSize = 10;
+constexpr int encodingWidth = 40; // characters
 constexpr double toolbarFontScale = 0.9; // lets all captions fit on a screen of 1024 pixels
 const QString versionText = u"5.22"_s;
 
@@ -104,7 +105,7 @@ void frmPubMain::prepareContent()
 {
     auto *encoding = findChild<QComboBox *>(u"cbb(2)"_s);
     encoding->lineEdit()->setReadOnly(true); // picked from the list; a message may still bring another one
-    encoding->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    encoding->setMaximumWidth(fontMetrics().averageCharWidth() * encodingWidth);
     auto *attachments = findChild<QListWidget *>(u"lsv(0)"_s);
     attachments->setFlow(QListView::LeftToRight);
     attachments->setWrapping(true);

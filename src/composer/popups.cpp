@@ -1,8 +1,8 @@
 #include "composer/popups.h"
 
 #include <QComboBox>
-#include <QEvent>
 #include <QMainWindow>
+#include <QMouseEvent>
 #include <QTabWidget>
 
 #include <algorithm>
@@ -36,9 +36,10 @@ void PopUps::hide() const
 bool PopUps::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::MouseButtonPress) {
-        const auto *widget = qobject_cast<QWidget *>(watched);
-        const bool inside = std::any_of(m_popUps.begin(), m_popUps.end(), [widget](const QWidget *popUp) {
-            return popUp == widget || popUp->isAncestorOf(widget);
+        // By its place, since a press that a pop-up leaves alone goes on to the window below it.
+        const QPoint place = static_cast<QMouseEvent *>(event)->globalPosition().toPoint();
+        const bool inside = std::any_of(m_popUps.begin(), m_popUps.end(), [place](const QWidget *popUp) {
+            return popUp->isVisible() && popUp->rect().contains(popUp->mapFromGlobal(place));
         });
         if (!inside) {
             hide();

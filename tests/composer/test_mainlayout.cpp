@@ -1,0 +1,535 @@
+#include "mainfixture.h"
+
+#include "composer/contentlayout.h"
+#include "composer/growingboxes.h"
+#include "quillon/files/settingsfile.h"
+
+#include <QCloseEvent>
+#include <QMenuBar>
+#include <QScopeGuard>
+#include <QScreen>
+#include <QTabWidget>
+#include <QTimer>
+#include <QToolBar>
+
+using namespace Qt::StringLiterals;
+using namespace corvane;
+using Field = MessageWindow::Field;
+
+namespace {
+
+/// The letter behind the "&" of a caption; none gives a null character.
+QChar mnemonic(const QString &caption)
+{
+    for (qsizetype i = 0; i + 1 < caption.size(); ++i) {
+        if (caption.at(i) == u'&') {
+            if (caption.at(i + 1) != u'&') {
+                return caption.at(i + 1).toLower();
+            }
+            ++i;
+        }
+    }
+    return {};
+}
+
+QString stored(MainFixture &main, const char *key)
+{
+    return quillon::SettingsFile(main.globals().paths.optionsFile).value(u"Position"_s, QString::fromLatin1(key));
+}
+
+QString twips(int pixels)
+{
+    return QString::number(pixels * 15);
+}
+
+/// Controls that a user fills or presses; parts that Qt makes for itself have no name of ours.
+QList<QWidget *> userControls(const MainFixture &main)
+{
+    QList<QWidget *> controls;
+    for (QWidget *widget : main.window->findChildren<QWidget *>()) {
+        const QString name = widget->objectName();
+        const bool ours = !name.isEmpty() && !name.startsWith(u"qt_"_s);
+        const bool field = qobject_cast<QLineEdit *>(widget) || qobject_cast<QPlainTextEdit *>(widget) ||
+                           qobject_cast<QComboBox *>(widget) || qobject_cast<QAbstractSpinBox *>(widget) ||
+                           qobject_cast<QListWidget *>(widget) || qobject_cast<QAbstractButton *>(widget);
+        if (ours && field && name != u"cbb(3)" && name != u"lstFilter" &&
+            !qobject_cast<QTabBar *>(widget->parentWidget()) && !qobject_cast<QToolBar *>(widget->parentWidget())) {
+            controls.append(widget);
+        }
+    }
+    return controls;
+}
+
+} // namespace
+
+class TestMainLayout : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void mnemonicsOfMenuBarAndLabelsDoNotClash();
+    void mnemonicsWithinEachMenuDoNotClash();
+    void everyFieldAndButtonHasATipAndAName();
+    void everyFieldHasAVisibleLabelWithAMnemonic();
+    void tabGoesInReadingOrder();
+    void focusStartsInTo();
+    void theWindowFitsASmallScreenWithLargeFonts();
+    void aDoubleClickGrowsAndASecondOneShrinks();
+    void onlyOneRecipientBoxIsLarge();
+    void theAttachmentListGrowsAndShrinksTheBoxes();
+    void aGrownBoxLiesOverTheRowsBelow();
+    void enterInARecipientBoxIsANewLineAndTabMovesOn();
+    void expandGivesTheHeaderToTheContent();
+    void restorePutsTheFieldsBack();
+    void aFieldThatGetsTheFocusIsBroughtBack();
+    void aClickElsewhereHidesThePopUps();
+    void aResizeStoresThePosition();
+    void aMaximisedWindowBlanksAllFourValues();
+    void aMinimisedWindowStoresNothing();
+    void theTimerStoresAMove();
+    void anEmptyStoredPositionCountsAsZeroForTheTimer();
+    void theTimerWritesNothingWhileMinimised();
+    void restoringAppliesTheStoredPosition();
+    void restoringWithoutAWidthMaximises();
+    void restoringWithNumbersThatAreNoneKeepsTheWindowUsable();
+    void aPositionOffEveryScreenIsBroughtBack();
+    void startupMaxMaximises();
+    void startupSysMinimisesAndTellsTheTray();
+    void theCloseBoxMinimises();
+    void theExitTagLetsTheWindowClose();
+};
+
+void TestMainLayout::mnemonicsOfMenuBarAndLabelsDoNotClash()
+{
+    MainFixture main;
+    QMap<QChar, QString> taken;
+    QStringList captions;
+    for (const QAction *menu : main.window->menuBar()->actions()) {
+        captions.append(menu->text());
+    }
+    for (const QLabel *label : main.window->findChildren<QLabel *>()) {
+        if (label->buddy()) {
+            captions.append(label->text());
+        }
+    }
+    for (const QAbstractButton *button : main.window->findChildren<QAbstractButton *>()) {
+        if (button->objectName().contains(u'(')) {
+            captions.append(button->text());
+        }
+    }
+    for (const QString &caption : captions) {
+        const QChar letter = mnemonic(caption);
+        if (!letter.isNull()) {
+            QVERIFY2(!taken.contains(letter), qPrintable(caption + u" and "_s + taken.value(letter)));
+            taken.insert(letter, caption);
+        }
+    }
+    QVERIFY(taken.size() >= 23);
+}
+
+void TestMainLayout::mnemonicsWithinEachMenuDoNotClash()
+{
+    MainFixture main;
+    for (const QMenu *menu : main.window->menuBar()->findChildren<QMenu *>()) {
+        QMap<QChar, QString> taken;
+        for (const QAction *action : menu->actions()) {
+            const bool array = action->objectName().contains(u"sa("_s);
+            if (action->isSeparator() || array) {
+                continue;
+            }
+            const QChar letter = mnemonic(action->text());
+            QVERIFY2(!letter.isNull(), qPrintable(action->text()));
+            QVERIFY2(!taken.contains(letter), qPrintable(action->text() + u" and "_s + taken.value(letter)));
+            taken.insert(letter, action->text());
+        }
+    }
+}
+
+void TestMainLayout::everyFieldAndButtonHasATipAndAName()
+{
+    MainFixture main;
+    const QList<QWidget *> controls = userControls(main);
+    QVERIFY(controls.size() > 50);
+    for (const QWidget *control : controls) {
+        QVERIFY2(!control->toolTip().isEmpty(), qPrintable(control->objectName()));
+        QVERIFY2(!control->accessibleName().isEmpty(), qPrintable(control->objectName()));
+        QVERIFY2(!control->accessibleName().contains(u'&'), qPrintable(control->objectName()));
+    }
+    const auto *tabs = main.get<QTabWidget>(u"sst"_s);
+    QCOMPARE(tabs->tabText(0), u"Design"_s);
+    QCOMPARE(tabs->tabText(1), u"Source"_s);
+    QCOMPARE(tabs->tabText(2), u"Preview"_s);
+    QVERIFY(!tabs->tabToolTip(1).isEmpty());
+}
+
+void TestMainLayout::everyFieldHasAVisibleLabelWithAMnemonic()
+{
+    MainFixture main;
+    QSet<const QWidget *> labelled;
+    for (const QLabel *label : main.window->findChildren<QLabel *>()) {
+        if (label->buddy()) {
+            QVERIFY2(!mnemonic(label->text()).isNull(), qPrintable(label->text()));
+            labelled.insert(label->buddy());
+            if (label->buddy()->isVisible()) {
+                QVERIFY2(label->isVisible(), qPrintable(label->text()));
+            }
+        }
+    }
+    for (const QWidget *control : userControls(main)) {
+        // Buttons bear their own caption or picture; the source's label is its tab.
+        if (!qobject_cast<const QAbstractButton *>(control) && control->objectName() != u"utbSource") {
+            QVERIFY2(labelled.contains(control), qPrintable(control->objectName()));
+        }
+    }
+}
+
+void TestMainLayout::tabGoesInReadingOrder()
+{
+    MainFixture main;
+    main.button(u"opt(1)"_s)->click();
+    main.button(u"opt(3)"_s)->click();
+    main.button(u"opt(5)"_s)->click();
+    QList<QWidget *> order;
+    QWidget *first = main.combo(6);
+    for (QWidget *next = first; order.isEmpty() || next != first; next = next->nextInFocusChain()) {
+        const bool stop = (next->focusPolicy() & Qt::TabFocus) != 0 && next->isVisible() &&
+                          !next->objectName().isEmpty() && !next->objectName().startsWith(u"qt_"_s) &&
+                          !qobject_cast<QToolBar *>(next->parentWidget());
+        if (stop) {
+            order.append(next);
+        }
+    }
+    QVERIFY(order.size() > 25);
+    QCOMPARE(order.last()->objectName(), u"utbContent"_s);
+    for (qsizetype i = 1; i < order.size(); ++i) {
+        const auto middle = [&main](const QWidget *control) {
+            return control->mapTo(main.window.get(), control->rect().center());
+        };
+        const QPoint before = middle(order.at(i - 1));
+        const QPoint after = middle(order.at(i));
+        const bool sameRow = std::abs(before.y() - after.y()) < order.at(i - 1)->height() / 2;
+        QVERIFY2(sameRow ? before.x() < after.x() : before.y() < after.y(),
+                 qPrintable(order.at(i - 1)->objectName() + u" before "_s + order.at(i)->objectName()));
+    }
+}
+
+void TestMainLayout::focusStartsInTo()
+{
+    MainFixture main;
+    QCOMPARE(main.window->focusWidget(), main.recipients(0));
+}
+
+void TestMainLayout::theWindowFitsASmallScreenWithLargeFonts()
+{
+    const QFont normal = QApplication::font();
+    const auto back = qScopeGuard([&normal] { QApplication::setFont(normal); });
+    {
+        MainFixture main;
+        QVERIFY(main.window->width() <= 1024 && main.window->height() <= 720);
+        QVERIFY(main.window->width() >= 800 && main.window->height() >= 560);
+    }
+    QFont large = normal;
+    large.setPointSizeF(normal.pointSizeF() * 2);
+    QApplication::setFont(large);
+    {
+        MainFixture main;
+        const QSize least = main.window->minimumSizeHint();
+        QVERIFY2(least.width() <= 1024 && least.height() <= 720,
+                 qPrintable(u"%1 x %2"_s.arg(least.width()).arg(least.height())));
+        QPlainTextEdit *to = main.recipients(0);
+        QVERIFY2(to->height() >= QFontMetrics(large).height(), "a row follows the font");
+        QVERIFY(main.get(u"lblTo"_s)->height() >= QFontMetrics(large).height());
+    }
+}
+
+void TestMainLayout::aDoubleClickGrowsAndASecondOneShrinks()
+{
+    MainFixture main;
+    for (int i = 0; i < 3; ++i) {
+        QPlainTextEdit *box = main.recipients(i);
+        const int row = box->height();
+        QVERIFY(row >= 20);
+        QTest::mouseDClick(box->viewport(), Qt::LeftButton);
+        QCOMPARE(box->height(), row * 5); // 1500 to 300
+        QTest::mouseDClick(box->viewport(), Qt::LeftButton);
+        QCOMPARE(box->height(), row);
+    }
+}
+
+void TestMainLayout::onlyOneRecipientBoxIsLarge()
+{
+    MainFixture main;
+    const int row = main.recipients(0)->height();
+    QTest::mouseDClick(main.recipients(0)->viewport(), Qt::LeftButton);
+    QTest::mouseDClick(main.recipients(2)->viewport(), Qt::LeftButton);
+    QCOMPARE(main.recipients(0)->height(), row);
+    QCOMPARE(main.recipients(2)->height(), row * 5);
+}
+
+void TestMainLayout::theAttachmentListGrowsAndShrinksTheBoxes()
+{
+    MainFixture main;
+    auto *list = main.get<QListWidget>(u"lsv(0)"_s);
+    const int row = list->height();
+    QTest::mouseDClick(main.recipients(1)->viewport(), Qt::LeftButton);
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton);
+    QCOMPARE(list->height(), row * 7); // 2100 to 300
+    QCOMPARE(main.recipients(1)->height(), row);
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton);
+    QCOMPARE(list->height(), row);
+}
+
+void TestMainLayout::aGrownBoxLiesOverTheRowsBelow()
+{
+    MainFixture main;
+    QPlainTextEdit *to = main.recipients(0);
+    const QRect subjectBefore = main.get(u"utbSubject"_s)->geometry();
+    QTest::mouseDClick(to->viewport(), Qt::LeftButton);
+    QCOMPARE(main.get(u"utbSubject"_s)->geometry(), subjectBefore);
+    const QPoint inCC = main.recipients(1)->mapTo(main.window.get(), QPoint(20, 5));
+    QCOMPARE(main.window->childAt(inCC), to->viewport());
+    main.window->resize(main.window->width() - 100, main.window->height());
+    QCOMPARE(to->geometry().right() - main.recipients(1)->geometry().left(),
+             to->width() - 1); // it still follows its row
+}
+
+void TestMainLayout::enterInARecipientBoxIsANewLineAndTabMovesOn()
+{
+    MainFixture main;
+    QPlainTextEdit *cc = main.recipients(1);
+    cc->setFocus();
+    QTest::keyClicks(cc, u"a@example.com"_s);
+    QTest::keyClick(cc, Qt::Key_Return);
+    QTest::keyClicks(cc, u"b@example.com"_s);
+    QCOMPARE(main.message().text(Field::CC), u"a@example.com\r\nb@example.com"_s);
+    QTest::keyClick(cc, Qt::Key_Tab);
+    QCOMPARE(main.window->focusWidget(), main.recipients(2));
+    QCOMPARE(main.message().text(Field::CC), u"a@example.com\r\nb@example.com"_s);
+}
+
+void TestMainLayout::expandGivesTheHeaderToTheContent()
+{
+    MainFixture main;
+    auto *content = main.get<QPlainTextEdit>(u"utbContent"_s);
+    const int before = content->height();
+    QVERIFY(QTest::qWaitForWindowActive(main.window.get()));
+    QTest::keyClick(main.recipients(0), Qt::Key_F6);
+    QCoreApplication::processEvents();
+    QVERIFY(content->height() > before + 150);
+    QVERIFY(!main.recipients(0)->isVisible());
+    QVERIFY(!main.get(u"utbSubject"_s)->isVisible());
+    QCOMPARE(main.item(u"menve"_s)->text(), u"&Restore"_s);
+    QCOMPARE(main.item(u"tlbExpand"_s)->text(), u"Restore"_s);
+    QCOMPARE(main.item(u"tlbExpand"_s)->toolTip(), u"Restores the email content area <F6>."_s);
+    QCOMPARE(main.window->focusWidget(), content);
+}
+
+void TestMainLayout::restorePutsTheFieldsBack()
+{
+    MainFixture main;
+    auto *content = main.get<QPlainTextEdit>(u"utbContent"_s);
+    const QRect before = content->geometry();
+    const QRect toBefore = main.recipients(0)->geometry();
+    main.item(u"menve"_s)->trigger();
+    main.item(u"tlbExpand"_s)->trigger();
+    QCoreApplication::processEvents();
+    QCOMPARE(content->geometry(), before);
+    QCOMPARE(main.recipients(0)->geometry(), toBefore);
+    QVERIFY(main.recipients(0)->isVisible());
+    QVERIFY(main.get(u"utbSubject"_s)->isVisible());
+    QCOMPARE(main.item(u"menve"_s)->text(), u"&Expand"_s);
+    QCOMPARE(main.item(u"tlbExpand"_s)->text(), u"Expand"_s);
+    QCOMPARE(main.item(u"tlbExpand"_s)->toolTip(), u"Expands the email content area <F6>."_s);
+}
+
+void TestMainLayout::aFieldThatGetsTheFocusIsBroughtBack()
+{
+    MainFixture main;
+    main.item(u"menve"_s)->trigger();
+    main.message().setFocus(Field::PlainContent);
+    QVERIFY(main.window->layoutOfContent().isExpanded());
+    main.message().setFocus(Field::CC);
+    QVERIFY(!main.window->layoutOfContent().isExpanded());
+    QCOMPARE(main.window->focusWidget(), main.recipients(1));
+}
+
+void TestMainLayout::aClickElsewhereHidesThePopUps()
+{
+    MainFixture main;
+    QWidget *palette = main.get(u"fra(4)"_s);
+    QWidget *filter = main.get(u"lstFilter"_s);
+    filter->setGeometry(300, 400, 200, 100);
+    QVERIFY(palette->isHidden() && filter->isHidden());
+    const auto open = [&] {
+        palette->show();
+        filter->show();
+    };
+    open();
+    QTest::mouseClick(main.get<QLineEdit>(u"utbSubject"_s), Qt::LeftButton);
+    QVERIFY(palette->isHidden() && filter->isHidden());
+    open();
+    QTest::mouseClick(filter, Qt::LeftButton);
+    QVERIFY(!filter->isHidden());
+    Q_EMIT main.combo(6)->activated(0);
+    QVERIFY(palette->isHidden() && filter->isHidden());
+}
+
+void TestMainLayout::aResizeStoresThePosition()
+{
+    MainFixture main;
+    main.window->resize(900, 640);
+    QCOMPARE(main.globals().settings.position[2], twips(900));
+    QCOMPARE(stored(main, "Left"), twips(main.window->x()));
+    QCOMPARE(stored(main, "Top"), twips(main.window->y()));
+    QCOMPARE(stored(main, "Width"), twips(900));
+    QCOMPARE(stored(main, "Height"), twips(640));
+}
+
+void TestMainLayout::aMaximisedWindowBlanksAllFourValues()
+{
+    MainFixture main;
+    main.window->resize(900, 640);
+    QVERIFY(!stored(main, "Width").isEmpty());
+    main.window->setWindowState(Qt::WindowMaximized);
+    for (const char *key : {"Left", "Top", "Width", "Height"}) {
+        QCOMPARE(stored(main, key), QString());
+    }
+    for (const QString &value : main.globals().settings.position) {
+        QCOMPARE(value, QString());
+    }
+}
+
+void TestMainLayout::aMinimisedWindowStoresNothing()
+{
+    MainFixture main;
+    main.window->resize(900, 640);
+    main.globals().settings.position[2] = u"12345"_s;
+    main.window->setWindowState(Qt::WindowMinimized);
+    QCOMPARE(main.globals().settings.position[2], u"12345"_s);
+    QCOMPARE(stored(main, "Width"), twips(900));
+    QCOMPARE(main.minimised, 1);
+}
+
+void TestMainLayout::theTimerStoresAMove()
+{
+    MainFixture main;
+    auto *timer = main.get<QWidget>(u"central"_s)->window()->findChild<QTimer *>(u"timPos"_s);
+    QVERIFY(timer);
+    QVERIFY2(!timer->isActive(), "it waits for the start to set its interval");
+    main.window->resize(900, 640);
+    main.window->move(40, 30);
+    const QString width = stored(main, "Width");
+    Q_EMIT timer->timeout({});
+    QCOMPARE(stored(main, "Left"), twips(40));
+    QCOMPARE(stored(main, "Top"), twips(30));
+    QCOMPARE(main.globals().settings.position[0], twips(40));
+    QCOMPARE(stored(main, "Width"), width);
+}
+
+void TestMainLayout::anEmptyStoredPositionCountsAsZeroForTheTimer()
+{
+    MainFixture main;
+    main.window->move(0, 30);
+    main.globals().settings.position.fill(QString());
+    quillon::SettingsFile file(main.globals().paths.optionsFile);
+    file.removeSection(u"Position"_s);
+    QVERIFY(file.save());
+    Q_EMIT main.window->findChild<QTimer *>(u"timPos"_s)->timeout({});
+    QVERIFY(!quillon::SettingsFile(main.globals().paths.optionsFile).contains(u"Position"_s, u"Left"_s));
+    QCOMPARE(main.globals().settings.position[0], QString());
+    QCOMPARE(stored(main, "Top"), twips(30));
+}
+
+void TestMainLayout::theTimerWritesNothingWhileMinimised()
+{
+    MainFixture main;
+    main.window->setWindowState(Qt::WindowMinimized);
+    main.globals().settings.position[0] = u"99999"_s;
+    Q_EMIT main.window->findChild<QTimer *>(u"timPos"_s)->timeout({});
+    QCOMPARE(main.globals().settings.position[0], u"99999"_s);
+}
+
+void TestMainLayout::restoringAppliesTheStoredPosition()
+{
+    MainFixture main({}, false);
+    main.globals().settings.position = {u"600"_s, u"450"_s, u"10500"_s, u"7500"_s};
+    main.globals().RestoringFromLast = true;
+    main.window->show();
+    main.globals().RestoringFromLast = false;
+    QCOMPARE(main.window->pos(), QPoint(40, 30));
+    QCOMPARE(main.window->size(), QSize(700, 500));
+    QVERIFY(!main.window->isMaximized());
+    QCOMPARE(stored(main, "Width"), u"10500"_s);
+    QCOMPARE(main.globals().settings.position[0], u"600"_s);
+}
+
+void TestMainLayout::restoringWithoutAWidthMaximises()
+{
+    MainFixture main({}, false);
+    main.globals().settings.position.fill(QString());
+    main.globals().RestoringFromLast = true;
+    main.window->show();
+    main.globals().RestoringFromLast = false;
+    QVERIFY(main.window->isMaximized());
+    QCOMPARE(stored(main, "Width"), QString());
+}
+
+void TestMainLayout::restoringWithNumbersThatAreNoneKeepsTheWindowUsable()
+{
+    MainFixture main({}, false);
+    const QSize before = main.window->size();
+    main.globals().settings.position = {u"left"_s, u"1e400"_s, u"wide"_s, u"-300"_s};
+    main.globals().RestoringFromLast = true;
+    const int faults = quillon::faultCount();
+    main.window->show();
+    main.globals().RestoringFromLast = false;
+    QCOMPARE(main.window->size(), before);
+    QVERIFY(quillon::faultCount() > faults);
+}
+
+void TestMainLayout::aPositionOffEveryScreenIsBroughtBack()
+{
+    MainFixture main({}, false);
+    main.globals().settings.position = {u"900000"_s, u"900000"_s, u"10500"_s, u"7500"_s};
+    main.globals().RestoringFromLast = true;
+    main.window->show();
+    main.globals().RestoringFromLast = false;
+    QVERIFY(main.window->screen()->geometry().intersects(main.window->geometry()));
+    QCOMPARE(main.window->size(), QSize(700, 500));
+}
+
+void TestMainLayout::startupMaxMaximises()
+{
+    MainFixture main([](MainFixture &m) { m.globals().settings.other[Startup] = u"Max"_s; });
+    QVERIFY(main.window->isMaximized());
+    MainFixture last([](MainFixture &m) { m.globals().settings.other[Startup] = u"Last"_s; });
+    QVERIFY(!last.window->isMaximized());
+}
+
+void TestMainLayout::startupSysMinimisesAndTellsTheTray()
+{
+    MainFixture main([](MainFixture &m) { m.globals().settings.other[Startup] = u"Sys"_s; });
+    QVERIFY(main.window->isMinimized());
+    QTRY_COMPARE(main.minimised, 1);
+}
+
+void TestMainLayout::theCloseBoxMinimises()
+{
+    MainFixture main;
+    QVERIFY(!main.window->close());
+    QVERIFY(main.window->isMinimized());
+    QCOMPARE(main.minimised, 1);
+    QCOMPARE(main.closed, 0);
+}
+
+void TestMainLayout::theExitTagLetsTheWindowClose()
+{
+    MainFixture main;
+    main.message().Tag = u"EXITWITHMENU"_s;
+    QVERIFY(main.window->close());
+    QCOMPARE(main.closed, 1);
+    QCOMPARE(main.message().Tag, QString());
+    QVERIFY(!main.window->isVisible());
+}
+
+QTEST_MAIN(TestMainLayout)
+#include "test_mainlayout.moc"
