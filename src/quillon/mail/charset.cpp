@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <iconv.h>
 #include <memory>
+#include <string_view>
 
 namespace quillon {
 
@@ -127,11 +128,42 @@ constexpr std::array twins{
     Twin{"tis-620", "cp874"},
     Twin{"gb2312", "gbk"},
     Twin{"shift_jis", "cp932"},
+
     Twin{"euc-jp", "euc-jp-ms"},
     Twin{"euc-kr", "uhc"},
     Twin{"big5", "cp950"},
     Twin{"big5", "big5-hkscs"},
 };
+
+/// Characters whose octets readers of one charset take for different characters, by the tables that they follow: the
+/// editions of GB 18030, the vendors' additions to Big5, the two lineages of JIS tables.
+struct Disputed {
+    const char *name;
+    std::u16string_view characters;
+};
+constexpr std::array disputed{
+    Disputed{"big5",
+             u"\u2551\u2552\u2553\u2554\u2555\u2556\u2557\u2558\u2559\u255A\u255B\u255C\u255D\u255F\u2560\u2562"
+             u"\u2563\u2564\u2565\u2566\u2567\u2568\u2569\u256B\u256C\u58BB\u5AFA\u6052\u7881\u7CA7\u88CF\u92B9"},
+    Disputed{"euc-jp", u"\uFF5E"},
+    Disputed{"euc-kr", u"\u3164"},
+    Disputed{"gb18030", u"\u1E3F\u9FB4\u9FB5\u9FB6\u9FB7\u9FB8\u9FB9\u9FBA\u9FBB"
+                        u"\uFE10\uFE11\uFE12\uFE13\uFE14\uFE15\uFE16\uFE17\uFE18\uFE19"},
+    Disputed{"iso-2022-jp", u"\u00A2\u00A3\u00A5\u00AC\u2016\u203E\u2212\u301C"},
+};
+
+/// Whether readers would agree on @p text. Private characters and C1 controls mean nothing outside Unicode.
+bool isUndisputed(const QString &text, const QByteArray &charset)
+{
+    const auto *const known =
+        std::find_if(disputed.begin(), disputed.end(), [&charset](const Disputed &d) { return charset == d.name; });
+    const std::u16string_view doubtful = known == disputed.end() ? std::u16string_view() : known->characters;
+    return std::none_of(text.begin(), text.end(), [doubtful](QChar c) {
+        const char16_t code = c.unicode();
+        return code >= 0x80 &&
+               ((code < 0xA0) || (code >= 0xE000 && code < 0xF900) || doubtful.find(code) != std::u16string_view::npos);
+    });
+}
 
 /// Charsets with one octet to each character; where a converter composes accents (Windows-1258), another number of
 /// octets shows that a reader without that skill would get other characters.
@@ -139,11 +171,6 @@ bool isSingleByte(const QByteArray &charset)
 {
     return charset.startsWith("iso-8859-") || charset.startsWith("windows-") || charset.startsWith("koi8-") ||
            charset == "tis-620" || charset == "us-ascii";
-}
-
-bool hasC1Control(const QString &text)
-{
-    return std::any_of(text.begin(), text.end(), [](QChar c) { return c.unicode() >= 0x80 && c.unicode() < 0xA0; });
 }
 
 bool isAscii(const QString &text)
@@ -196,7 +223,7 @@ std::optional<QByteArray> encodeStrictly(const QString &text, const QByteArray &
         return isAscii(text) ? std::optional(text.toLatin1()) : std::nullopt;
     }
     Converter *const encoder = encoderFor(name);
-    if (encoder == nullptr || hasC1Control(text)) {
+    if (encoder == nullptr || !isUndisputed(text, name)) {
         return std::nullopt;
     }
     std::optional<QByteArray> bytes =
@@ -225,7 +252,8 @@ std::optional<QString> decodeStrictly(QByteArrayView bytes, const QByteArray &ch
         }
         return text;
     }
-    Converter *const decoder = decoderFor(name);
+    // Most who say Shift_JIS mean the vendors' table; what is written here reads the same in both.
+    Converter *const decoder = decoderFor(name == "shift_jis" ? "cp932" : name);
     if (decoder == nullptr) {
         return std::nullopt;
     }

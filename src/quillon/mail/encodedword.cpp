@@ -13,8 +13,9 @@ namespace quillon {
 
 namespace {
 
-constexpr qsizetype wordOverhead = 7; // "=?", "?Q?" and "?=" without the charset's name
-constexpr qsizetype leastRoom = 12;   // one character of four octets in Q form
+constexpr qsizetype wordOverhead = 7;       // "=?", "?Q?" and "?=" without the charset's name
+constexpr qsizetype leastRoom = 12;         // one character of four octets in Q form
+constexpr qsizetype leastRoomOfStates = 24; // the same with the escapes of a charset with states
 constexpr qsizetype longestCharset = 60;
 
 /// What may stand for itself in Q form wherever encoded words are allowed, display names included.
@@ -55,27 +56,78 @@ void appendQ(QByteArray &word, const QByteArray &bytes)
     }
 }
 
+qsizetype characterLength(const QString &text, qsizetype at)
+{
+    return text[at].isHighSurrogate() && at + 1 < text.size() && text[at + 1].isLowSurrogate() ? 2 : 1;
+}
+
+/// The start of a text that one word takes.
+struct Piece {
+    qsizetype End = 0;
+    QByteArray Bytes;
+};
+
+/// Fills words character by character. Each is encoded anew from its own text, so that a charset with states starts
+/// and ends every word in its initial state.
 class WordWriter {
 public:
-    WordWriter(const QByteArray &charset, bool useQ, qsizetype firstRoom)
-        : m_charset(charset), m_useQ(useQ), m_overhead(charset.size() + wordOverhead), m_room(firstRoom - m_overhead)
+    WordWriter(const QString &text, QByteArray charset, bool useQ, qsizetype firstRoom)
+        : m_text(text), m_charset(std::move(charset)), m_useQ(useQ), m_overhead(m_charset.size() + wordOverhead),
+          m_room(firstRoom - m_overhead)
     {
-        if (m_room < leastRoom) {
+        if (m_room < (m_charset.compare("utf-8", Qt::CaseInsensitive) == 0 ? leastRoom : leastRoomOfStates)) {
             m_room = longestEncodedWord - m_overhead;
         }
     }
 
-    [[nodiscard]] bool fits(const QByteArray &bytes) const
+    /// Nothing when some character does not fit the charset by itself.
+    std::optional<QList<QByteArray>> words()
     {
-        return (m_useQ ? sizeInQ(bytes) : sizeInB(bytes)) <= m_room;
+        for (qsizetype begin = 0; begin < m_text.size();) {
+            // Some readers join neighbouring B words before they decode them, so that padding may only stand in the
+            // last one; where whole characters cannot be cut like that, one word in Q form gets past the place.
+            bool inQ = m_useQ;
+            std::optional<Piece> piece = take(begin, inQ);
+            if (piece && piece->End == begin) {
+                inQ = true;
+                piece = take(begin, inQ);
+            }
+            if (!piece || piece->End == begin) {
+                return std::nullopt;
+            }
+            write(piece->Bytes, inQ);
+            begin = piece->End;
+        }
+        return m_words;
     }
 
-    void write(const QByteArray &bytes)
+private:
+    /// As many characters from @p begin as have room; for B form, cut where no padding is needed.
+    std::optional<Piece> take(qsizetype begin, bool inQ)
+    {
+        Piece best{begin, QByteArray()};
+        for (qsizetype at = begin; at < m_text.size();) {
+            at += characterLength(m_text, at);
+            const std::optional<QByteArray> bytes = encodeStrictly(m_text.mid(begin, at - begin), m_charset);
+            if (!bytes) {
+                return std::nullopt;
+            }
+            if ((inQ ? sizeInQ(*bytes) : sizeInB(*bytes)) > m_room) {
+                break;
+            }
+            if (inQ || bytes->size() % 3 == 0 || at == m_text.size()) {
+                best = {at, *bytes};
+            }
+        }
+        return best;
+    }
+
+    void write(const QByteArray &bytes, bool inQ)
     {
         QByteArray word;
         word.reserve(longestEncodedWord);
-        word += "=?" + m_charset + (m_useQ ? "?Q?" : "?B?");
-        if (m_useQ) {
+        word += "=?" + m_charset + (inQ ? "?Q?" : "?B?");
+        if (inQ) {
             appendQ(word, bytes);
         } else {
             word += bytes.toBase64();
@@ -84,45 +136,13 @@ public:
         m_room = longestEncodedWord - m_overhead;
     }
 
-    [[nodiscard]] QList<QByteArray> words() const { return m_words; }
-
-private:
+    const QString &m_text;
     QByteArray m_charset;
     bool m_useQ;
     qsizetype m_overhead;
     qsizetype m_room;
     QList<QByteArray> m_words;
 };
-
-qsizetype characterLength(const QString &text, qsizetype at)
-{
-    return text[at].isHighSurrogate() && at + 1 < text.size() && text[at + 1].isLowSurrogate() ? 2 : 1;
-}
-
-/// Fills words character by character; each is encoded anew from its own text, so that a charset with states starts
-/// and ends every word in its initial state. Nothing when some piece does not fit the charset by itself.
-std::optional<QList<QByteArray>> wordsOf(const QString &text, const QByteArray &charset, WordWriter writer)
-{
-    qsizetype begin = 0;
-    QByteArray bytes;
-    for (qsizetype at = 0; at < text.size();) {
-        const qsizetype length = characterLength(text, at);
-        const std::optional<QByteArray> longer = encodeStrictly(text.mid(begin, at + length - begin), charset);
-        if (!longer) {
-            return std::nullopt;
-        }
-        if (at > begin && !writer.fits(*longer)) {
-            writer.write(bytes);
-            begin = at;
-            bytes.clear();
-            continue;
-        }
-        bytes = *longer;
-        at += length;
-    }
-    writer.write(bytes);
-    return writer.words();
-}
 
 struct EncodedWord {
     QByteArray Charset;
@@ -268,15 +288,15 @@ QList<QByteArray> encodedWords(const QString &text, const QByteArray &charset, q
     }
     const QString valid = withoutLoneSurrogates(text);
     const std::optional<QByteArray> whole = encodeStrictly(valid, charset);
-    if (whole && charset.size() + wordOverhead + leastRoom <= longestEncodedWord) {
+    if (whole && charset.size() + wordOverhead + leastRoomOfStates <= longestEncodedWord) {
         const bool useQ = sizeInQ(*whole) <= sizeInB(*whole);
-        if (auto words = wordsOf(valid, charset, WordWriter(charset, useQ, firstRoom))) {
+        if (auto words = WordWriter(valid, charset, useQ, firstRoom).words()) {
             return *words;
         }
     }
     const QByteArray utf8 = valid.toUtf8();
     const bool useQ = sizeInQ(utf8) <= sizeInB(utf8);
-    return *wordsOf(valid, "UTF-8"_ba, WordWriter("UTF-8"_ba, useQ, firstRoom));
+    return *WordWriter(valid, "UTF-8"_ba, useQ, firstRoom).words();
 }
 
 QString decodeEncodedWords(const QString &text)

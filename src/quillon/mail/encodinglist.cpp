@@ -13,7 +13,7 @@ QString encodingList()
            u" || iso-8859-6 | Arabic (ISO)"
            u" || windows-1256 | Arabic (Windows)"
            u" || iso-8859-4 | Baltic (ISO)"
-           u" || iso-8859-13 | Baltic (ISO 13)"
+           u" || iso-8859-13 | Baltic (ISO-8859-13)"
            u" || windows-1257 | Baltic (Windows)"
            u" || iso-8859-14 | Celtic (ISO)"
            u" || iso-8859-2 | Central European (ISO)"
@@ -43,7 +43,7 @@ QString encodingList()
            u" || us-ascii | US-ASCII"
            u" || windows-1258 | Vietnamese (Windows)"
            u" || iso-8859-1 | Western European (ISO)"
-           u" || iso-8859-15 | Western European (ISO 15)"
+           u" || iso-8859-15 | Western European (ISO-8859-15)"
            u" || windows-1252 | Western European (Windows)"_s;
 }
 

@@ -239,7 +239,7 @@ void appendAddressField(QByteArray &out, QByteArrayView name, const QList<Header
 {
     HeaderField field(out, name);
     for (qsizetype i = 0; i < mailboxes.size(); ++i) {
-        const QString shown = headerText(mailboxes[i].Name);
+        const QString shown = headerText(mailboxes[i].Name).trimmed();
         QByteArray address = mailboxes[i].Address;
         if (!shown.isEmpty()) {
             addPhrase(field, shown);
@@ -252,7 +252,7 @@ void appendAddressField(QByteArray &out, QByteArrayView name, const QList<Header
 
 void addParameter(HeaderField &field, QByteArrayView name, const QString &value)
 {
-    const QString clean = headerText(value);
+    const QString clean = headerText(value).trimmed();
     const QByteArray key = name.toByteArray();
     if (standsInQuotes(clean)) {
         field.add(key + '=' + inQuotes(clean));
@@ -271,7 +271,7 @@ void addParameter(HeaderField &field, QByteArrayView name, const QString &value)
 
 void addParameterInWords(HeaderField &field, QByteArrayView name, const QString &value)
 {
-    const QString clean = headerText(value);
+    const QString clean = headerText(value).trimmed();
     const QByteArray key = name.toByteArray() + "=\"";
     if (standsInQuotes(clean)) {
         field.add(name.toByteArray() + '=' + inQuotes(clean));

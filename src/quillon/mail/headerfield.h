@@ -58,10 +58,12 @@ struct HeaderMailbox {
     QByteArray Address; ///< the octets of addressSpec()
 };
 
-/// Appends an address field such as To to @p out. Names become atoms, a quoted string (RFC 5322) or encoded words.
+/// Appends an address field such as To to @p out. Names lose the blanks at their ends, which readers drop, and become
+/// atoms, a quoted string (RFC 5322) or encoded words.
 void appendAddressField(QByteArray &out, QByteArrayView name, const QList<HeaderMailbox> &mailboxes);
 
-/// Adds the parameter @p name with the value @p value to @p field, whose last token has to end with ";". Plain short
+/// Adds the parameter @p name with the value @p value, without blanks at its ends, to @p field, whose last token has to
+/// end with ";". Plain short
 /// US-ASCII stands in quotes; anything else is written after RFC 2231, in UTF-8, in numbered pieces where it is long.
 void addParameter(HeaderField &field, QByteArrayView name, const QString &value);
 

@@ -1,6 +1,7 @@
 #include "quillon/mail/htmltext.h"
 
 #include "quillon/mail/htmlscanner.h"
+#include "quillon/mail/textlines.h"
 
 #include <QHash>
 #include <QList>
@@ -13,8 +14,6 @@ namespace quillon {
 
 namespace {
 
-constexpr int deepestIndent = 8; // deeper lists and quotes stay there, so that the result cannot outgrow the source
-constexpr int mostBreaks = 3;
 constexpr int ruleLength = 40;
 
 enum class Element {
@@ -81,136 +80,6 @@ const QHash<QString, Element> &elements()
     };
     return table;
 }
-
-bool isCollapsible(QChar c)
-{
-    return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r' || c == u'\f';
-}
-
-/// Puts words and breaks together. Breaks and blanks are only noted and written when text follows, so that there are
-/// none at the end and no more than wanted in between.
-class TextLines {
-public:
-    void lineBreak() { wantBreaks(1); }
-    void paragraphBreak() { wantBreaks(2); }
-    void explicitBreak()
-    {
-        m_blank = false;
-        m_cell = false;
-        m_breaks = std::min(m_breaks + 1, mostBreaks);
-    }
-    void cell() { m_cell = m_lineHasText && m_breaks == 0; }
-    void setMarker(const QString &marker) { m_marker = marker; }
-    void quote(int change) { m_quotes = std::max(0, m_quotes + change); }
-    void indent(int change) { m_indent = std::max(0, m_indent + change); }
-    [[nodiscard]] qsizetype size() const { return m_text.size(); }
-    [[nodiscard]] QString textFrom(qsizetype at) const { return m_text.sliced(at); }
-
-    void addCollapsed(const QString &text)
-    {
-        qsizetype at = 0;
-        while (at < text.size()) {
-            if (isCollapsible(text[at])) {
-                m_blank = true;
-                ++at;
-                continue;
-            }
-            qsizetype end = at;
-            while (end < text.size() && !isCollapsible(text[end])) {
-                ++end;
-            }
-            addWord(QStringView(text).sliced(at, end - at));
-            at = end;
-        }
-    }
-
-    void addPreformatted(const QString &text)
-    {
-        qsizetype at = 0;
-        for (;;) {
-            qsizetype end = at;
-            while (end < text.size() && text[end] != u'\n' && text[end] != u'\r') {
-                ++end;
-            }
-            if (end > at) {
-                addWord(QStringView(text).sliced(at, end - at));
-            }
-            if (end >= text.size()) {
-                return;
-            }
-            explicitBreak();
-            at = end + (text[end] == u'\r' && end + 1 < text.size() && text[end + 1] == u'\n' ? 2 : 1);
-        }
-    }
-
-    QString finished()
-    {
-        trimLine();
-        return m_text.isEmpty() ? m_text : m_text + u"\r\n"_s;
-    }
-
-private:
-    void wantBreaks(int count)
-    {
-        m_blank = false;
-        m_cell = false;
-        m_breaks = std::max(m_breaks, count);
-    }
-
-    void trimLine()
-    {
-        while (m_text.endsWith(u' ') || m_text.endsWith(u'\t')) {
-            m_text.chop(1);
-        }
-    }
-
-    void addWord(QStringView word)
-    {
-        const int quotes = std::min(m_quotes, deepestIndent);
-        if (m_text.isEmpty()) {
-            beginLine(quotes);
-        } else if (m_breaks > 0) {
-            trimLine();
-            for (int i = 1; i < m_breaks; ++i) {
-                m_text += u"\r\n"_s + QString(quotes, u'>');
-            }
-            m_text += u"\r\n";
-            beginLine(quotes);
-        } else if (m_cell) {
-            m_text += u" | ";
-        } else if (m_blank && !m_text.endsWith(u' ')) {
-            m_text += u' ';
-        }
-        m_breaks = 0;
-        m_blank = false;
-        m_cell = false;
-        m_lineHasText = true;
-        const qsizetype begin = m_text.size();
-        m_text += word;
-        // A no-break space is a plain one in a text, but one that stays.
-        std::replace(m_text.begin() + begin, m_text.end(), QChar(QChar::Nbsp), QChar(u' '));
-    }
-
-    void beginLine(int quotes)
-    {
-        if (quotes > 0) {
-            m_text += QString(quotes, u'>') + u' ';
-        }
-        const int depth = std::min(m_indent, deepestIndent);
-        // The mark of an entry stands where the entry's further lines are indented to.
-        m_text += QString(std::max(0, m_marker.isEmpty() ? depth * 2 : depth * 2 - 2), u' ') + m_marker;
-        m_marker.clear();
-    }
-
-    QString m_text;
-    QString m_marker;
-    int m_breaks = 0;
-    int m_quotes = 0;
-    int m_indent = 0;
-    bool m_blank = false;
-    bool m_cell = false;
-    bool m_lineHasText = false;
-};
 
 class TextMaker {
 public:

@@ -151,7 +151,7 @@ QString addAttachments(MailParts &parts, const MailMessage &message, MailEncoder
         if (!file) {
             return error;
         }
-        const QString name = headerText(attachment.Name);
+        const QString name = headerText(attachment.Name).trimmed();
         parts.Attached.append({*file, name.isEmpty() ? QFileInfo(attachment.Path).fileName() : name});
     }
     return {};
