@@ -1,0 +1,92 @@
+#include "macros/macrocatalogue.h"
+#include "support/temporarytree.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace corvane;
+
+class TestMacroCatalogue : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_tree = std::make_unique<TemporaryTree>();
+        m_tree->prepare();
+    }
+    void cleanup() { m_tree.reset(); }
+
+    void emptyFileGetsTwentyLines();
+    void fileOfNineLinesGetsTwentyBehindThem();
+    void fileOfTenLinesOfAnyContentGetsNone();
+    void predefinedTextsAreASingleBlank();
+    void userMacroWithoutTextIsNotInTheMenu();
+    void shortLinesAreNotInTheMenu();
+
+private:
+    [[nodiscard]] const QString &file() const { return m_tree->globals.paths.macrosFile; }
+
+    std::unique_ptr<TemporaryTree> m_tree;
+};
+
+void TestMacroCatalogue::emptyFileGetsTwentyLines()
+{
+    seedMacros(m_tree->globals);
+    QCOMPARE(m_tree->globals.lines.ReadLines(file()), predefinedMacroLines());
+    QCOMPARE(predefinedMacroLines().size(), 20);
+    seedMacros(m_tree->globals);
+    QCOMPARE(m_tree->globals.lines.CountLines(file()), 20);
+}
+
+void TestMacroCatalogue::fileOfNineLinesGetsTwentyBehindThem()
+{
+    const QByteArray nine = QByteArray("{x}\ty\tOther Information\tU\r\n").repeated(9);
+    writeFile(file(), nine);
+    seedMacros(m_tree->globals);
+    QCOMPARE(m_tree->globals.lines.CountLines(file()), 29);
+    QVERIFY(contentOf(file()).startsWith(nine));
+}
+
+void TestMacroCatalogue::fileOfTenLinesOfAnyContentGetsNone()
+{
+    const QByteArray ten = QByteArray("\r\n").repeated(10);
+    writeFile(file(), ten);
+    seedMacros(m_tree->globals);
+    QCOMPARE(contentOf(file()), ten);
+}
+
+void TestMacroCatalogue::predefinedTextsAreASingleBlank()
+{
+    int computed = 0;
+    const QStringList lines = predefinedMacroLines();
+    for (const QString &line : lines) {
+        const QStringList fields = line.split(u'\t');
+        QCOMPARE(fields.size(), 4);
+        QVERIFY(fields.at(MacroKey).startsWith(u'{') && fields.at(MacroKey).endsWith(u'}'));
+        QCOMPARE(fields.at(MacroText), u" "_s);
+        computed += fields.at(MacroKind) == u"D" ? 1 : 0;
+        QCOMPARE(fields.at(MacroKind) == u"U", fields.at(MacroCategory) == u"My Information");
+    }
+    QCOMPARE(computed, 10);
+}
+
+void TestMacroCatalogue::userMacroWithoutTextIsNotInTheMenu()
+{
+    seedMacros(m_tree->globals);
+    m_tree->globals.lines.AppendLine(file(), u"{Club}\tChess\tOther Information\tU"_s);
+    const QStringList captions = macroMenuCaptions(m_tree->globals);
+    QVERIFY(!captions.contains(u"{My Website}"_s));
+    QVERIFY(captions.contains(u"{Long Date}"_s));
+    QCOMPARE(captions.size(), 11);
+    QCOMPARE(captions.constLast(), u"{Club}"_s);
+}
+
+void TestMacroCatalogue::shortLinesAreNotInTheMenu()
+{
+    writeFile(file(), "{one}\r\n{two}\tx\r\n{three}\tx\ty\r\n{four}\tx\ty\tU\r\n");
+    QCOMPARE(macroMenuCaptions(m_tree->globals), QStringList{u"{four}"_s});
+}
+
+QTEST_GUILESS_MAIN(TestMacroCatalogue)
+#include "test_macrocatalogue.moc"

@@ -1,0 +1,106 @@
+#include "recipients/inputprompts.h"
+#include "support/temporarytree.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace corvane;
+
+class TestInputPrompts : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_tree = std::make_unique<TemporaryTree>();
+        m_tree->prepare();
+        m_prompts = std::make_unique<InputPrompts>(m_tree->globals);
+    }
+    void cleanup()
+    {
+        m_prompts.reset();
+        m_tree.reset();
+    }
+
+    void readingSkipsBlankLinesAndTrimsNone();
+    void readingReplacesTheWholeList();
+    void savingTheSameTwiceAddsEachOnce();
+    void anotherCaseIsANewLine();
+    void emptyFieldsAddNothing();
+    void nameWithACommaGoesInAsTwoLines();
+    void oneRecipientInTwoFieldsIsAddedOnce();
+    void savingDoesNotChangeTheListInMemory();
+    void noAddressTestIsMade();
+
+private:
+    [[nodiscard]] const QString &file() const { return m_tree->globals.paths.promptsFile; }
+
+    std::unique_ptr<TemporaryTree> m_tree;
+    std::unique_ptr<InputPrompts> m_prompts;
+};
+
+void TestInputPrompts::readingSkipsBlankLinesAndTrimsNone()
+{
+    writeFile(file(), "b@x.org\r\n\r\n \t\r\n  Ada <a@x.org> \r\n");
+    m_prompts->upsReadPrompts();
+    QCOMPARE(m_prompts->entries(), (QStringList{u"b@x.org"_s, u"  Ada <a@x.org> "_s}));
+}
+
+void TestInputPrompts::readingReplacesTheWholeList()
+{
+    writeFile(file(), "a@x.org\r\n");
+    m_prompts->upsReadPrompts();
+    writeFile(file(), "");
+    m_prompts->upsReadPrompts();
+    QCOMPARE(m_prompts->entries(), QStringList());
+}
+
+void TestInputPrompts::savingTheSameTwiceAddsEachOnce()
+{
+    for (int i = 0; i < 2; ++i) {
+        m_prompts->upsSavePrompts(u"Ada <a@x.org>, b@x.org,"_s, u"c@x.org"_s, QString());
+    }
+    QCOMPARE(contentOf(file()), QByteArray("Ada <a@x.org>\r\nb@x.org\r\nc@x.org\r\n"));
+}
+
+void TestInputPrompts::anotherCaseIsANewLine()
+{
+    m_prompts->upsSavePrompts(u"a@x.org"_s, QString(), QString());
+    m_prompts->upsSavePrompts(u"A@x.org"_s, QString(), QString());
+    QCOMPARE(contentOf(file()), QByteArray("a@x.org\r\nA@x.org\r\n"));
+}
+
+void TestInputPrompts::emptyFieldsAddNothing()
+{
+    m_prompts->upsSavePrompts(QString(), u"  "_s, QString());
+    QCOMPARE(contentOf(file()), QByteArray(""));
+}
+
+void TestInputPrompts::nameWithACommaGoesInAsTwoLines()
+{
+    m_prompts->upsSavePrompts(u"Lovelace, Ada <a@x.org>"_s, QString(), QString());
+    QCOMPARE(contentOf(file()), QByteArray("Lovelace\r\nAda <a@x.org>\r\n"));
+}
+
+void TestInputPrompts::oneRecipientInTwoFieldsIsAddedOnce()
+{
+    m_prompts->upsSavePrompts(u"a@x.org"_s, QString(), u"a@x.org"_s);
+    QCOMPARE(contentOf(file()), QByteArray("a@x.org\r\n"));
+}
+
+void TestInputPrompts::savingDoesNotChangeTheListInMemory()
+{
+    m_prompts->upsSavePrompts(u"a@x.org"_s, QString(), QString());
+    QCOMPARE(m_prompts->entries(), QStringList());
+    m_prompts->upsReadPrompts();
+    QCOMPARE(m_prompts->entries(), QStringList{u"a@x.org"_s});
+}
+
+void TestInputPrompts::noAddressTestIsMade()
+{
+    m_prompts->upsSavePrompts(u"not an address"_s, QString(), QString());
+    QCOMPARE(contentOf(file()), QByteArray("not an address\r\n"));
+}
+
+QTEST_GUILESS_MAIN(TestInputPrompts)
+#include "test_inputprompts.moc"

@@ -1,0 +1,212 @@
+#include "sending/attachments.h"
+#include "support/temporarytree.h"
+
+#include <QProcess>
+#include <QTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace corvane;
+
+namespace {
+
+/// The names in an archive, and, behind a "=", what a file holds, read by Python's own library.
+QStringList archiveContent(const QString &path)
+{
+    QProcess python;
+    python.start(u"/usr/bin/python3"_s,
+                 {u"-c"_s,
+                  u"import sys, zipfile\n"
+                  "z = zipfile.ZipFile(sys.argv[1])\n"
+                  "assert z.testzip() is None\n"
+                  "for i in sorted(z.infolist(), key=lambda i: i.filename):\n"
+                  "    text = i.filename if i.is_dir() else i.filename + '=' + z.read(i).decode('utf-8', 'replace')\n"
+                  "    sys.stdout.buffer.write((text + '\\0').encode('utf-8'))\n"_s,
+                  path});
+    python.waitForFinished();
+    if (python.exitCode() != 0) {
+        return {QString::fromUtf8(python.readAllStandardError())};
+    }
+    return QString::fromUtf8(python.readAllStandardOutput()).split(QChar(0), Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+class TestAttachments : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_tree = std::make_unique<TemporaryTree>();
+        m_tree->prepare();
+        m_message = {};
+        QVERIFY(QDir().mkpath(path(u"mine"_s)));
+    }
+    void cleanup() { m_tree.reset(); }
+
+    void fileIsAttachedAsItIs();
+    void vanishedFileIsLeftOutQuietly();
+    void orderIsThatOfTheRows();
+    void folderIsPackedIntoAnArchive();
+    void tenLevelsLoseTheTwoDeepest();
+    void emptyFolderGetsItsMarkerOnce();
+    void foldersOfLikeNameGetNumbersInFront();
+    void temporaryFolderIsEmptiedFirst();
+    void folderWithATrailingSlashIsNamedZip();
+    void folderOfEmptyFoldersHasDirectoryEntries();
+    void linksPipesAndOddNamesLeaveAValidArchive();
+    void failedArchiveLeavesAnEntryThatIsMissing();
+
+private:
+    [[nodiscard]] QString path(const QString &name) const { return m_tree->path(name); }
+    QString resolve(const QStringList &paths) { return ResolveAttachments(m_tree->globals, paths, m_message); }
+    [[nodiscard]] QString zip(const QString &name) const { return m_tree->globals.paths.zips + u'/' + name; }
+
+    std::unique_ptr<TemporaryTree> m_tree;
+    quillon::MailMessage m_message;
+};
+
+void TestAttachments::fileIsAttachedAsItIs()
+{
+    writeFile(path(u"mine/Grüße.txt"_s), "x");
+    QCOMPARE(resolve({path(u"mine/Grüße.txt"_s)}), path(u"mine/Grüße.txt"_s));
+    QCOMPARE(m_message.Attachments.Count(), 1);
+    QCOMPARE(m_message.Attachments.Item(1).Name, u"Grüße.txt"_s);
+    QCOMPARE(m_message.Attachments.Item(1).Path, path(u"mine/Grüße.txt"_s));
+}
+
+void TestAttachments::vanishedFileIsLeftOutQuietly()
+{
+    writeFile(path(u"mine/good.txt"_s), "x");
+    QCOMPARE(resolve({path(u"mine/gone.txt"_s), path(u"mine/good.txt"_s)}), path(u"mine/good.txt"_s));
+    QCOMPARE(m_message.Attachments.Count(), 1);
+    QCOMPARE(resolve({path(u"mine/gone.txt"_s)}), QString());
+}
+
+void TestAttachments::orderIsThatOfTheRows()
+{
+    writeFile(path(u"mine/b"_s), "x");
+    writeFile(path(u"a"_s), "x");
+    QCOMPARE(resolve({path(u"mine/b"_s), path(u"mine"_s), path(u"a"_s)}),
+             path(u"mine/b"_s) + u"; "_s + path(u"mine"_s) + u"; "_s + path(u"a"_s));
+    QCOMPARE(m_message.Attachments.Item(1).Name, u"b"_s);
+    QCOMPARE(m_message.Attachments.Item(2).Name, u"mine.zip"_s);
+    QCOMPARE(m_message.Attachments.Item(3).Name, u"a"_s);
+}
+
+void TestAttachments::folderIsPackedIntoAnArchive()
+{
+    QVERIFY(QDir().mkpath(path(u"mine/süb"_s)));
+    writeFile(path(u"mine/a.txt"_s), "A");
+    writeFile(path(u"mine/.hidden"_s), "H");
+    writeFile(path(u"mine/süb/漢.txt"_s), "B");
+    resolve({path(u"mine"_s)});
+    QCOMPARE(m_message.Attachments.Item(1).Path, zip(u"mine.zip"_s));
+    QCOMPARE(archiveContent(zip(u"mine.zip"_s)),
+             (QStringList{u".hidden=H"_s, u"a.txt=A"_s, u"süb/"_s, u"süb/漢.txt=B"_s}));
+}
+
+void TestAttachments::tenLevelsLoseTheTwoDeepest()
+{
+    QString folder = path(u"mine"_s);
+    for (int level = 0; level <= 10; ++level) {
+        QVERIFY(QDir().mkpath(folder));
+        writeFile(folder + u"/f"_s + QString::number(level), "x");
+        folder += u"/d"_s;
+    }
+    resolve({path(u"mine"_s)});
+    const QStringList files = archiveContent(zip(u"mine.zip"_s)).filter(u"="_s);
+    QCOMPARE(files.size(), 9);
+    QVERIFY(files.contains(u"d/d/d/d/d/d/d/d/f8=x"_s));
+}
+
+void TestAttachments::emptyFolderGetsItsMarkerOnce()
+{
+    resolve({path(u"mine"_s)});
+    QCOMPARE(contentOf(path(u"mine/you-got-an-empty-folder.txt"_s)), QByteArray("\r\n"));
+    QCOMPARE(archiveContent(zip(u"mine.zip"_s)), QStringList{u"you-got-an-empty-folder.txt=\r\n"_s});
+    resolve({path(u"mine"_s)});
+    QCOMPARE(contentOf(path(u"mine/you-got-an-empty-folder.txt"_s)), QByteArray("\r\n"));
+    QCOMPARE(archiveContent(zip(u"mine.zip"_s)).size(), 1);
+}
+
+void TestAttachments::foldersOfLikeNameGetNumbersInFront()
+{
+    QStringList folders;
+    for (const QString &parent : {u"one"_s, u"two"_s, u"three"_s}) {
+        QVERIFY(QDir().mkpath(path(parent + u"/photos"_s)));
+        writeFile(path(parent + u"/photos/from"_s), parent.toUtf8());
+        folders.append(path(parent + u"/photos"_s));
+    }
+    resolve(folders);
+    QCOMPARE(m_message.Attachments.Item(1).Name, u"photos.zip"_s);
+    QCOMPARE(m_message.Attachments.Item(2).Name, u"0photos.zip"_s);
+    QCOMPARE(m_message.Attachments.Item(3).Name, u"1photos.zip"_s);
+    QCOMPARE(archiveContent(zip(u"1photos.zip"_s)), QStringList{u"from=three"_s});
+}
+
+void TestAttachments::temporaryFolderIsEmptiedFirst()
+{
+    writeFile(zip(u"old.zip"_s), "x");
+    QCOMPARE(::chmod(QFile::encodeName(zip(u"old.zip"_s)).constData(), 0400), 0);
+    resolve({});
+    QVERIFY(!QFile::exists(zip(u"old.zip"_s)));
+}
+
+void TestAttachments::folderWithATrailingSlashIsNamedZip()
+{
+    writeFile(path(u"mine/a"_s), "x");
+    resolve({path(u"mine"_s) + u'/'});
+    QCOMPARE(m_message.Attachments.Item(1).Name, u".zip"_s);
+    QCOMPARE(archiveContent(zip(u".zip"_s)), QStringList{u"a=x"_s});
+}
+
+void TestAttachments::folderOfEmptyFoldersHasDirectoryEntries()
+{
+    QVERIFY(QDir().mkpath(path(u"mine/a/b"_s)));
+    resolve({path(u"mine"_s)});
+    QCOMPARE(archiveContent(zip(u"mine.zip"_s)), (QStringList{u"a/"_s, u"a/b/"_s}));
+    QVERIFY(!QFile::exists(path(u"mine/you-got-an-empty-folder.txt"_s)));
+}
+
+void TestAttachments::linksPipesAndOddNamesLeaveAValidArchive()
+{
+    const QByteArray mine = QFile::encodeName(path(u"mine"_s));
+    writeFile(path(u"outside"_s), "O");
+    QVERIFY(QFile::link(path(u"outside"_s), path(u"mine/link to a file"_s)));
+    QVERIFY(QFile::link(path(u"mine"_s), path(u"mine/circle"_s)));
+    QVERIFY(QFile::link(u"/"_s, path(u"mine/everything"_s)));
+    QVERIFY(QFile::link(path(u"nothing"_s), path(u"mine/dangling"_s)));
+    QCOMPARE(::mkfifo((mine + "/pipe").constData(), 0600), 0);
+    for (const char *name : {"/\xFF"
+                             "a",
+                             "/\xC3\xBF"
+                             "a"}) { // two names that read as one text
+        FILE *file = std::fopen((mine + name).constData(), "w");
+        QVERIFY(file);
+        std::fputs("N", file);
+        std::fclose(file);
+    }
+    resolve({path(u"mine"_s)});
+    QCOMPARE(archiveContent(zip(u"mine.zip"_s)), (QStringList{u"link to a file=O"_s, u"ÿa=N"_s, u"ÿa~1=N"_s}));
+    QCOMPARE(::unlink((mine + "/\xFF"
+                              "a")
+                          .constData()),
+             0); // a name that the folder's own clean-up cannot see
+}
+
+void TestAttachments::failedArchiveLeavesAnEntryThatIsMissing()
+{
+    writeFile(path(u"mine/a"_s), "x");
+    QVERIFY(QDir(m_tree->globals.paths.zips).removeRecursively());
+    writeFile(m_tree->globals.paths.zips, "in the way");
+    QCOMPARE(resolve({path(u"mine"_s)}), path(u"mine"_s));
+    QCOMPARE(m_message.Attachments.Count(), 1);
+    QVERIFY(!QFile::exists(m_message.Attachments.Item(1).Path));
+}
+
+QTEST_GUILESS_MAIN(TestAttachments)
+#include "test_attachments.moc"

@@ -1,0 +1,125 @@
+#include "sending/connection.h"
+#include "support/scriptedserver.h"
+#include "support/temporarytree.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace corvane;
+using quillon::MailTransport;
+
+class TestConnection : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_tree = std::make_unique<TemporaryTree>();
+        m_tree->prepare();
+        m_errors.clear();
+        m_transport.reset();
+    }
+    void cleanup()
+    {
+        m_transport.reset();
+        m_tree.reset();
+    }
+
+    void securityFieldYIsReadAsS();
+    void accountsFieldsReachTheTransport();
+    void userIsTakenOnlyWithAuthentication();
+    void proxyIsTakenByTheSettingNotByTheRecord();
+    void proxyUserIsTakenOnlyWithAuthentication();
+    void emptyPortIsPortZero();
+    void newTransportDropsTheEarlierOneWithItsEvents();
+
+private:
+    bool connectWith(const QString &account, const QString &proxy = QString())
+    {
+        return ConnectTransport(m_tree->globals, account, proxy,
+                                {[this](const QString &text) { m_errors.append(text); }, [](const QString &) {}},
+                                m_transport);
+    }
+    static QString account(quint16 port, const QString &rest)
+    {
+        return u"127.0.0.1\t"_s + QString::number(port) + u'\t' + rest + u"\tAda\tada@x.org\t\t\t/SAEND"_s;
+    }
+
+    std::unique_ptr<TemporaryTree> m_tree;
+    QStringList m_errors;
+    std::unique_ptr<MailTransport> m_transport;
+};
+
+void TestConnection::securityFieldYIsReadAsS()
+{
+    QCOMPARE(securityOf(u"N"_s), 0);
+    QCOMPARE(securityOf(u"S"_s), 1);
+    QCOMPARE(securityOf(u"Y"_s), 1);
+    QCOMPARE(securityOf(u"T"_s), 2);
+    QCOMPARE(securityOf(u"y"_s, 7), 7);
+    QCOMPARE(securityOf(QString(), 7), 7);
+}
+
+void TestConnection::accountsFieldsReachTheTransport()
+{
+    testsupport::ScriptedServer server;
+    QVERIFY(connectWith(account(server.port(), u"N\tN\t\t"_s)));
+    QCOMPARE(m_transport->Security, 0);
+    QCOMPARE(server.Connections, 1);
+    QVERIFY(m_errors.isEmpty());
+}
+
+void TestConnection::userIsTakenOnlyWithAuthentication()
+{
+    testsupport::ScriptedServer server;
+    QVERIFY(connectWith(account(server.port(), u"N\tN\tuser\tsecret"_s)));
+    QCOMPARE(m_transport->User, QString());
+    QVERIFY(!connectWith(account(server.port(), u"N\tY\tuser\tsecret"_s))); // this server offers no login
+    QCOMPARE(m_transport->User, u"user"_s);
+    QCOMPARE(m_transport->Password, u"secret"_s);
+    QCOMPARE(m_errors.size(), 1);
+}
+
+void TestConnection::proxyIsTakenByTheSettingNotByTheRecord()
+{
+    testsupport::ScriptedServer server;
+    const QString proxy = u"Socks5\tproxy.invalid\t1080\tN\t\t\t/PSEND"_s;
+    QVERIFY(connectWith(account(server.port(), u"N\tN\t\t"_s), proxy));
+    QCOMPARE(m_transport->ProxyServer, QString());
+    m_tree->globals.settings.proxy[ProxyUse] = u"True"_s;
+    QVERIFY(connectWith(account(server.port(), u"N\tN\t\t"_s), QString()));
+    QCOMPARE(m_transport->ProxyServer, QString());
+}
+
+void TestConnection::proxyUserIsTakenOnlyWithAuthentication()
+{
+    m_tree->globals.settings.proxy[ProxyUse] = u"True"_s;
+    QVERIFY(!connectWith(account(1, u"N\tN\t\t"_s), u"Socks5\t127.0.0.1\t1\tN\tpu\tpp\t/PSEND"_s));
+    QCOMPARE(m_transport->ProxyServer, u"127.0.0.1"_s);
+    QCOMPARE(m_transport->ProxyPort, 1L);
+    QCOMPARE(m_transport->ProxyUser, QString());
+    QVERIFY(!connectWith(account(1, u"N\tN\t\t"_s), u"Socks5\t127.0.0.1\t1\tY\tpu\tpp\t/PSEND"_s));
+    QCOMPARE(m_transport->ProxyUser, u"pu"_s);
+    QCOMPARE(m_transport->ProxyPassword, u"pp"_s);
+    QCOMPARE(m_errors.size(), 2);
+}
+
+void TestConnection::emptyPortIsPortZero()
+{
+    QVERIFY(!connectWith(u"127.0.0.1\t\tN\tN\t\t\tAda\tada@x.org\t\t\t/SAEND"_s));
+    QCOMPARE(m_errors.size(), 1);
+}
+
+void TestConnection::newTransportDropsTheEarlierOneWithItsEvents()
+{
+    testsupport::ScriptedServer server;
+    QVERIFY(connectWith(account(server.port(), u"N\tN\t\t"_s)));
+    const QPointer<MailTransport> first = m_transport.get();
+    QVERIFY(connectWith(account(server.port(), u"N\tN\t\t"_s)));
+    QVERIFY(first.isNull());
+    QTRY_COMPARE(server.Ended, 1);
+    QVERIFY(m_errors.isEmpty());
+}
+
+QTEST_GUILESS_MAIN(TestConnection)
+#include "test_connection.moc"
