@@ -72,7 +72,10 @@ void frmPubProgress::setProgress(int i, int total)
 void frmPubProgress::resizeEvent(QResizeEvent *event)
 {
     QDialog::resizeEvent(event);
-    fitToContents();
+    // A window manager that insists on another size although ours is the only one allowed is not fought.
+    if (minimumSize() != maximumSize()) {
+        layOutAnew();
+    }
 }
 
 void frmPubProgress::showEvent(QShowEvent *event)
@@ -93,11 +96,16 @@ void frmPubProgress::cancel()
 
 void frmPubProgress::layOutAnew()
 {
+    if (m_layingOut) {
+        return;
+    }
+    m_layingOut = true;
     setMinimumSize(0, 0);
     setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
     resize(layout()->totalSizeHint());
     layout()->activate();
     fitToContents();
+    m_layingOut = false;
 }
 
 void frmPubProgress::fitToContents()

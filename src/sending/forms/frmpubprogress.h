@@ -37,12 +37,14 @@ protected:
 
 private:
     void cancel();
+    /// Lays the controls out at their natural size, whatever size the form was given, and fits the form to them.
     void layOutAnew();
     /// The size that the contents ask for: up to the right of the activity line and the foot of Cancel, and a margin.
     void fitToContents();
 
     Hooks m_hooks;
-    std::unique_ptr<Ui::frmPubProgress> m_ui;
+    bool m_layingOut = false;
+    std::unique_ptr<::Ui::frmPubProgress> m_ui;
 };
 
 } // namespace corvane

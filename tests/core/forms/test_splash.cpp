@@ -1,0 +1,141 @@
+#include "core/forms/frmpubsplash.h"
+#include "quillon/forms/formregistry.h"
+
+#include <QEventLoop>
+#include <QPixmap>
+#include <QTest>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+using corvane::frmPubSplash;
+
+class TestSplash : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theTimerIsToldInTheForm();
+    void theTimerRunsFromTheFirstShowing();
+    void theHandOverHappensOnce();
+    void aNestedLoopInTheHandOverDoesNotFireAgain();
+    void theHandOverMayUnloadTheSplash();
+    void anUnloadedSplashHandsOverNoMore();
+    void aPictureFillsTheWindow();
+    void withoutAPictureTheNameIsDrawn();
+
+private:
+    static QTimer *timerOf(const QWidget *splash) { return splash->findChild<QTimer *>(u"tim"_s); }
+    /// Lets the timer fire as if its time had come.
+    static void expire(QTimer *timer)
+    {
+        timer->setInterval(0);
+        QEventLoop loop;
+        connect(timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+        timer->start();
+        loop.exec();
+    }
+};
+
+void TestSplash::theTimerIsToldInTheForm()
+{
+    const frmPubSplash splash({});
+    QTimer *timer = timerOf(&splash);
+    QVERIFY(timer);
+    QCOMPARE(timer->interval(), 3000);
+    QVERIFY(timer->isSingleShot());
+    QVERIFY(splash.windowFlags().testFlag(Qt::FramelessWindowHint));
+}
+
+void TestSplash::theTimerRunsFromTheFirstShowing()
+{
+    frmPubSplash splash({});
+    QVERIFY(!timerOf(&splash)->isActive());
+    splash.show();
+    QVERIFY(timerOf(&splash)->isActive());
+    timerOf(&splash)->stop();
+    splash.hide();
+    splash.show();
+    QVERIFY(!timerOf(&splash)->isActive());
+}
+
+void TestSplash::theHandOverHappensOnce()
+{
+    int handOvers = 0;
+    frmPubSplash splash([&handOvers] { ++handOvers; });
+    splash.show();
+    expire(timerOf(&splash));
+    QCOMPARE(handOvers, 1);
+    QVERIFY(!timerOf(&splash)->isActive());
+    expire(timerOf(&splash));
+    QCOMPARE(handOvers, 1);
+}
+
+void TestSplash::aNestedLoopInTheHandOverDoesNotFireAgain()
+{
+    int handOvers = 0;
+    frmPubSplash *form = nullptr;
+    frmPubSplash splash([&] {
+        ++handOvers;
+        if (handOvers == 1) {
+            expire(timerOf(form)); // the window that comes up waits, and the timer is set off once more
+        }
+    });
+    form = &splash;
+    splash.show();
+    expire(timerOf(&splash));
+    QCOMPARE(handOvers, 1);
+}
+
+void TestSplash::theHandOverMayUnloadTheSplash()
+{
+    quillon::FormRegistry forms;
+    bool handedOver = false;
+    forms.add(u"frmPubSplash"_s, [&] {
+        return new frmPubSplash([&] {
+            handedOver = true;
+            forms.unload(u"frmPubSplash"_s);
+        });
+    });
+    QWidget *splash = forms.form(u"frmPubSplash"_s);
+    splash->show();
+    expire(timerOf(splash));
+    QVERIFY(handedOver);
+    QVERIFY(!forms.isLoaded(u"frmPubSplash"_s));
+}
+
+void TestSplash::anUnloadedSplashHandsOverNoMore()
+{
+    quillon::FormRegistry forms;
+    forms.add(u"frmPubSplash"_s, [] { return new frmPubSplash({}); });
+    QWidget *splash = forms.form(u"frmPubSplash"_s);
+    QTimer *timer = timerOf(splash);
+    splash->show();
+    QVERIFY(timer->isActive());
+    forms.unload(u"frmPubSplash"_s);
+    QVERIFY(!timer->isActive());
+}
+
+void TestSplash::aPictureFillsTheWindow()
+{
+    QPixmap picture(120, 80);
+    picture.fill(Qt::red);
+    frmPubSplash splash({}, picture);
+    QCOMPARE(splash.size(), QSize(120, 80));
+    const QImage shown = splash.grab().toImage();
+    QCOMPARE(shown.pixelColor(1, 1), QColor(Qt::red));
+    QCOMPARE(shown.pixelColor(118, 78), QColor(Qt::red));
+}
+
+void TestSplash::withoutAPictureTheNameIsDrawn()
+{
+    QCoreApplication::setApplicationName(QString());
+    QGuiApplication::setApplicationDisplayName(u" "_s);
+    frmPubSplash splash({});
+    const QImage nameless = splash.grab().toImage();
+    QGuiApplication::setApplicationDisplayName(u"Corvane"_s);
+    const QImage named = splash.grab().toImage();
+    QVERIFY(named != nameless);
+    QVERIFY(named.pixelColor(0, 0) != named.pixelColor(named.width() - 1, 0));
+}
+
+QTEST_MAIN(TestSplash)
+#include "test_splash.moc"

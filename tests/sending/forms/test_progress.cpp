@@ -1,0 +1,199 @@
+#include "core/texts.h"
+#include "quillon/forms/formregistry.h"
+#include "sending/forms/formprogressview.h"
+#include "sending/forms/frmpubprogress.h"
+
+#include <QFile>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using corvane::FormProgressView;
+using corvane::frmPubProgress;
+
+class TestProgress : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void itStandsAsDesigned();
+    void itsSizeFitsItsContents();
+    void aResizeBringsTheFittedSizeBack();
+    void aLongReportKeepsTheSize();
+    void theBarFollowsTheMails();
+    void cancelSetsTheFlagAndUnloads();
+    void escapeAndEnterCancelNothing();
+    void touchingItLoadsItHidden();
+    void anUnloadedDialogIsMadeAnewWithItsTexts();
+    void hidingKeepsItsTexts();
+    void theRestTextIsTheSameInEveryLanguage();
+
+private:
+    frmPubProgress *dialog() { return m_forms->as<frmPubProgress>(u"frmPubProgress"_s); }
+    QLabel *label(const QString &name) { return dialog()->findChild<QLabel *>(name); }
+    QPushButton *button(const QString &name) { return dialog()->findChild<QPushButton *>(name); }
+    /// Inner size as the rule has it: 90 twips are 6 pixels.
+    QSize ruled()
+    {
+        return {label(u"lblProg"_s)->x() + label(u"lblProg"_s)->width() + 6,
+                button(u"sbtCancel"_s)->y() + button(u"sbtCancel"_s)->height() + 6};
+    }
+
+    std::unique_ptr<quillon::FormRegistry> m_forms;
+    std::unique_ptr<FormProgressView> m_view;
+    bool m_stop = false;
+    QTemporaryDir m_folder;
+};
+
+void TestProgress::init()
+{
+    corvane::setLanguageFolder(m_folder.path());
+    QFile::remove(m_folder.filePath(u"tips.dll"_s));
+    m_stop = false;
+    m_forms = std::make_unique<quillon::FormRegistry>();
+    m_forms->add(u"frmPubProgress"_s, [this] {
+        return new frmPubProgress({[this] { m_stop = true; }, [this] { m_forms->unload(u"frmPubProgress"_s); }});
+    });
+    m_view = std::make_unique<FormProgressView>(*m_forms);
+}
+
+void TestProgress::cleanup()
+{
+    m_view.reset();
+    m_forms.reset();
+}
+
+void TestProgress::itStandsAsDesigned()
+{
+    QCOMPARE(dialog()->windowTitle(), u"Sending Progress"_s);
+    QVERIFY(!dialog()->isModal());
+    QCOMPARE(label(u"lblProg"_s)->text(), QString());
+    QCOMPARE(label(u"lblQty"_s)->text(), u"Sending emails..."_s);
+    QVERIFY(button(u"sbtCancel"_s)->isEnabled());
+    QVERIFY(!button(u"sbtHelp"_s)->isEnabled());
+    const auto *bar = dialog()->findChild<QProgressBar *>(u"prg"_s);
+    QCOMPARE(bar->minimum(), bar->maximum()); // of unknown length
+}
+
+void TestProgress::itsSizeFitsItsContents()
+{
+    m_view->makeVisible();
+    QVERIFY(QTest::qWaitForWindowExposed(dialog()));
+    QCOMPARE(dialog()->size(), ruled());
+    QVERIFY(label(u"lblProg"_s)->width() > 100);
+    // In the order of the lines, and nothing cut off.
+    const auto *bar = dialog()->findChild<QProgressBar *>(u"prg"_s);
+    QVERIFY(label(u"lblProg"_s)->geometry().bottom() < label(u"lblQty"_s)->y());
+    QVERIFY(label(u"lblQty"_s)->geometry().bottom() < bar->y());
+    QVERIFY(bar->geometry().bottom() < button(u"sbtCancel"_s)->y());
+    QVERIFY(button(u"sbtCancel"_s)->height() >= button(u"sbtCancel"_s)->minimumSizeHint().height());
+    QVERIFY(dialog()->rect().contains(button(u"sbtHelp"_s)->geometry()));
+}
+
+void TestProgress::aResizeBringsTheFittedSizeBack()
+{
+    m_view->makeVisible();
+    const QSize fitted = dialog()->size();
+    for (const QSize size : {QSize(900, 700), QSize(20, 20), QSize(fitted.width() + 1, fitted.height())}) {
+        dialog()->setMinimumSize(0, 0);
+        dialog()->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+        dialog()->resize(size);
+        QCOMPARE(dialog()->size(), fitted);
+        QCOMPARE(dialog()->size(), ruled());
+    }
+}
+
+void TestProgress::aLongReportKeepsTheSize()
+{
+    m_view->makeVisible();
+    const QSize fitted = dialog()->size();
+    const QString report = u"550 <b>no</b> such user "_s.repeated(100);
+    m_view->setActivity(report);
+    m_view->setCounter(u"Sending 32767/32767 emails..."_s);
+    QCoreApplication::processEvents();
+    QCOMPARE(dialog()->size(), fitted);
+    QCOMPARE(m_view->activity(), report);
+    QCOMPARE(label(u"lblProg"_s)->textFormat(), Qt::PlainText);
+}
+
+void TestProgress::theBarFollowsTheMails()
+{
+    const auto *bar = dialog()->findChild<QProgressBar *>(u"prg"_s);
+    m_view->setProgress(3, 40);
+    QCOMPARE(bar->minimum(), 0);
+    QCOMPARE(bar->maximum(), 40);
+    QCOMPARE(bar->value(), 3);
+    m_view->setProgress(41, 40);
+    QCOMPARE(bar->value(), 40);
+    m_view->setProgress(0, 0);
+    QCOMPARE(bar->maximum(), 0);
+}
+
+void TestProgress::cancelSetsTheFlagAndUnloads()
+{
+    m_view->makeVisible();
+    QVERIFY(QTest::qWaitForWindowExposed(dialog()));
+    QTest::mouseClick(button(u"sbtCancel"_s), Qt::LeftButton);
+    QVERIFY(m_stop);
+    QVERIFY(!m_forms->isLoaded(u"frmPubProgress"_s));
+}
+
+void TestProgress::escapeAndEnterCancelNothing()
+{
+    m_view->makeVisible();
+    QVERIFY(QTest::qWaitForWindowActive(dialog()));
+    QTest::keyClick(dialog(), Qt::Key_Escape);
+    QTest::keyClick(dialog(), Qt::Key_Return);
+    QVERIFY(m_view->isVisible());
+    QVERIFY(!m_stop);
+}
+
+void TestProgress::touchingItLoadsItHidden()
+{
+    QVERIFY(!m_forms->isLoaded(u"frmPubProgress"_s));
+    m_view->setActivity(u"Connecting..."_s);
+    QVERIFY(m_forms->isLoaded(u"frmPubProgress"_s));
+    QVERIFY(!m_view->isVisible());
+    m_view->makeVisible();
+    QVERIFY(m_view->isVisible());
+    QCOMPARE(label(u"lblProg"_s)->text(), u"Connecting..."_s);
+}
+
+void TestProgress::anUnloadedDialogIsMadeAnewWithItsTexts()
+{
+    m_view->makeVisible();
+    m_view->setActivity(u"busy"_s);
+    m_view->setCounter(u"Sending 1/2 emails..."_s);
+    m_forms->unload(u"frmPubProgress"_s);
+    QCOMPARE(m_view->counter(), u"Sending emails..."_s);
+    QCOMPARE(m_view->activity(), QString());
+    QVERIFY(!m_view->isVisible());
+}
+
+void TestProgress::hidingKeepsItsTexts()
+{
+    m_view->makeVisible();
+    m_view->setCounter(u"Sending 1/2 emails..."_s);
+    m_view->hide();
+    QVERIFY(!m_view->isVisible());
+    QCOMPARE(m_view->counter(), u"Sending 1/2 emails..."_s);
+}
+
+void TestProgress::theRestTextIsTheSameInEveryLanguage()
+{
+    QFile file(m_folder.filePath(u"tips.dll"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(
+        "[frmPubProgress]\r\nfrmPubProgress=Fortschritt\r\nlblQty=Mails werden gesendet\r\nsbtCancel=&Abbrechen\r\n");
+    file.close();
+    QCOMPARE(dialog()->windowTitle(), u"Fortschritt"_s);
+    QCOMPARE(button(u"sbtCancel"_s)->text(), u"&Abbrechen"_s);
+    QCOMPARE(m_view->counter(), u"Sending emails..."_s);
+}
+
+QTEST_MAIN(TestProgress)
+#include "test_progress.moc"

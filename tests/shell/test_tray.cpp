@@ -1,0 +1,279 @@
+#include "shell/trayicon.h"
+
+#include <QAction>
+#include <QFile>
+#include <QMainWindow>
+#include <QMenu>
+#include <QShowEvent>
+#include <QSystemTrayIcon>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+using corvane::TrayIcon;
+
+namespace {
+
+/// Each entry of the tray's menu and the command that it stands for.
+const std::array<std::pair<QString, QString>, 13> pairs = {{
+    {u"menth"_s, u"menhh"_s},
+    {u"mento"_s, u"menho"_s},
+    {u"mentf"_s, u"menhf"_s},
+    {u"mentw"_s, u"menhw"_s},
+    {u"mentb"_s, u"menhb"_s},
+    {u"mentr"_s, u"menhr"_s},
+    {u"mentc"_s, u"menhc"_s},
+    {u"mentl"_s, u"menhl"_s},
+    {u"mentt"_s, u"menht"_s},
+    {u"mente"_s, u"menhe"_s},
+    {u"menta"_s, u"menha"_s},
+    {u"mentx"_s, u"menfx"_s},
+    {u"mentu"_s, u"menfu"_s},
+}};
+
+/// Records whether it is shown while the restoring flag is set.
+class Window : public QMainWindow {
+    Q_OBJECT
+
+public:
+    bool restoring = false;
+    QList<bool> shows;
+
+protected:
+    void showEvent(QShowEvent *event) override
+    {
+        // The window system adds an event of its own when a window is no longer minimised.
+        if (!event->spontaneous()) {
+            shows.append(restoring);
+        }
+    }
+};
+
+} // namespace
+
+class TestTray : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void minimisingHidesTheWindowBehindTheIcon();
+    void withoutATrayTheWindowStaysMinimised();
+    void aLeftClickBringsTheWindowBack();
+    void aRightClickLeavesTheWindowWhereItIs();
+    void theMenuBringsTheWindowBack();
+    void theFlagIsSetWhileTheWindowIsShown();
+    void theFormerPlaceIsRestoredBeforeTheWindowShows();
+    void aSecondMinimiseAddsTheIconAgain();
+    void minimisingTwiceIsOneMinimise();
+    void entriesForwardToTheMainCommands();
+    void entriesAreDisabledWithTheirCommands();
+    void captionsComeFromTheDialogsSection();
+    void everyEntryHasACaptionOfItsOwn();
+    void takingDownRemovesTheIcon();
+
+private:
+    TrayIcon::Hooks hooks();
+    QAction *entry(const QString &name) { return m_tray->menu()->findChild<QAction *>(name); }
+
+    std::unique_ptr<Window> m_window;
+    std::unique_ptr<TrayIcon> m_tray;
+    bool m_available = true;
+    QStringList m_triggered;
+    QTemporaryDir m_folder;
+};
+
+TrayIcon::Hooks TestTray::hooks()
+{
+    TrayIcon::Hooks hooks;
+    hooks.mainItem = [this](const QString &name) { return m_window->findChild<QAction *>(name); };
+    hooks.setRestoring = [this](bool on) { m_window->restoring = on; };
+    hooks.trayAvailable = [this] { return m_available; };
+    return hooks;
+}
+
+void TestTray::init()
+{
+    m_available = true;
+    m_triggered.clear();
+    m_window = std::make_unique<Window>();
+    for (const auto &[name, main] : pairs) {
+        auto *item = new QAction(m_window.get());
+        item->setObjectName(main);
+        connect(item, &QAction::triggered, this, [this, item] { m_triggered.append(item->objectName()); });
+    }
+    m_tray = std::make_unique<TrayIcon>(m_window.get(), hooks(), m_folder.filePath(u"none.dll"_s));
+    m_window->showMinimized();
+    m_window->shows.clear();
+}
+
+void TestTray::cleanup()
+{
+    m_tray.reset();
+    m_window.reset();
+}
+
+void TestTray::minimisingHidesTheWindowBehindTheIcon()
+{
+    QVERIFY(!m_tray->inTray());
+    QVERIFY(m_tray->minimised());
+    QVERIFY(m_tray->inTray());
+    QVERIFY(!m_window->isVisible());
+    QVERIFY(!m_tray->icon()->icon().isNull());
+}
+
+void TestTray::withoutATrayTheWindowStaysMinimised()
+{
+    m_available = false;
+    QVERIFY(!m_tray->minimised());
+    QVERIFY(!m_tray->inTray());
+    QVERIFY(m_window->isVisible());
+    QVERIFY(m_window->isMinimized());
+}
+
+void TestTray::aLeftClickBringsTheWindowBack()
+{
+    m_tray->minimised();
+    Q_EMIT m_tray->icon()->activated(QSystemTrayIcon::Trigger);
+    QVERIFY(m_window->isVisible());
+    QVERIFY(!m_window->isMinimized());
+    QVERIFY(!m_tray->inTray());
+}
+
+void TestTray::aRightClickLeavesTheWindowWhereItIs()
+{
+    m_tray->minimised();
+    QCOMPARE(m_tray->icon()->contextMenu(), m_tray->menu());
+    QCOMPARE(m_tray->menu()->objectName(), u"ment"_s);
+    Q_EMIT m_tray->icon()->activated(QSystemTrayIcon::Context);
+    QVERIFY(!m_window->isVisible());
+    QVERIFY(m_tray->inTray());
+}
+
+void TestTray::theMenuBringsTheWindowBack()
+{
+    m_tray->minimised();
+    entry(u"ments"_s)->trigger();
+    QVERIFY(m_window->isVisible());
+    QVERIFY(!m_window->isMinimized());
+    QVERIFY(!m_tray->inTray());
+}
+
+void TestTray::theFlagIsSetWhileTheWindowIsShown()
+{
+    m_tray->minimised();
+    entry(u"ments"_s)->trigger();
+    QCOMPARE(m_window->shows, QList<bool>{true});
+    QVERIFY(!m_window->restoring);
+
+    m_window->shows.clear();
+    m_tray->minimised();
+    Q_EMIT m_tray->icon()->activated(QSystemTrayIcon::Trigger);
+    QCOMPARE(m_window->shows, QList<bool>{true});
+    QVERIFY(!m_window->restoring);
+}
+
+void TestTray::theFormerPlaceIsRestoredBeforeTheWindowShows()
+{
+    TrayIcon::Hooks withPlace = hooks();
+    bool shownBefore = true;
+    withPlace.restorePlacement = [&] {
+        shownBefore = m_window->isVisible();
+        m_window->setWindowState(Qt::WindowMaximized);
+    };
+    m_tray = std::make_unique<TrayIcon>(m_window.get(), withPlace, QString());
+    m_tray->minimised();
+    m_tray->restore();
+    QVERIFY(!shownBefore);
+    QVERIFY(m_window->isMaximized());
+}
+
+void TestTray::aSecondMinimiseAddsTheIconAgain()
+{
+    m_tray->minimised();
+    m_tray->restore();
+    m_window->showMinimized();
+    QVERIFY(m_tray->minimised());
+    QVERIFY(m_tray->inTray());
+    QVERIFY(!m_window->isVisible());
+}
+
+void TestTray::minimisingTwiceIsOneMinimise()
+{
+    QVERIFY(m_tray->minimised());
+    QVERIFY(m_tray->minimised());
+    m_tray->restore();
+    QVERIFY(!m_tray->inTray());
+    QCOMPARE(m_window->shows.size(), 1);
+    m_tray->restore();
+    QCOMPARE(m_window->shows.size(), 1);
+}
+
+void TestTray::entriesForwardToTheMainCommands()
+{
+    m_tray->minimised();
+    for (const auto &[name, main] : pairs) {
+        m_triggered.clear();
+        QVERIFY2(entry(name), qPrintable(name));
+        entry(name)->trigger();
+        QCOMPARE(m_triggered, QStringList{main});
+    }
+}
+
+void TestTray::entriesAreDisabledWithTheirCommands()
+{
+    m_window->findChild<QAction *>(u"menhl"_s)->setEnabled(false);
+    delete m_window->findChild<QAction *>(u"menha"_s);
+    m_tray->minimised();
+    QVERIFY(!entry(u"mentl"_s)->isEnabled());
+    QVERIFY(!entry(u"menta"_s)->isEnabled());
+    QVERIFY(entry(u"mentx"_s)->isEnabled());
+    QVERIFY(entry(u"ments"_s)->isEnabled());
+
+    m_window->findChild<QAction *>(u"menhl"_s)->setEnabled(true);
+    Q_EMIT m_tray->menu()->aboutToShow();
+    QVERIFY(entry(u"mentl"_s)->isEnabled());
+}
+
+void TestTray::captionsComeFromTheDialogsSection()
+{
+    QFile file(m_folder.filePath(u"menus.dll"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("[frmPubSender]\r\nments=&Zeigen\r\nmentx=&Beenden\r\n[frmPubMain]\r\nmenta=falsch\r\n");
+    file.close();
+    m_tray = std::make_unique<TrayIcon>(m_window.get(), hooks(), file.fileName());
+    QCOMPARE(entry(u"ments"_s)->text(), u"&Zeigen"_s);
+    QCOMPARE(entry(u"mentx"_s)->text(), u"&Beenden"_s);
+    QCOMPARE(entry(u"menta"_s)->text(), u"&About Corvane"_s);
+}
+
+void TestTray::everyEntryHasACaptionOfItsOwn()
+{
+    QStringList captions;
+    QStringList mnemonics;
+    const QList<QAction *> items = m_tray->menu()->actions();
+    for (const QAction *item : items) {
+        if (!item->isSeparator()) {
+            captions.append(item->text());
+            mnemonics.append(item->text().mid(item->text().indexOf(u'&') + 1, 1).toUpper());
+        }
+    }
+    QCOMPARE(captions.size(), 14);
+    QCOMPARE(captions.removeDuplicates(), 0);
+    QCOMPARE(mnemonics.removeDuplicates(), 0);
+}
+
+void TestTray::takingDownRemovesTheIcon()
+{
+    m_tray->minimised();
+    m_tray->takeDown();
+    QVERIFY(!m_tray->inTray());
+    QVERIFY(!m_window->isVisible());
+    m_tray->takeDown();
+    QVERIFY(!m_tray->inTray());
+}
+
+QTEST_MAIN(TestTray)
+#include "test_tray.moc"
