@@ -197,7 +197,8 @@ void TestLanguage::everyMenuCaptionIsInTheFile()
     for (const QString &key : menus.keys(u"frmPubMain"_s)) {
         QCOMPARE(captionOf(main, key), menus.value(u"frmPubMain"_s, key));
     }
-    for (const QMenu *menu : main.window->menuBar()->findChildren<QMenu *>()) {
+    static const QRegularExpression ours(u"^men"_s); // the bar has a menu of its own for what does not fit
+    for (const QMenu *menu : main.window->menuBar()->findChildren<QMenu *>(ours)) {
         QVERIFY2(menus.contains(u"frmPubMain"_s, menu->objectName()), qPrintable(menu->objectName()));
         for (const QAction *action : menu->actions()) {
             const bool arrayItem = action->objectName().contains(u"sa("_s) && !action->objectName().endsWith(u"(0)"_s);
