@@ -44,6 +44,7 @@ def serve(connection, context, starttls):
                 return
             buffered += data
         line, _, buffered = buffered.partition(b"\r\n")
+        line = line.upper()
         if line == b"DATA":
             connection.sendall(b"354 go\r\n")
             if not take_mail(connection):
@@ -76,6 +77,8 @@ def main():
     def accept():
         while True:
             connection, _ = listener.accept()
+            # As mail servers do: an answer must not wait for the acknowledgement of a session ticket.
+            connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
             threading.Thread(target=serve, args=(connection, context, options.starttls), daemon=True).start()
 
     threading.Thread(target=accept, daemon=True).start()

@@ -106,7 +106,8 @@ bool MailTransport::Send(const MailMessage &message)
             recipients += recipient.Address;
         }
     }
-    MailEncoder encoder;
+    // Each mail of a run has a transport of its own; what is known of the run's files outlives it here.
+    static MailEncoder encoder;
     return SendEncoded(encoder.encode(message, QDateTime::currentDateTime()), message.From.Address, recipients);
 }
 
