@@ -1,8 +1,10 @@
 #include "mailoctets.h"
 #include "quillon/mail/encodedmail.h"
 #include "quillon/mail/mailheaders.h"
+#include "quillon/mail/transfercoding.h"
 
 #include <QMap>
+#include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
@@ -36,6 +38,7 @@ private Q_SLOTS:
     void fileNamesFollowRfc2231();
     void sizeIsExact();
     void everyLineIsShortSevenBitAndEndsWithCrLf();
+    void anyOctetsComeBackFromQuotedPrintable();
     void plainTextBeyondItsCharsetIsUtf8();
     void unusableCharsetIsUtf8();
     void plainShortTextTravelsAsItIs();
@@ -327,6 +330,37 @@ void TestMailEncoder::everyLineIsShortSevenBitAndEndsWithCrLf()
             QVERIFY(std::all_of(octets.begin(), octets.end(), [](char c) {
                 return (c >= ' ' && c < '\x7f') || c == '\r' || c == '\n' || c == '\t';
             }));
+        }
+    }
+}
+
+void TestMailEncoder::anyOctetsComeBackFromQuotedPrintable()
+{
+    QRandomGenerator random(20261121);
+    const QByteArray alphabet = "\r\n\t =.Fa\xC3\x01";
+    for (int i = 0; i < 20000; ++i) {
+        QByteArray octets;
+        const int kinds = 1 + random.bounded(static_cast<int>(alphabet.size()));
+        for (int length = random.bounded(400); length > 0; --length) {
+            octets += random.bounded(40) == 0 ? QByteArray("From ") : QByteArray(1, alphabet[random.bounded(kinds)]);
+        }
+        QByteArray coded;
+        appendQuotedPrintable(coded, octets, true);
+        QVERIFY(coded.isEmpty() || coded.endsWith("\r\n"));
+        QByteArray decoded;
+        for (qsizetype at = 0; at < coded.size(); ++at) {
+            if (coded[at] != '=') {
+                decoded += coded[at];
+            } else if (coded.mid(at, 3) != "=\r\n") {
+                decoded += QByteArray::fromHex(coded.mid(at + 1, 2));
+                at += 2;
+            } else {
+                at += 2;
+            }
+        }
+        QCOMPARE(decoded, octets);
+        for (const QByteArray &line : coded.split('\n')) {
+            QVERIFY2(line.size() <= 77 && !line.startsWith("From ") && !line.endsWith(" \r"), line.constData());
         }
     }
 }
