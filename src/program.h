@@ -2,6 +2,7 @@
 
 #include "core/globals.h"
 #include "quillon/forms/formregistry.h"
+#include "quillon/forms/qtopener.h"
 #include "quillon/forms/qtprompts.h"
 #include "recipients/inputprompts.h"
 #include "sending/forms/formprogressview.h"
@@ -41,6 +42,7 @@ private:
     bool m_stopOnFault;
     quillon::FormRegistry m_forms;
     quillon::QtPrompts m_asker;
+    quillon::QtOpener m_opener;
     InputPrompts m_recipients;
     FormProgressView m_progress;
     std::unique_ptr<frmPubMain> m_main;

@@ -29,15 +29,7 @@ void LineFile::replace(qsizetype index, const QString &line)
 
 bool LineFile::save() const
 {
-    if (!m_readable) {
-        return false;
-    }
-    QByteArray bytes;
-    for (const QByteArray &line : m_lines) {
-        bytes += line;
-        bytes += "\r\n";
-    }
-    return writeWholeFile(m_path, bytes);
+    return m_readable && writeWholeFile(m_path, joinLines(m_lines));
 }
 
 } // namespace quillon

@@ -23,20 +23,23 @@ bool lineMatches(const QString &line, const QString &key, const QString &delimit
     return field >= 0 && field < fields.size() && fields.at(field) == key;
 }
 
-/// What must stand in front of an appended line: a line end when the last line has none yet.
+/// What an appended line finds at the end of its file.
 struct FileEnd {
+    bool empty = true; ///< the line will be the first
     bool utf16 = false;
-    bool open = false;
+    bool open = false; ///< the last line has no line end yet
 };
 
 FileEnd lookAtEnd(const QString &path)
 {
     FileEnd end;
     QFile file(existingPath(path));
-    if (file.exists() && QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly) && file.size() > 0) {
-        end.utf16 = isUtf16(file.read(2));
+    if (QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly) && file.size() > 0) {
+        const QByteArray start = file.read(4);
         char last = '\n';
-        end.open = file.seek(file.size() - 1) && file.getChar(&last) && last != '\n';
+        end.empty = false;
+        end.utf16 = isUtf16(start);
+        end.open = !isMarkOnly(start) && file.seek(file.size() - 1) && file.getChar(&last) && last != '\n';
     }
     return end;
 }
@@ -65,6 +68,8 @@ void QuillonLines::AppendLines(const QString &path, const QStringList &lines) co
         }
     } else if (end.open) {
         bytes.prepend("\r\n");
+    } else if (end.empty) {
+        bytes = guardedFromMark(bytes);
     }
     appendToFile(path, bytes);
 }
@@ -128,9 +133,7 @@ void QuillonLines::WriteTextFile(const QString &path, const QString &text, const
         reportFault(u"text files are written as utf-8 only, not as '"_s + charset + u'\'');
         return;
     }
-    // A text that begins with what a reader takes for a byte-order mark gets a real one in front of it.
-    const QByteArray mark = text.startsWith(u'\uFEFF') ? QByteArrayLiteral("\xEF\xBB\xBF") : QByteArray();
-    writeWholeFile(path, mark + encodeText(text));
+    writeWholeFile(path, guardedFromMark(encodeText(text)));
 }
 
 QString QuillonLines::ReadTextFile(const QString &path) const

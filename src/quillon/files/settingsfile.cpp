@@ -225,11 +225,11 @@ bool SettingsFile::save()
         reportFault(u"a settings file that could not be read is not rewritten: '"_s + m_path + u'\'');
         return false;
     }
-    QByteArray bytes;
+    QList<QByteArray> lines;
     for (const Line &line : std::as_const(m_lines)) {
-        bytes += line.bytes + "\r\n";
+        lines.append(line.bytes);
     }
-    return writeWholeFile(m_path, bytes);
+    return writeWholeFile(m_path, joinLines(lines));
 }
 
 } // namespace quillon

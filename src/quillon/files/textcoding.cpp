@@ -104,4 +104,24 @@ QList<QByteArray> splitLines(const QByteArray &bytes)
     return lines;
 }
 
+QByteArray guardedFromMark(const QByteArray &bytes)
+{
+    return bytes.startsWith(utf8Mark) || isUtf16(bytes) ? utf8Mark + bytes : bytes;
+}
+
+bool isMarkOnly(const QByteArray &bytes)
+{
+    return bytes == utf8Mark;
+}
+
+QByteArray joinLines(const QList<QByteArray> &lines)
+{
+    QByteArray bytes;
+    for (const QByteArray &line : lines) {
+        bytes += line;
+        bytes += "\r\n";
+    }
+    return guardedFromMark(bytes);
+}
+
 } // namespace quillon

@@ -24,4 +24,14 @@ namespace quillon {
 /// True when the file begins with the byte-order mark of UTF-16, so that nothing may be appended to it as it stands.
 [[nodiscard]] bool isUtf16(const QByteArray &bytes);
 
+/// The octets of a whole file as they can stand in it: what begins like a byte-order mark, and is none, gets a real one
+/// in front of it.
+[[nodiscard]] QByteArray guardedFromMark(const QByteArray &bytes);
+
+/// True when a file holds nothing but a byte-order mark.
+[[nodiscard]] bool isMarkOnly(const QByteArray &bytes);
+
+/// Lines as a file: each ended by CR LF, guarded as in guardedFromMark().
+[[nodiscard]] QByteArray joinLines(const QList<QByteArray> &lines);
+
 } // namespace quillon

@@ -32,6 +32,9 @@ private Q_SLOTS:
     void otherLinesKeepTheirOctets();
     void textFileComesBackAsWritten();
     void textFileComesBackAsWritten_data();
+    void lineThatBeginsLikeAByteOrderMarkStaysALine();
+    void lineThatBecomesTheFirstKeepsItsOctets();
+    void appendToAMarkAloneAddsNoBlankLine();
     void textFileOfAnotherProgramIsRead();
     void textFileInAnotherCharsetIsAFault();
     void longLinesAndControlCharactersSurvive();
@@ -185,6 +188,35 @@ void TestLines::textFileComesBackAsWritten()
     QFETCH(const QString, text);
     m_lines.WriteTextFile(path(), text, u"utf-8"_s);
     QCOMPARE(m_lines.ReadTextFile(path()), text);
+}
+
+void TestLines::lineThatBeginsLikeAByteOrderMarkStaysALine()
+{
+    m_lines.AppendLine(path(), u"\uFEFFfirst"_s);
+    m_lines.AppendLine(path(), u"\uFEFFsecond"_s);
+    QCOMPARE(m_lines.ReadLines(path()), QStringList({u"\uFEFFfirst"_s, u"\uFEFFsecond"_s}));
+}
+
+void TestLines::lineThatBecomesTheFirstKeepsItsOctets()
+{
+    for (const QByteArray &line : {QByteArray("\xEF\xBB\xBF"
+                                              "a"),
+                                   QByteArray("\xFF\xFE"
+                                              "a"),
+                                   QByteArray("\xFE\xFF"
+                                              "a")}) {
+        write("drop\r\n" + line + "\r\n");
+        const QString before = m_lines.ReadLines(path()).constLast();
+        m_lines.DeleteLineByKey(path(), u"drop"_s, QString(), 0);
+        QCOMPARE(m_lines.ReadLines(path()), QStringList{before});
+    }
+}
+
+void TestLines::appendToAMarkAloneAddsNoBlankLine()
+{
+    write("\xEF\xBB\xBF");
+    m_lines.AppendLine(path(), u"first"_s);
+    QCOMPARE(m_lines.ReadLines(path()), QStringList{u"first"_s});
 }
 
 void TestLines::textFileOfAnotherProgramIsRead()
