@@ -19,12 +19,12 @@ struct Command {
         RichOnly, ///< only while the rich editor's design view is shown
     };
 
-    QString item;               ///< menu item, or empty
-    QString tool;               ///< toolbar button, or empty
-    QStringList buttons;        ///< command buttons
-    std::function<void()> run;  ///< empty while the command is not there yet: all that reach it are disabled
+    QString item;              ///< menu item, or empty
+    QString tool;              ///< toolbar button, or empty
+    QStringList buttons;       ///< command buttons
+    std::function<void()> run; ///< empty while the command is not there yet: all that reach it are disabled
     Where where = Anywhere;
-    QStringList follow = {};    ///< other controls that are disabled with it
+    QStringList follow = {}; ///< other controls that are disabled with it
 };
 
 /// The table of commands over the controls of the window: menu items, toolbar and buttons run the same handlers and

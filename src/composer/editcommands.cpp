@@ -25,6 +25,12 @@ bool isTextControl(const QString &objectName)
 
 EditCommands::EditCommands(QWidget *form) : QObject(form), m_form(form) {}
 
+EditCommands::Target EditCommands::changeable() const
+{
+    const Target to = target();
+    return to.line && to.line->isReadOnly() ? Target() : to;
+}
+
 EditCommands::Target EditCommands::target() const
 {
     QWidget *active = m_form->focusWidget();
@@ -42,7 +48,7 @@ EditCommands::Target EditCommands::target() const
 
 void EditCommands::undo()
 {
-    if (const Target to = target(); to.line) {
+    if (const Target to = changeable(); to.line) {
         to.line->undo();
     } else if (to.box) {
         to.box->undo();
@@ -51,7 +57,7 @@ void EditCommands::undo()
 
 void EditCommands::cut()
 {
-    if (const Target to = target(); to.line) {
+    if (const Target to = changeable(); to.line) {
         to.line->cut();
     } else if (to.box) {
         to.box->cut();
@@ -69,7 +75,7 @@ void EditCommands::copy()
 
 void EditCommands::paste()
 {
-    if (const Target to = target(); to.line) {
+    if (const Target to = changeable(); to.line) {
         to.line->paste();
     } else if (to.box) {
         to.box->paste();
@@ -78,8 +84,8 @@ void EditCommands::paste()
 
 void EditCommands::clearSelection()
 {
-    if (const Target to = target(); to.line) {
-        if (to.line->hasSelectedText() && !to.line->isReadOnly()) {
+    if (const Target to = changeable(); to.line) {
+        if (to.line->hasSelectedText()) {
             to.line->del();
         }
         to.line->setFocus();

@@ -36,6 +36,8 @@ private:
         QPlainTextEdit *box = nullptr;
     };
     [[nodiscard]] Target target() const;
+    /// The same, but nothing for a box that can only be read.
+    [[nodiscard]] Target changeable() const;
 
     QWidget *m_form;
 };

@@ -6,6 +6,8 @@
 #include <QAction>
 #include <QActionGroup>
 #include <QComboBox>
+#include <QEvent>
+#include <QLineEdit>
 #include <QMenu>
 
 using namespace Qt::StringLiterals;
@@ -15,6 +17,9 @@ namespace corvane {
 EncodingChoice::EncodingChoice(QComboBox *shown, QComboBox *hidden, QMenu *menu, QAction *base)
     : QObject(menu), m_shown(shown), m_hidden(hidden), m_menu(menu), m_base(base)
 {
+    // Picked from the list only; a message may still bring a name that is not in it.
+    m_shown->lineEdit()->setReadOnly(true);
+    m_shown->lineEdit()->installEventFilter(this);
     connect(m_shown, &QComboBox::editTextChanged, this, &EncodingChoice::mark);
     connect(m_menu, &QMenu::triggered, this, [this](const QAction *item) {
         setComboText(m_shown, itemCaption(item));
@@ -58,6 +63,15 @@ QString EncodingChoice::displayName(const QString &code)
         }
     }
     return {};
+}
+
+bool EncodingChoice::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::MouseButtonRelease && m_shown->isEnabled()) {
+        m_shown->showPopup(); // there is nothing to type here
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void EncodingChoice::mark(const QString &name)

@@ -26,6 +26,9 @@ public:
     /// which gives an empty name. An empty code is that of "Unicode (UTF-8)".
     QString displayName(const QString &code);
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void mark(const QString &name);
 

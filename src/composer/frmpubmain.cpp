@@ -35,7 +35,7 @@ namespace corvane {
 namespace {
 
 constexpr int standardFontSize = 10;
-constexpr int encodingWidth = 40; // characters
+constexpr int encodingWidth = 40;        // characters
 constexpr double toolbarFontScale = 0.9; // lets all captions fit on a screen of 1024 pixels
 const QString versionText = u"5.22"_s;
 
@@ -104,7 +104,6 @@ void frmPubMain::prepareControls()
 void frmPubMain::prepareContent()
 {
     auto *encoding = findChild<QComboBox *>(u"cbb(2)"_s);
-    encoding->lineEdit()->setReadOnly(true); // picked from the list; a message may still bring another one
     encoding->setMaximumWidth(fontMetrics().averageCharWidth() * encodingWidth);
     auto *attachments = findChild<QListWidget *>(u"lsv(0)"_s);
     attachments->setFlow(QListView::LeftToRight);
@@ -115,8 +114,7 @@ void frmPubMain::prepareContent()
     attachments->setIconSize(QSize(icon, icon));
     attachments->setSelectionMode(QAbstractItemView::SingleSelection);
     findChild<QComboBox *>(u"cbb(4)"_s)->addItems(QFontDatabase::families());
-    findChild<QComboBox *>(u"cbb(5)"_s)
-        ->addItems({u"8"_s, u"10"_s, u"12"_s, u"14"_s, u"18"_s, u"24"_s, u"36"_s});
+    findChild<QComboBox *>(u"cbb(5)"_s)->addItems({u"8"_s, u"10"_s, u"12"_s, u"14"_s, u"18"_s, u"24"_s, u"36"_s});
     const QList<QComboBox *> combos = findChildren<QComboBox *>();
     for (QComboBox *combo : combos) {
         combo->setCurrentIndex(-1);
@@ -124,6 +122,9 @@ void frmPubMain::prepareContent()
             combo->setCompleter(nullptr); // what stands in a field is what was typed or picked
         }
     }
+    findChild<QWidget *>(u"sst"_s)->setAccessibleName(u"Views of the email content"_s);
+    findChild<QWidget *>(u"dhe"_s)->setAccessibleName(u"Email content"_s);
+    findChild<QWidget *>(u"web"_s)->setAccessibleName(u"Preview of the email content"_s);
     auto *priorities = new QActionGroup(this);
     for (const int item : {0, 1, 2}) {
         priorities->addAction(findChild<QAction *>(u"menosh(%1)"_s.arg(item)));
@@ -135,8 +136,8 @@ void frmPubMain::makeConcerns()
     MainControls &c = *m_controls;
     m_account = new AccountFields(c.cbb[6], {{{c.cbb[0], c.opt[0], c.opt[1]}, {c.cbb[1], c.opt[2], c.opt[3]}}},
                                   m_hooks.findSmtpRecord, m_globals.sender);
-    m_encodings = new EncodingChoice(c.cbb[2], c.cbb[3], findChild<QMenu *>(u"menoes"_s),
-                                     findChild<QAction *>(u"menoesa(0)"_s));
+    m_encodings =
+        new EncodingChoice(c.cbb[2], c.cbb[3], findChild<QMenu *>(u"menoes"_s), findChild<QAction *>(u"menoesa(0)"_s));
     m_edit = new EditCommands(this);
     m_layout = new ContentLayout(c.header, c.utbContent, c.menve, c.tlbExpand);
     m_views = new ContentViews({c.opt[8], c.opt[9], c.menor, c.menop, c.sst, c.formattingBar, c.utbContent},
@@ -149,8 +150,7 @@ void frmPubMain::makeConcerns()
         c, MainWindowMessage::Rules{*m_account, *m_views, *m_layout, m_globals.system});
     m_placement = new WindowPlacement(this, m_globals);
     new GrowingBoxes(c.txt, c.attachments, c.header, centralWidget());
-    m_commands = new CommandTable(
-        this, mainCommands({m_hooks, m_globals, *m_message, *m_edit, *m_layout, *m_views}));
+    m_commands = new CommandTable(this, mainCommands({m_hooks, m_globals, *m_message, *m_edit, *m_layout, *m_views}));
     new PopUps(this, {c.colorPopUp, c.lstFilter});
     new StatusHints(this, statusBar(), c.panel[1], c.panel[2], [this](int panel) { clickPanel(panel); });
 }

@@ -111,8 +111,8 @@ void GrowingBoxes::measure()
 
 void GrowingBoxes::arrange(const Box &box) const
 {
-    box.box->setGeometry(QRect(box.place->mapTo(m_ground, QPoint(0, 0)),
-                               QSize(box.place->width(), m_row * box.twips / OneRow)));
+    box.box->setGeometry(
+        QRect(box.place->mapTo(m_ground, QPoint(0, 0)), QSize(box.place->width(), m_row * box.twips / OneRow)));
 }
 
 bool GrowingBoxes::eventFilter(QObject *watched, QEvent *event)

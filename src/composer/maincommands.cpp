@@ -117,7 +117,7 @@ std::vector<Command> formatCommands(const CommandTargets &t)
         {u"menof"_s, {}, {}, {}, Command::RichOnly, {u"cbb(4)"_s, u"cbb(5)"_s}},
         {u"menoi"_s, {}, {u"sbt(17)"_s}, {}, Command::RichOnly},
         {u"menod"_s, {}, {u"sbt(16)"_s}, {}, Command::RichOnly},
-        {u"menobi"_s, {}, {}, {}, Command::RichOnly},
+        {u"menobi"_s, {}, {}, {}, Command::RichOnly, {u"menob"_s}},
         {u"menobc"_s, {}, {}, {}, Command::RichOnly},
         {u"menobs"_s, {}, {}, {}, Command::RichOnly},
         {u"menosh(0)"_s, {}, {}, turnCheckMark},

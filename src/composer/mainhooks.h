@@ -9,17 +9,17 @@ namespace corvane {
 /// What the main window asks of the rooms that it does not know. An empty hook is a service that is not there: a
 /// command that needs it is disabled, a step of the loading is left out.
 struct MainHooks {
-    std::function<void()> send;                               ///< the send run, `menfs`
-    std::function<void(bool stopScheduler)> exitProgram;      ///< `menfx` with true, `menfu` with false
-    std::function<QString(const QString &)> findSmtpRecord;   ///< the account's line for a text of the account box
-    std::function<bool()> optionsOpen;                        ///< frmPubOptions is open: its refills mark no change
-    std::function<bool()> showProgress;                       ///< a click on the status bar; true: it was used
+    std::function<void()> send;                             ///< the send run, `menfs`
+    std::function<void(bool stopScheduler)> exitProgram;    ///< `menfx` with true, `menfu` with false
+    std::function<QString(const QString &)> findSmtpRecord; ///< the account's line for a text of the account box
+    std::function<bool()> optionsOpen;                      ///< frmPubOptions is open: its refills mark no change
+    std::function<bool()> showProgress;                     ///< a click on the status bar; true: it was used
 
     // Steps of the loading, in this order.
     std::function<void()> checkForUpdate;
-    std::function<void()> loadLists;      ///< accounts, senders, signatures, macros
-    std::function<void()> addSignature;   ///< the automatic signature
-    std::function<void()> checkAccount;   ///< the question whether to set up an account
+    std::function<void()> loadLists;    ///< accounts, senders, signatures, macros
+    std::function<void()> addSignature; ///< the automatic signature
+    std::function<void()> checkAccount; ///< the question whether to set up an account
     std::function<void()> installTray;
     std::function<void()> readPrompts;
 

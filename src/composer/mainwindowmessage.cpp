@@ -39,6 +39,12 @@ qint64 sizeOf(const QString &path)
     return size;
 }
 
+/// A field of one line holds one line, even when several were pasted into it.
+QString inOneLine(const QString &text)
+{
+    return withCrLf(text).replace(u"\r\n"_s, u" "_s);
+}
+
 QString rowText(const QString &path)
 {
     const QString name = path.section(u'/', -1);
@@ -90,13 +96,13 @@ QString MainWindowMessage::text(Field field) const
 {
     QWidget *holder = control(field);
     if (const auto *combo = qobject_cast<QComboBox *>(holder)) {
-        return withCrLf(combo->currentText());
+        return inOneLine(combo->currentText());
     }
     if (const auto *box = qobject_cast<QPlainTextEdit *>(holder)) {
         return textOf(box);
     }
     if (const auto *line = qobject_cast<QLineEdit *>(holder)) {
-        return withCrLf(line->text());
+        return inOneLine(line->text());
     }
     return m_controls.dhe->documentHtml();
 }

@@ -43,7 +43,7 @@ void StatusHints::watchMenu(QMenu *menu)
             return;
         }
         show(u' ' + quillon::QuillonSystem().ReadSetting(languageFolder() + u"/menutips.dll"_s, u"frmPubMain"_s,
-                                                          itemCaption(item)));
+                                                         itemCaption(item)));
     });
 }
 

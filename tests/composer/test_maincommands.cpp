@@ -1,7 +1,6 @@
-#include "mainfixture.h"
-
 #include "composer/commandtable.h"
 #include "composer/contentlayout.h"
+#include "mainfixture.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -61,6 +60,7 @@ private Q_SLOTS:
     void redoOnATextBoxUndoesAgain();
     void editCommandsWorkOnTheContent();
     void editCommandsWorkOnAComboBox();
+    void editCommandsLeaveTheEncodingAsItIs();
     void editCommandsLeaveOtherControlsAlone();
     void deleteClearsTheSelectionAndNothingElse();
     void selectAllTakesTheWholeText();
@@ -75,12 +75,6 @@ private Q_SLOTS:
     void openLogFolderOpensIt();
     void receiptTogglesItsMark();
     void oneByOneShowsOnTheToolbar();
-    void mouseOverAControlShowsItsTip();
-    void mouseOverTheWindowShowsReady();
-    void menuItemsShowTheirHelpLine();
-    void aSubMenuShowsNoHelpLine();
-    void whileASendRunsNothingChangesTheSendingText();
-    void aClickOnTheStatusBarShowsTheProgress();
     void aMissingTextFileLeavesEmptyBoxesThatStillWait();
 };
 
@@ -227,6 +221,20 @@ void TestMainCommands::editCommandsWorkOnAComboBox()
     QCOMPARE(sender->currentText(), QString());
     main.item(u"menep"_s)->trigger();
     QCOMPARE(sender->currentText(), u"ann@example.com"_s);
+}
+
+void TestMainCommands::editCommandsLeaveTheEncodingAsItIs()
+{
+    MainFixture main;
+    QGuiApplication::clipboard()->setText(u"clip"_s);
+    main.combo(2)->setFocus();
+    main.combo(2)->lineEdit()->selectAll();
+    for (const char16_t *item : {u"meneu", u"menet", u"mened", u"menep"}) {
+        main.item(QString::fromUtf16(item))->trigger();
+        QCOMPARE(main.message().text(Field::Encoding), u"Unicode (UTF-8)"_s);
+    }
+    main.item(u"menec"_s)->trigger();
+    QCOMPARE(QGuiApplication::clipboard()->text(), u"Unicode (UTF-8)"_s);
 }
 
 void TestMainCommands::editCommandsLeaveOtherControlsAlone()
@@ -413,92 +421,6 @@ void TestMainCommands::oneByOneShowsOnTheToolbar()
     main.window->ResetMessageOptions();
     QVERIFY(!tool(main, u"OBO"_s)->isChecked());
     QVERIFY(!main.message().oneByOne());
-}
-
-void TestMainCommands::mouseOverAControlShowsItsTip()
-{
-    MainFixture main;
-    auto *subject = main.get<QLineEdit>(u"utbSubject"_s);
-    QTest::mouseMove(subject, QPoint(3, 3));
-    QCOMPARE(main.panel(), subject->toolTip() + u' ');
-    QPlainTextEdit *to = main.recipients(0);
-    QTest::mouseMove(to->viewport(), QPoint(3, 3));
-    QCOMPARE(main.panel(), to->toolTip() + u' ');
-    // The way back to the same control after something else wrote to the panel.
-    main.message().setStatusText(u" Something"_s);
-    QTest::mouseMove(to->viewport(), QPoint(5, 4));
-    QCOMPARE(main.panel(), to->toolTip() + u' ');
-}
-
-void TestMainCommands::mouseOverTheWindowShowsReady()
-{
-    MainFixture main;
-    QTest::mouseMove(main.get<QLineEdit>(u"utbSubject"_s), QPoint(3, 3));
-    QVERIFY(main.panel() != u" Ready."_s);
-    QEvent enter(QEvent::Enter);
-    QCoreApplication::sendEvent(main.window->centralWidget(), &enter);
-    QCOMPARE(main.panel(), u" Ready."_s);
-    QCoreApplication::sendEvent(main.get(u"dhe"_s), &enter);
-    QCOMPARE(main.panel(), u" Email content."_s);
-}
-
-void TestMainCommands::menuItemsShowTheirHelpLine()
-{
-    MainFixture main;
-    int shown = 0;
-    for (QMenu *menu : main.window->menuBar()->findChildren<QMenu *>()) {
-        for (QAction *action : menu->actions()) {
-            const bool array = action->objectName().startsWith(u"menoesa("_s);
-            if (action->isSeparator() || action->menu<QMenu *>() || array) {
-                continue;
-            }
-            main.message().setStatusText(u" Ready."_s);
-            action->hover();
-            QVERIFY2(main.panel().startsWith(u' ') && main.panel().size() > 5 && main.panel() != u" Ready."_s,
-                     qPrintable(action->text() + u" shows"_s + main.panel()));
-            ++shown;
-        }
-    }
-    QVERIFY(shown > 60);
-    main.item(u"menfs"_s)->hover();
-    QCOMPARE(main.panel(), u" Sends this message now."_s);
-}
-
-void TestMainCommands::aSubMenuShowsNoHelpLine()
-{
-    MainFixture main;
-    main.message().setStatusText(u" Before"_s);
-    main.get<QMenu>(u"menoes"_s)->menuAction()->hover();
-    QCOMPARE(main.panel(), u" Before"_s);
-}
-
-void TestMainCommands::whileASendRunsNothingChangesTheSendingText()
-{
-    MainFixture main;
-    const QString sending = u" Sending email, please click here to display the progress..."_s;
-    main.message().setStatusText(sending);
-    QTest::mouseMove(main.get<QLineEdit>(u"utbSubject"_s), QPoint(3, 3));
-    QCOMPARE(main.panel(), sending);
-    main.item(u"menfs"_s)->hover();
-    QCOMPARE(main.panel(), sending);
-    main.message().setStatusText(u" Ready."_s);
-    QTest::mouseMove(main.get<QLineEdit>(u"utbSubject"_s), QPoint(5, 3));
-    QVERIFY(main.panel() != u" Ready."_s);
-}
-
-void TestMainCommands::aClickOnTheStatusBarShowsTheProgress()
-{
-    int clicks = 0;
-    MainFixture main([&clicks](MainFixture &m) {
-        m.hooks.showProgress = [&clicks] {
-            ++clicks;
-            return true;
-        };
-    });
-    QTest::mouseClick(main.get<QLabel>(u"stb(1)"_s), Qt::LeftButton);
-    QTest::mouseClick(main.get<QLabel>(u"stb(2)"_s), Qt::LeftButton);
-    QTest::mouseClick(main.window->statusBar(), Qt::LeftButton);
-    QCOMPARE(clicks, 3);
 }
 
 void TestMainCommands::aMissingTextFileLeavesEmptyBoxesThatStillWait()
