@@ -118,7 +118,7 @@ void Program::checkAccount() const
 
 bool Program::showProgress()
 {
-    const bool counting = m_forms.isLoaded(progressForm) && m_progress.counter() != "Sending emails..."_L1;
+    const bool counting = m_forms.isLoaded(progressForm) && m_progress.counter() != QStringView(progressRestText);
     if (counting) {
         m_progress.makeVisible();
     }

@@ -102,15 +102,15 @@ RunValues takeValues(const MessageWindow &window)
     values.oneByOne = window.oneByOne();
     values.attachments = window.attachmentPaths();
     values.subject = window.text(Field::Subject).trimmed();
-    values.content = liveContent(window);
+    values.content = contentOf(window, values.format);
     return values;
 }
 
 } // namespace
 
-QString liveContent(const MessageWindow &window)
+QString contentOf(const MessageWindow &window, MessageWindow::Format format)
 {
-    return window.text(window.format() == MessageWindow::Format::Plain ? Field::PlainContent : Field::RichContent);
+    return window.text(format == MessageWindow::Format::Plain ? Field::PlainContent : Field::RichContent);
 }
 
 std::optional<RunValues> checkMessage(const ApplicationGlobals &globals, MessageWindow &window)

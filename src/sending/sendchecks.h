@@ -34,8 +34,8 @@ struct RunValues {
     QString content;
 };
 
-/// The text that the message's body has in its format.
-[[nodiscard]] QString liveContent(const MessageWindow &window);
+/// The text that the message's body has now in that format.
+[[nodiscard]] QString contentOf(const MessageWindow &window, MessageWindow::Format format);
 
 /// Takes the fields and checks them in their order. The first fault is shown, puts the focus on its field or opens
 /// the options on its tab, and gives nothing.

@@ -7,6 +7,7 @@
 #include "records/accountrecords.h"
 #include "sending/connection.h"
 #include "sending/messagefill.h"
+#include "sending/onebyone.h"
 
 using namespace Qt::StringLiterals;
 
@@ -14,7 +15,7 @@ namespace corvane {
 
 namespace {
 
-const QString counterAtRest = u"Sending emails..."_s;
+const QString counterAtRest = QString::fromUtf16(progressRestText);
 const QString manualRun = u"M"_s;
 const QString automaticRun = u"A"_s;
 
@@ -66,7 +67,8 @@ void SendRun::carryOut(const RunValues &values)
                                   m_prompts.upsSavePrompts(values.to, values.cc, values.bcc);
                                   m_prompts.upsReadPrompts();
                               }});
-        deliverToAll({values, log, accountRecord, proxyRecord, message});
+        const Delivery delivery{values, log, accountRecord, proxyRecord, message};
+        values.oneByOne ? deliverOneByOne(delivery) : deliverToAll(delivery);
     } else {
         reportFailedConnection(accountRecord, log);
     }
@@ -107,6 +109,15 @@ void SendRun::deliverToAll(const Delivery &delivery)
     delivery.log.line(LookupText(key));
     showMessage(key, sent ? quillon::InformationBox : quillon::WarningBox);
     m_transport->Quit();
+}
+
+void SendRun::deliverOneByOne(const Delivery &delivery)
+{
+    sendOneByOne(delivery.message, {m_globals, m_window, m_progress, delivery.values, delivery.log},
+                 {[this] { m_transport->Quit(); },
+                  [&] { connectTransport(delivery.accountRecord, delivery.proxyRecord); },
+                  [this](const quillon::MailMessage &message) { return m_transport->Send(message); },
+                  [this] { return m_abandoned; }});
 }
 
 void SendRun::transportFailed(const QString &text) const

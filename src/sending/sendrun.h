@@ -45,6 +45,7 @@ private:
     bool connectTransport(const QString &accountRecord, const QString &proxyRecord);
     void reportFailedConnection(const QString &accountRecord, const SendingLog &log) const;
     void deliverToAll(const Delivery &delivery);
+    void deliverOneByOne(const Delivery &delivery);
     void transportFailed(const QString &text) const;
     void transportProgressed(const QString &text);
     void finish(const SendingLog &log);

@@ -19,9 +19,10 @@ public:
         tree.prepare();
         corvane::seedMacros(tree.globals);
         QByteArray texts = "[Message & Text]\r\n";
-        for (const char *key : {"OTHER_RUN", "PROXY_ADDRESS", "PROXY_USER", "NEED_SMTP_S", "SENDER", "INVALID_SENDER",
-                                "REPLY", "INVALID_REPLY", "NEED_RECEIVERS", "INVALID_TO", "INVALID_CC", "INVALID_BCC",
-                                "CONN_FAILED", "SENT_SUCC", "SENT_UNSUCC"}) {
+        for (const char *key :
+             {"OTHER_RUN", "PROXY_ADDRESS", "PROXY_USER", "NEED_SMTP_S", "SENDER", "INVALID_SENDER", "REPLY",
+              "INVALID_REPLY", "NEED_RECEIVERS", "INVALID_TO", "INVALID_CC", "INVALID_BCC", "CONN_FAILED", "SENT_SUCC",
+              "SENT_UNSUCC", "SENT_SUCCA", "SENT_SUCCB", "SENT_UNSUCCB", "FAIL_ADDR"}) {
             texts += QByteArray(key) + "=text of " + key + "\r\n";
         }
         writeFile(tree.globals.programFolder + u"/tips.dll"_s, texts);

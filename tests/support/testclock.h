@@ -4,6 +4,8 @@
 
 #include <QList>
 
+#include <functional>
+
 /// A clock that stands still; waits return at once and are recorded.
 class TestClock : public quillon::Clock {
 public:
@@ -13,10 +15,17 @@ public:
     TestClock &operator=(const TestClock &) = delete;
 
     [[nodiscard]] QDateTime now() const override { return present; }
-    void wait(qint64 milliseconds) override { waits.append(milliseconds); }
+    void wait(qint64 milliseconds) override
+    {
+        waits.append(milliseconds);
+        if (whileWaiting) {
+            whileWaiting();
+        }
+    }
 
     QDateTime present;
     QList<qint64> waits;
+    std::function<void()> whileWaiting; ///< what the user does meanwhile
 
 private:
     quillon::Clock *m_before;

@@ -1,0 +1,151 @@
+#include "sending/onebyone.h"
+
+#include "core/recipiententry.h"
+#include "core/texts.h"
+#include "macros/expansion.h"
+#include "quillon/fault.h"
+
+#include <QCoreApplication>
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+namespace {
+
+constexpr int millisecondsPerSecond = 1000;
+
+using quillon::MailAddressList;
+using quillon::MailMessage;
+
+/// Who got their mail and who did not, each entry with ", " behind it.
+struct Outcome {
+    qint16 sent = 0;
+    QString successes;
+    QString failures;
+};
+
+MailAddressList rollOf(const MailMessage &message)
+{
+    MailAddressList roll;
+    for (const MailAddressList *list : {&message.To, &message.CC, &message.BCC}) {
+        for (const quillon::MailAddress &recipient : *list) {
+            roll.Add(recipient);
+        }
+    }
+    return roll;
+}
+
+/// The number of mails, which is counted in 16 bits: a longer roll cannot be counted, and nothing is sent.
+qint16 totalOf(const MailAddressList &roll)
+{
+    if (roll.Count() > std::numeric_limits<qint16>::max()) {
+        quillon::reportFault(u"too many recipients to be counted: "_s + QString::number(roll.Count()));
+        return 0;
+    }
+    return static_cast<qint16>(roll.Count());
+}
+
+/// Makes the message the personal mail of one recipient, with the subject and content that the window shows now.
+void address(MailMessage &message, const quillon::MailAddress &recipient, const OneByOneContext &context)
+{
+    message.To.Clear();
+    message.CC.Clear();
+    message.BCC.Clear();
+    message.To.Add(recipient);
+    message.Subject = context.window.text(MessageWindow::Field::Subject).trimmed();
+    message.Content = contentOf(context.window, context.values.format);
+}
+
+void waitForInterval(const OneByOneContext &context)
+{
+    const QString text = context.globals.settings.other[OboInterval];
+    bool number = false;
+    const double seconds = text.toDouble(&number);
+    if (!number && !text.isEmpty()) {
+        quillon::reportFault(u"not a number of seconds: '"_s + text + u'\'');
+    }
+    if (seconds == 0) {
+        return;
+    }
+    context.progress.setActivity(u"Making OBO sending interval: "_s + text + u" seconds..."_s);
+    QCoreApplication::processEvents();
+    context.globals.system.WaitMilliseconds(static_cast<qint64>(seconds * millisecondsPerSecond));
+}
+
+void cutLastSeparator(QString &list)
+{
+    if (list.size() >= 2) {
+        list.chop(2);
+    }
+}
+
+QString entryOf(const Outcome &outcome, int total)
+{
+    const QString begin = LookupText(u"SENT_SUCCA"_s) + u' ';
+    const QString lineEnd = u"\r\n"_s;
+    if (outcome.sent < 1) {
+        return begin + QString::number(total) + u' ' + LookupText(u"SENT_UNSUCCB"_s) + lineEnd + outcome.failures;
+    }
+    const QString sent =
+        begin + QString::number(outcome.sent) + u' ' + LookupText(u"SENT_SUCCB"_s) + u':' + lineEnd + outcome.successes;
+    if (outcome.sent >= total) {
+        return sent;
+    }
+    return sent + lineEnd + LookupText(u"FAIL_ADDR"_s) + lineEnd + outcome.failures;
+}
+
+void report(Outcome outcome, int total, const OneByOneContext &context)
+{
+    context.progress.setCounter(QString::fromUtf16(progressRestText));
+    context.progress.setActivity(QString());
+    cutLastSeparator(outcome.failures);
+    cutLastSeparator(outcome.successes);
+    context.log.line(entryOf(outcome, total));
+    // The box tells how many mails were made, whatever became of them: the log holds the real figures.
+    const QString text =
+        LookupText(u"SENT_SUCCA"_s) + u' ' + QString::number(total) + u' ' + LookupText(u"SENT_SUCCB"_s) + u'!';
+    quillon::prompts().box({u"SENT_SUCCA"_s, text, QString(), quillon::InformationBox});
+}
+
+} // namespace
+
+void sendOneByOne(MailMessage &message, const OneByOneContext &context, const ConnectionSteps &connection)
+{
+    const MailAddressList roll = rollOf(message);
+    const qint16 total = totalOf(roll);
+    context.progress.makeVisible();
+    Outcome outcome;
+    for (int i = 1; i <= total; ++i) {
+        if (context.window.pblnStop) {
+            return;
+        }
+        context.progress.setCounter(u"Sending %1/%2 emails..."_s.arg(i).arg(total));
+        context.progress.setProgress(i, total);
+        address(message, roll.Item(i), context);
+        QCoreApplication::processEvents();
+        ExpandMacros(context.globals, message);
+        connection.quit();
+        waitForInterval(context);
+        if (connection.abandoned()) {
+            return;
+        }
+        connection.connectAnew();
+        const bool sent = connection.send(message);
+        if (connection.abandoned()) {
+            return;
+        }
+        const quillon::MailAddress &recipient = message.To.Item(1);
+        const QString entry = toRecipientEntry(recipient.Name, recipient.Address) + u", "_s;
+        outcome.sent = static_cast<qint16>(outcome.sent + (sent ? 1 : 0));
+        (sent ? outcome.successes : outcome.failures) += entry;
+    }
+    report(outcome, total, context);
+    if (!connection.abandoned()) {
+        connection.quit();
+    }
+}
+
+} // namespace corvane
