@@ -318,14 +318,19 @@ void frmPubMain::resizeEvent(QResizeEvent *event)
     }
 }
 
+void frmPubMain::setVisible(bool visible)
+{
+    if (visible && m_globals.RestoringFromLast) {
+        m_placement->resized();
+    }
+    QMainWindow::setVisible(visible);
+}
+
 void frmPubMain::showEvent(QShowEvent *event)
 {
     QMainWindow::showEvent(event);
     if (event->spontaneous()) {
         return;
-    }
-    if (m_globals.RestoringFromLast) {
-        m_placement->resized(); // a window of the same size as before gets no resize
     }
     // A window that is first shown minimised is told when the showing is over: it may be hidden then.
     QMetaObject::invokeMethod(this, &frmPubMain::tellMinimised, Qt::QueuedConnection);

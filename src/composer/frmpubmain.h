@@ -36,6 +36,9 @@ public:
     /// for an account, the tray, the state of the window, the input prompts. The timer `timPos` is left standing.
     void load();
 
+    /// Before a window is shown at its remembered place it is put there: later the window manager has its say.
+    void setVisible(bool visible) override;
+
     [[nodiscard]] MessageWindow &message() { return *m_message; }
     [[nodiscard]] const CommandTable &commands() const { return *m_commands; }
     [[nodiscard]] ContentLayout &layoutOfContent() { return *m_layout; }

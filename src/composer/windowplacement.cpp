@@ -116,7 +116,10 @@ void WindowPlacement::restore()
     if (const int height = toPixels(stored[Height]).value_or(0); height > 0) {
         place.setHeight(height);
     }
-    m_window->move(onScreen(place));
+    // A place that is right already is not set again: between creation and showing, Qt takes it for that of the inside.
+    if (const QPoint corner = onScreen(place); m_window->pos() != corner || !m_window->testAttribute(Qt::WA_Moved)) {
+        m_window->move(corner);
+    }
     m_window->resize(place.size());
 }
 
