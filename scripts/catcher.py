@@ -5,6 +5,9 @@ Each mail is kept in the folder as NNNN.eml, exactly the bytes that came in, bes
 is shown on standard output in a short readable form. The first line printed is "catcher: port N". It ends on SIGTERM
 or SIGINT.
 
+Where a file named "hold" stands in the folder, a mail is answered only when that file has gone; a recipient whose
+address is a line of a file named "refuse" there is refused.
+
 Usage: catcher.py FOLDER
 """
 
@@ -21,6 +24,7 @@ from aiosmtpd.smtp import SMTP
 LARGEST_MAIL = 64 * 1024 * 1024
 LONGEST_SHOWN_LINE = 200
 SHOWN_LINES = 20
+HOLD_LOOK_SECONDS = 0.05
 
 
 def readable(text):
@@ -61,7 +65,21 @@ class Keeper:
         os.rename(path + ".part", path)
         return path
 
+    async def handle_RCPT(self, server, session, envelope, address, rcpt_options):
+        try:
+            with open(os.path.join(self.folder, "refuse"), encoding="utf-8") as file:
+                if address in file.read().split():
+                    return f"550 5.1.1 <{address}> does not live here"
+        except FileNotFoundError:
+            pass
+        envelope.rcpt_tos.append(address)
+        return "250 OK"
+
     async def handle_DATA(self, server, session, envelope):
+        if os.path.exists(os.path.join(self.folder, "hold")):
+            print("catcher: holding a mail", flush=True)
+            while os.path.exists(os.path.join(self.folder, "hold")):
+                await asyncio.sleep(HOLD_LOOK_SECONDS)
         self.count += 1
         number = f"{self.count:04}"
         facts = {"from": envelope.mail_from, "to": envelope.rcpt_tos, "helo": session.host_name}

@@ -147,6 +147,18 @@ class Stage:
         manager = self.start("openbox", ["openbox"])
         self.wait("the window manager", lambda: self.xdotool("get_num_desktops") is not None, manager)
 
+    def tray(self):
+        """Starts a tray on the display; returns its window."""
+        tray = self.start("trayer", ["trayer", "--edge", "bottom", "--align", "right", "--widthtype", "pixel", "--width",
+                                     "60", "--SetDockType", "false"])
+        return self.wait("the tray", lambda: self.xdotool("search", "--onlyvisible", "--class", "^trayer$"),
+                         tray).split()[0]
+
+    def click(self, window, x, y, button=1):
+        """Clicks into a window, at pixels from its corner."""
+        if self.xdotool("mousemove", "--window", window, x, y, "click", button) is None:
+            raise StageError("could not click")
+
     def xdotool(self, *arguments):
         """What xdotool prints, or None where it fails (a window that is not there, say)."""
         done = subprocess.run(["xdotool", *map(str, arguments)], env=self.environment, stdin=subprocess.DEVNULL,

@@ -58,7 +58,7 @@ std::vector<Command> fileCommands(const CommandTargets &t)
         {u"menfo"_s, u"tlbOpen"_s, {}, {}},
         {u"menfa"_s, u"tlbSave"_s, {}, {}},
         {u"menfs"_s, u"tlbSend"_s, {}, from(t.hooks.send)},
-        {u"menfb"_s, u"tlbOBO"_s, {}, {}},
+        {u"menfb"_s, u"tlbOBO"_s, {}, turnCheckMark},
         {u"menfc"_s, u"tlbSchedule"_s, {}, {}},
         {u"menfp"_s, {}, {}, {}},
         {u"menfe"_s, {}, {}, {}},

@@ -96,7 +96,7 @@ void TestMainCommands::commandsWithoutAHandlerAreDisabledAndOthersEnabled()
         }
     }
     QVERIFY(built >= 20);
-    for (const QString &name : {u"menfn"_s, u"menfb"_s, u"menor"_s, u"mento"_s}) {
+    for (const QString &name : {u"menfn"_s, u"menor"_s, u"mento"_s}) {
         QVERIFY2(!main.item(name)->isEnabled(), qPrintable(name));
     }
 }
@@ -416,6 +416,12 @@ void TestMainCommands::receiptTogglesItsMark()
 void TestMainCommands::oneByOneShowsOnTheToolbar()
 {
     MainFixture main;
+    main.item(u"menfb"_s)->trigger();
+    QVERIFY(main.message().oneByOne());
+    QVERIFY(tool(main, u"OBO"_s)->isChecked());
+    tool(main, u"OBO"_s)->trigger();
+    QVERIFY(!main.message().oneByOne());
+    QVERIFY(!main.item(u"menfb"_s)->isChecked());
     main.message().setOneByOne(true);
     QVERIFY(tool(main, u"OBO"_s)->isChecked());
     main.window->ResetMessageOptions();

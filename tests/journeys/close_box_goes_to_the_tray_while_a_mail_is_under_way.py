@@ -1,0 +1,76 @@
+"""The close box sends the window to the tray, also while a mail is under way: the run goes on, a second start stays
+silent, and a click on the icon brings the window back."""
+
+import os
+
+import journey
+
+ICON = 24  # pixels, at the right end of the tray
+
+
+def close_box(stage, program, build_folder):
+    tray = stage.tray()
+    child = stage.start("corvane", [program])
+    window = stage.wait_for_window(journey.stages.MAIN_TITLE, child)
+    icons = children_of(stage, tray)
+    hold = os.path.join(stage.mail_folder, "hold")
+    with open(hold, "wb"):
+        pass
+    stage.fill("grace@corvane.example", "Held", "A mail that takes its time.")
+    stage.press("ctrl+Return")
+    stage.wait("the mail at the server", lambda: any("holding" in line for line in stage.catcher_said), child)
+
+    stage.focus(window, child)
+    close(stage, child, window)
+    stage.wait("the icon in the tray", lambda: children_of(stage, tray) > icons, child)
+
+    second = stage.start("second", [program])
+    stage.wait("the end of the second start", lambda: second.poll() is not None)
+    journey.check_equal(second.returncode, 0, "exit code of the second start")
+    journey.check(not stage.windows(child.pid, journey.stages.MAIN_TITLE), "the first did not come to the front")
+
+    journey.check_equal(stage.mails(), [], "mails before the server lets go")
+    os.remove(hold)
+
+    def ended():
+        stage.answer_boxes(child)
+        return stage.log_ended()
+    stage.wait("the end of the run in the log", ended, child)
+    journey.check_equal(len(stage.mails()), 1, "mails")
+    journey.check(not stage.windows(child.pid, journey.stages.MAIN_TITLE), "the window stayed in the tray")
+
+    bring_back(stage, child, tray)
+    stage.wait("the icon to go", lambda: children_of(stage, tray) == icons, child)
+    close(stage, child, stage.wait_for_window(journey.stages.MAIN_TITLE, child))
+    stage.wait("the icon in the tray again", lambda: children_of(stage, tray) > icons, child)
+    bring_back(stage, child, tray)
+    journey.check_equal(stage.leave(child), 0, "exit code")
+
+
+def children_of(stage, tray):
+    """How many windows the tray holds."""
+    done = journey.stages.subprocess.run(["xwininfo", "-id", tray, "-tree"], env=stage.environment, check=True,
+                                         stdin=journey.stages.subprocess.DEVNULL, text=True,
+                                         stdout=journey.stages.subprocess.PIPE)
+    return done.stdout.count(" 0x")
+
+
+def close(stage, child, window):
+    stage.press("alt+F4")
+    stage.wait("the window to go", lambda: window not in stage.windows(child.pid, journey.stages.MAIN_TITLE), child)
+
+
+def bring_back(stage, child, tray):
+    def back():
+        width, height = geometry(stage, tray)
+        stage.click(tray, width - ICON // 2, height // 2)
+        return stage.windows(child.pid, journey.stages.MAIN_TITLE)
+    stage.wait("the window to come back", back, child)
+
+
+def geometry(stage, window):
+    facts = dict(line.split("=") for line in (stage.xdotool("getwindowgeometry", "--shell", window) or "").splitlines())
+    return int(facts["WIDTH"]), int(facts["HEIGHT"])
+
+
+journey.set_out(close_box)
