@@ -2,6 +2,7 @@
 
 #include "composer/accessiblenames.h"
 #include "composer/accountfields.h"
+#include "composer/attachmentlist.h"
 #include "composer/commandtable.h"
 #include "composer/contentlayout.h"
 #include "composer/contentviews.h"
@@ -146,12 +147,16 @@ void frmPubMain::makeConcerns()
                                        m_commands->setRichCommandsEnabled(rich);
                                    }
                                });
+    m_popUps = new PopUps(this, {c.colorPopUp, c.lstFilter});
+    m_attachments = std::make_unique<AttachmentList>(
+        c.attachments, m_globals.system,
+        AttachmentList::Hooks{[this] { m_message->pblnChanged = true; }, [this] { m_popUps->hide(); }});
     m_message = std::make_unique<MainWindowMessage>(
-        c, MainWindowMessage::Rules{*m_account, *m_views, *m_layout, m_globals.system});
+        c, MainWindowMessage::Rules{*m_account, *m_views, *m_layout, *m_attachments});
     m_placement = new WindowPlacement(this, m_globals);
     new GrowingBoxes(c.txt, c.attachments, c.header, centralWidget());
-    m_commands = new CommandTable(this, mainCommands({m_hooks, m_globals, *m_message, *m_edit, *m_layout, *m_views}));
-    new PopUps(this, {c.colorPopUp, c.lstFilter});
+    m_commands = new CommandTable(
+        this, mainCommands({m_hooks, m_globals, *m_message, *m_edit, *m_layout, *m_views, *m_attachments}));
     new StatusHints(this, statusBar(), c.panel[1], c.panel[2], [this](int panel) { clickPanel(panel); });
 }
 
@@ -260,10 +265,24 @@ void frmPubMain::ResetMessageOptions()
 
 void frmPubMain::setMacroMenu(const QStringList &captions)
 {
-    const Command *insert = m_commands->command(u"menimsa(0)"_s);
     auto *menu = findChild<QMenu *>(u"menim"_s);
-    rebuildItemArray(menu, findChild<QAction *>(u"menimsa(0)"_s), captions, insert && insert->run);
+    auto *base = findChild<QAction *>(u"menimsa(0)"_s);
+    rebuildItemArray(menu, base, captions, true);
+    const QList<QAction *> items = itemArray(menu, base);
+    for (const QAction *item : items) {
+        connect(item, &QAction::triggered, this, [this, item] { insertMacro(itemCaption(item)); });
+    }
     menu->menuAction()->setVisible(!captions.isEmpty());
+}
+
+void frmPubMain::insertMacro(const QString &macro)
+{
+    m_globals.system.SetClipboardText(macro);
+    if (m_hooks.insertIntoSignature && m_hooks.insertIntoSignature(macro)) {
+        return;
+    }
+    m_controls->utbContent->insertPlainText(macro);
+    m_controls->utbContent->setFocus();
 }
 
 void frmPubMain::setSignatureMenu(const QStringList &captions)

@@ -15,11 +15,13 @@ class frmPubMain;
 }
 
 class AccountFields;
+class AttachmentList;
 class CommandTable;
 class ContentLayout;
 class ContentViews;
 class EditCommands;
 class EncodingChoice;
+class PopUps;
 class WindowPlacement;
 
 /// The main window. It owns the controls that are the message, and wires the classes that each look after some of
@@ -62,6 +64,8 @@ private:
     void makeConcerns();
     void watchChanges();
     void watchDateChoice();
+    /// A macro goes into the body, whichever field has the focus, or into the signature that is being edited.
+    void insertMacro(const QString &macro);
     void applyTexts();
     void fillNewMessage();
     void fillFonts();
@@ -74,6 +78,8 @@ private:
     std::unique_ptr<Ui::frmPubMain> m_ui;
     std::unique_ptr<MainControls> m_controls;
     AccountFields *m_account = nullptr;
+    std::unique_ptr<AttachmentList> m_attachments;
+    PopUps *m_popUps = nullptr;
     EncodingChoice *m_encodings = nullptr;
     EditCommands *m_edit = nullptr;
     ContentLayout *m_layout = nullptr;

@@ -1,5 +1,6 @@
 #include "composer/maincommands.h"
 
+#include "composer/attachmentlist.h"
 #include "composer/contentlayout.h"
 #include "composer/contentviews.h"
 #include "composer/editcommands.h"
@@ -91,14 +92,15 @@ std::vector<Command> editCommands(const CommandTargets &t)
     };
 }
 
-std::vector<Command> insertCommands()
+std::vector<Command> insertCommands(const CommandTargets &t)
 {
+    AttachmentList *attachments = &t.attachments;
     return {
-        {u"meniaa"_s, {}, {u"sbt(2)"_s}, {}},
-        {u"meniaf"_s, {}, {u"sbt(21)"_s}, {}},
-        {u"meniao"_s, {}, {u"sbt(5)"_s}, {}},
-        {u"meniar"_s, {}, {u"sbt(3)"_s}, {}},
-        {u"meniac"_s, {}, {u"sbt(4)"_s}, {}},
+        {u"meniaa"_s, {}, {u"sbt(2)"_s}, [attachments] { attachments->addFiles(); }},
+        {u"meniaf"_s, {}, {u"sbt(21)"_s}, [attachments] { attachments->addFolder(); }},
+        {u"meniao"_s, {}, {u"sbt(5)"_s}, [attachments] { attachments->openSelected(); }},
+        {u"meniar"_s, {}, {u"sbt(3)"_s}, [attachments] { attachments->removeSelected(); }},
+        {u"meniac"_s, {}, {u"sbt(4)"_s}, [attachments] { attachments->clear(); }},
         {u"menit"_s, {}, {}, {}},
         {u"menil"_s, {}, {}, {}, Command::RichOnly},
         {u"menissa(0)"_s, {}, {}, {}},
@@ -142,8 +144,8 @@ std::vector<Command> toolCommands(const CommandTargets &t)
         {u"mentv"_s, {}, {}, [globals] { viewLog(*globals); }},
         {u"mentl"_s, {}, {}, [globals] { globals->system.OpenTarget(globals->paths.logs, maximised); }},
         {u"mentt"_s, u"tlbTemplate"_s, {}, {}},
-        {u"menti"_s, {}, {}, {}},
-        {u"mentm"_s, u"tlbMacro"_s, {}, {}},
+        {u"menti"_s, {}, {}, from(t.hooks.showForm, u"frmPubPrompt"_s)},
+        {u"mentm"_s, u"tlbMacro"_s, {}, from(t.hooks.showForm, u"frmPubMacro"_s)},
         {u"mento"_s, u"tlbOptions"_s, {}, {}},
         {{}, {}, {u"sbtMain(0)"_s}, {}},
         {{}, {}, {u"sbtMain(1)"_s}, {}},
@@ -166,7 +168,7 @@ std::vector<Command> helpCommands()
 std::vector<Command> mainCommands(const CommandTargets &targets)
 {
     std::vector<Command> all;
-    for (std::vector<Command> group : {fileCommands(targets), editCommands(targets), insertCommands(),
+    for (std::vector<Command> group : {fileCommands(targets), editCommands(targets), insertCommands(targets),
                                        formatCommands(targets), toolCommands(targets), helpCommands()}) {
         all.insert(all.end(), group.begin(), group.end());
     }

@@ -8,6 +8,7 @@ namespace corvane {
 
 class ContentLayout;
 class ContentViews;
+class AttachmentList;
 class EditCommands;
 class MainWindowMessage;
 
@@ -19,6 +20,7 @@ struct CommandTargets {
     EditCommands &edit;
     ContentLayout &layout;
     ContentViews &views;
+    AttachmentList &attachments;
 };
 
 /// All commands of the main window. The targets outlive the table.

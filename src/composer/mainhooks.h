@@ -12,8 +12,11 @@ struct MainHooks {
     std::function<void()> send;                             ///< the send run, `menfs`
     std::function<void(bool stopScheduler)> exitProgram;    ///< `menfx` with true, `menfu` with false
     std::function<QString(const QString &)> findSmtpRecord; ///< the account's line for a text of the account box
-    std::function<bool()> optionsOpen;                      ///< frmPubOptions is open: its refills mark no change
-    std::function<bool()> showProgress;                     ///< a click on the status bar; true: it was used
+    /// Puts a macro into the signature that the options dialog shows; false when that dialog is not open.
+    std::function<bool(const QString &macro)> insertIntoSignature;
+    std::function<void(const QString &form)> showForm; ///< a modal form
+    std::function<bool()> optionsOpen;                 ///< frmPubOptions is open: its refills mark no change
+    std::function<bool()> showProgress;                ///< a click on the status bar; true: it was used
 
     // Steps of the loading, in this order.
     std::function<void()> checkForUpdate;

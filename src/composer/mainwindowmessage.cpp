@@ -1,6 +1,7 @@
 #include "composer/mainwindowmessage.h"
 
 #include "composer/accountfields.h"
+#include "composer/attachmentlist.h"
 #include "composer/contentlayout.h"
 #include "composer/contentviews.h"
 #include "composer/controltext.h"
@@ -10,15 +11,10 @@
 #include <QAction>
 #include <QComboBox>
 #include <QDateEdit>
-#include <QDirIterator>
-#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QMainWindow>
 #include <QPlainTextEdit>
-
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -26,34 +22,10 @@ namespace corvane {
 
 namespace {
 
-qint64 sizeOf(const QString &path)
-{
-    const QFileInfo info(path);
-    if (!info.isDir()) {
-        return info.size();
-    }
-    qint64 size = 0;
-    for (QDirIterator files(path, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); files.hasNext();) {
-        size += files.nextFileInfo().size();
-    }
-    return size;
-}
-
 /// A field of one line holds one line, even when several were pasted into it.
 QString inOneLine(const QString &text)
 {
     return withCrLf(text).replace(u"\r\n"_s, u" "_s);
-}
-
-QString rowText(const QString &path)
-{
-    const QString name = path.section(u'/', -1);
-    if (!QFileInfo::exists(path)) {
-        return name;
-    }
-    // nearbyint() rounds a tie to the even neighbour.
-    const auto kilobytes = static_cast<qint64>(std::nearbyint(static_cast<double>(sizeOf(path)) / 1024.0));
-    return u"%1 (%2 KB)"_s.arg(name, QString::number(kilobytes));
 }
 
 } // namespace
@@ -222,20 +194,12 @@ void MainWindowMessage::setReceipt(bool on)
 
 QStringList MainWindowMessage::attachmentPaths() const
 {
-    QStringList paths;
-    for (int i = 0; i < m_controls.attachments->count(); ++i) {
-        paths.append(m_controls.attachments->item(i)->data(Qt::UserRole).toString());
-    }
-    return paths;
+    return m_rules.attachments.paths();
 }
 
 void MainWindowMessage::setAttachmentPaths(const QStringList &paths)
 {
-    m_controls.attachments->clear();
-    for (const QString &path : paths) {
-        auto *row = new QListWidgetItem(m_rules.system.DrawFileIcon(path), rowText(path), m_controls.attachments);
-        row->setData(Qt::UserRole, path);
-    }
+    m_rules.attachments.setPaths(paths);
 }
 
 int MainWindowMessage::encodingCount() const

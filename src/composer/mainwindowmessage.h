@@ -2,13 +2,13 @@
 
 #include "composer/maincontrols.h"
 #include "core/messagewindow.h"
-#include "quillon/system/quillonsystem.h"
 
 class QWidget;
 
 namespace corvane {
 
 class AccountFields;
+class AttachmentList;
 class ContentLayout;
 class ContentViews;
 
@@ -20,7 +20,7 @@ public:
         AccountFields &account;
         ContentViews &views;
         ContentLayout &layout;
-        const quillon::QuillonSystem &system;
+        AttachmentList &attachments;
     };
 
     MainWindowMessage(const MainControls &controls, const Rules &rules);
