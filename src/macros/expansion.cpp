@@ -1,9 +1,7 @@
 #include "macros/expansion.h"
 
 #include "macros/macrocatalogue.h"
-#include "quillon/system/platform.h"
-
-#include <QLocale>
+#include "macros/moments.h"
 
 #include <optional>
 
@@ -41,21 +39,6 @@ RecipientValues valuesOf(const quillon::MailMessage &message)
     return values;
 }
 
-/// The present moment in the user's own formats; asked for at each use, so that it is the moment of that use.
-QString moment(bool date, bool time, QLocale::FormatType format)
-{
-    const QDateTime now = quillon::systemClock().now();
-    const QLocale locale = QLocale::system();
-    QStringList parts;
-    if (date) {
-        parts.append(locale.toString(now.date(), format));
-    }
-    if (time) {
-        parts.append(locale.toString(now.time(), format));
-    }
-    return parts.join(u' ');
-}
-
 /// What a line's placeholder turns into now; nothing when it stays as it is.
 std::optional<QString> replacement(const QStringList &fields, const RecipientValues &values)
 {
@@ -73,24 +56,8 @@ std::optional<QString> replacement(const QStringList &fields, const RecipientVal
     if (key == "{Email Address of The Recipient}"_L1) {
         return unlessEmpty(values.address);
     }
-    struct Moment {
-        const char16_t *key;
-        bool date;
-        bool time;
-        QLocale::FormatType format;
-    };
-    static constexpr Moment moments[] = {
-        {u"{Long Date}", true, false, QLocale::LongFormat},
-        {u"{Short Date}", true, false, QLocale::ShortFormat},
-        {u"{Long Time}", false, true, QLocale::LongFormat},
-        {u"{Short Time}", false, true, QLocale::ShortFormat},
-        {u"{Long Date and Time}", true, true, QLocale::LongFormat},
-        {u"{Short Date and Time}", true, true, QLocale::ShortFormat},
-    };
-    for (const Moment &entry : moments) {
-        if (key == QStringView(entry.key)) {
-            return moment(entry.date, entry.time, entry.format);
-        }
+    if (auto moment = momentText(key)) {
+        return moment;
     }
     return fields.size() > MacroText ? std::optional(fields.at(MacroText)) : std::nullopt;
 }

@@ -1,0 +1,237 @@
+#include "macros/forms/frmpubmacro.h"
+
+#include "core/texts.h"
+#include "macros/forms/macroitem.h"
+#include "quillon/forms/formkeys.h"
+#include "quillon/forms/formregistry.h"
+#include "quillon/text/quillontext.h"
+#include "ui_frmpubmacro.h"
+
+#include <QCloseEvent>
+#include <QHeaderView>
+#include <QSet>
+#include <QTimer>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+namespace {
+
+constexpr int refreshMilliseconds = 1600;
+
+MacroItem *macroItem(QTreeWidgetItem *item)
+{
+    return item && item->type() == MacroItem::rowType ? static_cast<MacroItem *>(item) : nullptr;
+}
+
+} // namespace
+
+frmPubMacro::frmPubMacro(const ApplicationGlobals &globals, quillon::FormRegistry &forms, Hooks hooks)
+    : m_globals(globals), m_forms(forms), m_hooks(std::move(hooks)), m_ui(std::make_unique<Ui::frmPubMacro>())
+{
+    m_ui->setupUi(this);
+    quillon::QuillonText().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
+    m_ui->lblSample->setText(u"%1 %2 <%3>"_s.arg(m_ui->lblSample->text(), QString::fromUtf16(sampleRecipient),
+                                                 QString::fromUtf16(sampleAddress)));
+    m_ui->sbtHelp->setEnabled(static_cast<bool>(m_hooks.help));
+    connectControls();
+    loadRows();
+    m_ui->lsv->installEventFilter(this);
+
+    auto *tim = new QTimer(this);
+    tim->setObjectName(u"tim"_s);
+    tim->setInterval(refreshMilliseconds);
+    connect(tim, &QTimer::timeout, this, &frmPubMacro::refreshSamples);
+    tim->start();
+}
+
+frmPubMacro::~frmPubMacro() = default;
+
+void frmPubMacro::connectControls()
+{
+    QHeaderView *header = m_ui->lsv->header();
+    header->setSectionsClickable(true);
+    header->setStretchLastSection(true);
+    connect(header, &QHeaderView::sectionClicked, this, &frmPubMacro::sortBy);
+    connect(m_ui->lsv, &QTreeWidget::currentItemChanged, this,
+            [this](const QTreeWidgetItem *current) { rowChosen(current); });
+    connect(m_ui->lsv, &QTreeWidget::itemClicked, this, [this](const QTreeWidgetItem *item) { rowChosen(item); });
+    connect(m_ui->lsv, &QTreeWidget::itemDoubleClicked, this, [this] { m_ui->sbtEdit->click(); });
+    connect(m_ui->sbtAdd, &QPushButton::clicked, this, &frmPubMacro::add);
+    connect(m_ui->sbtEdit, &QPushButton::clicked, this, &frmPubMacro::edit);
+    connect(m_ui->sbtDel, &QPushButton::clicked, this, &frmPubMacro::deleteSelected);
+    connect(m_ui->sbtClose, &QPushButton::clicked, this, &QWidget::close);
+    connect(m_ui->sbtHelp, &QPushButton::clicked, this, [this] { m_hooks.help(); });
+
+    auto *keys = new quillon::FormKeys(this);
+    keys->on(Qt::Key_F1, [this] { m_ui->sbtHelp->click(); });
+    keys->on(Qt::ALT | Qt::Key_A, [this] { m_ui->sbtAdd->click(); });
+    // A disabled button takes no click, so these two do nothing on a predefined row.
+    keys->on(Qt::ALT | Qt::Key_E, [this] { m_ui->sbtEdit->click(); });
+    keys->on(Qt::Key_Delete, [this] { m_ui->sbtDel->click(); });
+}
+
+void frmPubMacro::loadRows()
+{
+    m_ui->lsv->clear();
+    const QList<MacroRow> rows = macroRows(m_globals);
+    QList<QTreeWidgetItem *> items;
+    items.reserve(rows.size());
+    for (const MacroRow &row : rows) {
+        items.append(new MacroItem(row));
+    }
+    m_ui->lsv->addTopLevelItems(items);
+    colorRows();
+    selectFirstRow();
+    const int margin = fontMetrics().averageCharWidth() * 3;
+    const QFontMetrics metrics = fontMetrics();
+    m_ui->lsv->setColumnWidth(MacroNameColumn,
+                              metrics.horizontalAdvance(u"{Email Address of The Recipient}"_s) + margin);
+    m_ui->lsv->setColumnWidth(MacroSampleColumn, metrics.averageCharWidth() * 40);
+}
+
+void frmPubMacro::colorRows()
+{
+    const QColor grey = m_ui->lsv->palette().color(QPalette::Disabled, QPalette::Text);
+    for (int i = 0; i < m_ui->lsv->topLevelItemCount(); ++i) {
+        macroItem(m_ui->lsv->topLevelItem(i))->setPredefinedColor(grey);
+    }
+}
+
+void frmPubMacro::refreshSamples()
+{
+    for (int i = 0; i < m_ui->lsv->topLevelItemCount(); ++i) {
+        macroItem(m_ui->lsv->topLevelItem(i))->refreshSample();
+    }
+}
+
+void frmPubMacro::rowChosen(const QTreeWidgetItem *item)
+{
+    const bool users = item && !item->data(MacroNameColumn, MacroItem::predefinedRole).toBool();
+    m_ui->sbtEdit->setEnabled(users);
+    m_ui->sbtDel->setEnabled(users);
+}
+
+void frmPubMacro::selectFirstRow()
+{
+    QTreeWidgetItem *first = m_ui->lsv->topLevelItem(0);
+    m_ui->lsv->setCurrentItem(first);
+    rowChosen(first);
+}
+
+void frmPubMacro::sortBy(int column)
+{
+    m_order = m_order == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder;
+    m_sorted = true;
+    m_ui->lsv->header()->setSortIndicatorShown(true);
+    m_ui->lsv->header()->setSortIndicator(column, m_order);
+    m_ui->lsv->sortItems(column, m_order);
+}
+
+void frmPubMacro::add()
+{
+    showDetail({frmPubMacroDetail::Mode::Add, {}, [this](const MacroRow &entered) { return saveAdded(entered); }});
+}
+
+void frmPubMacro::edit()
+{
+    MacroItem *row = currentRow();
+    if (!row) {
+        return;
+    }
+    m_ui->lsv->setCurrentItem(row, MacroNameColumn, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    showDetail(
+        {frmPubMacroDetail::Mode::Edit, row->row(), [this](const MacroRow &entered) { return saveEdited(entered); }});
+}
+
+void frmPubMacro::showDetail(frmPubMacroDetail::Task task)
+{
+    const QString detail = u"frmPubMacroDetail"_s;
+    if (auto *form = m_forms.as<frmPubMacroDetail>(detail)) {
+        form->begin(std::move(task));
+        quillon::prompts().showModalForm(detail, -1);
+    }
+}
+
+MacroFault frmPubMacro::saveAdded(const MacroRow &entered)
+{
+    const MacroFault fault = checkMacro(entered, macros(), -1);
+    if (fault == MacroFault::None) {
+        addMacro(m_globals, entered);
+        m_ui->lsv->addTopLevelItem(new MacroItem(entered));
+        if (m_sorted) {
+            m_ui->lsv->sortItems(m_ui->lsv->sortColumn(), m_order);
+        }
+    }
+    return fault;
+}
+
+MacroFault frmPubMacro::saveEdited(const MacroRow &entered)
+{
+    MacroItem *row = currentRow();
+    const MacroFault fault = checkMacro(entered, macros(), m_ui->lsv->indexOfTopLevelItem(row));
+    if (fault == MacroFault::None && row) {
+        replaceMacro(m_globals, row->row(), entered);
+        row->setRow(entered);
+    }
+    return fault;
+}
+
+void frmPubMacro::deleteSelected()
+{
+    if (showMessage(u"DEL_MACRO_PROMPT"_s, quillon::YesNoBox) != quillon::BoxAnswer::Yes) {
+        return;
+    }
+    QSet<QTreeWidgetItem *> doomed;
+    QStringList keys;
+    const QList<QTreeWidgetItem *> selected = m_ui->lsv->selectedItems();
+    for (QTreeWidgetItem *item : selected) {
+        if (!macroItem(item)->predefined()) {
+            doomed.insert(item);
+            keys.append(macroItem(item)->row().macro);
+        }
+    }
+    deleteMacros(m_globals, keys);
+    // All rows leave the list and those that stay come back, since taking many one by one is slow.
+    QList<QTreeWidgetItem *> rows = m_ui->lsv->invisibleRootItem()->takeChildren();
+    rows.removeIf([&](QTreeWidgetItem *item) { return doomed.contains(item); });
+    m_ui->lsv->addTopLevelItems(rows);
+    qDeleteAll(doomed);
+    selectFirstRow();
+}
+
+QStringList frmPubMacro::macros() const
+{
+    QStringList names;
+    names.reserve(m_ui->lsv->topLevelItemCount());
+    for (int i = 0; i < m_ui->lsv->topLevelItemCount(); ++i) {
+        names.append(macroItem(m_ui->lsv->topLevelItem(i))->row().macro);
+    }
+    return names;
+}
+
+MacroItem *frmPubMacro::currentRow() const
+{
+    return macroItem(m_ui->lsv->currentItem());
+}
+
+void frmPubMacro::closeEvent(QCloseEvent *event)
+{
+    QDialog::closeEvent(event);
+    if (event->isAccepted() && m_hooks.loadMacroMenu) {
+        std::exchange(m_hooks.loadMacroMenu, {})();
+    }
+}
+
+bool frmPubMacro::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_ui->lsv && event->type() == QEvent::PaletteChange) {
+        colorRows(); // the grey is the theme's
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+} // namespace corvane

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "core/globals.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace corvane {
+
+inline constexpr char16_t emptyMacro[] = u"{}";
+inline constexpr char16_t myInformation[] = u"My Information";
+inline constexpr char16_t otherInformation[] = u"Other Information";
+inline constexpr char16_t sampleRecipient[] = u"Jack Smith";
+inline constexpr char16_t sampleAddress[] = u"jack.smith@example.com";
+
+/// One macro of the catalogue, as its line has it.
+struct MacroRow {
+    QString macro; ///< the placeholder, braces included
+    QString text;
+    QString category;
+    bool predefined = false; ///< computed at send time; can be neither edited nor deleted
+
+    friend bool operator==(const MacroRow &, const MacroRow &) = default;
+};
+
+/// A line as a row; a line of fewer than four fields fills it as far as it goes, and is a user's.
+[[nodiscard]] MacroRow macroRowOf(const QString &line);
+/// The line of a user's macro.
+[[nodiscard]] QString macroLineOf(const MacroRow &row);
+/// All lines of macros.dll, in file order.
+[[nodiscard]] QList<MacroRow> macroRows(const ApplicationGlobals &globals);
+
+/// What stands in the sample column instead of the line's own text, for the sample recipient and the present moment;
+/// nothing for a macro that shows its own text.
+[[nodiscard]] std::optional<QString> sampleText(const QString &macro);
+
+/// What a user typed, as it can stand in a line of four fields: tabs and line ends, which only a paste can bring, become
+/// blanks, and the text is trimmed.
+[[nodiscard]] QString cleanedMacroField(QString text);
+
+/// What is wrong with a macro.
+enum class MacroFault {
+    None,
+    NoMacro,      ///< no text, or a placeholder with nothing in its braces
+    NoDelimiters, ///< not enclosed in braces
+    Exists,       ///< another row has this placeholder
+};
+
+/// Tests a cleaned row against the placeholders of all rows, exact in case. @p own is the index of the row that is
+/// edited and may keep its placeholder, -1 when a macro is added. The faults are looked for in the order of the enum.
+[[nodiscard]] MacroFault checkMacro(const MacroRow &row, const QStringList &present, qsizetype own);
+/// The message key of a fault; empty for none.
+[[nodiscard]] QString messageKeyOf(MacroFault fault);
+
+/// The changes of macros.dll. A replaced line must stand there exactly as @p old has it; deleting removes every line
+/// of those placeholders, in one rewrite.
+void addMacro(const ApplicationGlobals &globals, const MacroRow &row);
+void replaceMacro(const ApplicationGlobals &globals, const MacroRow &old, const MacroRow &row);
+void deleteMacros(const ApplicationGlobals &globals, const QStringList &macros);
+
+} // namespace corvane

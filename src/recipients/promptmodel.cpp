@@ -1,0 +1,113 @@
+#include "recipients/promptmodel.h"
+
+#include "quillon/files/linefile.h"
+
+#include <QSet>
+
+#include <algorithm>
+
+namespace corvane {
+
+PromptModel::PromptModel(const ApplicationGlobals &globals, const QStringList &entries, QString placeholder,
+                         QObject *parent)
+    : QAbstractListModel(parent), m_globals(globals), m_placeholder(std::move(placeholder)), m_rows(entries)
+{
+    m_rows.removeIf([](const QString &entry) { return entry.trimmed().isEmpty(); });
+}
+
+int PromptModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(std::max<qsizetype>(m_rows.size(), 1));
+}
+
+QVariant PromptModel::data(const QModelIndex &index, int role) const
+{
+    if (role != Qt::DisplayRole || !checkIndex(index, CheckIndexOption::IndexIsValid)) {
+        return {};
+    }
+    return isPlaceholder() ? m_placeholder : m_rows.at(index.row());
+}
+
+bool PromptModel::contains(const QString &entry) const
+{
+    const QString wanted = entry.trimmed().toLower();
+    return std::any_of(m_rows.cbegin(), m_rows.cend(),
+                       [&](const QString &row) { return row.trimmed().toLower() == wanted; });
+}
+
+void PromptModel::add(const QString &entry)
+{
+    if (isPlaceholder()) {
+        beginResetModel();
+        m_rows.append(entry);
+        endResetModel();
+    } else {
+        const int row = static_cast<int>(m_rows.size());
+        beginInsertRows({}, row, row);
+        m_rows.append(entry);
+        endInsertRows();
+    }
+    m_globals.lines.AppendLine(m_globals.paths.promptsFile, entry);
+}
+
+void PromptModel::replace(int row, const QString &entry)
+{
+    if (row < 0 || row >= m_rows.size()) {
+        return;
+    }
+    m_globals.lines.ReplaceLine(m_globals.paths.promptsFile, m_rows.at(row), entry, QString(), 0);
+    const int last = static_cast<int>(m_rows.size()) - 1;
+    if (row != last) {
+        beginMoveRows({}, row, row, {}, last + 1);
+        m_rows.move(row, last);
+        endMoveRows();
+    }
+    m_rows[last] = entry;
+    Q_EMIT dataChanged(index(last), index(last));
+}
+
+void PromptModel::remove(const QList<int> &rows)
+{
+    const QSet<int> doomed(rows.begin(), rows.end());
+    QSet<QString> lines;
+    QStringList left;
+    for (int row = 0; row < m_rows.size(); ++row) {
+        if (doomed.contains(row)) {
+            lines.insert(m_rows.at(row));
+        } else {
+            left.append(m_rows.at(row));
+        }
+    }
+    if (lines.isEmpty()) {
+        return;
+    }
+    quillon::LineFile file(m_globals.paths.promptsFile);
+    if (file.removeIf([&](const QString &line) { return lines.contains(line); }) > 0) {
+        file.save();
+    }
+    beginResetModel();
+    m_rows = left;
+    endResetModel();
+}
+
+QList<PromptModel::Range> PromptModel::find(const QString &text) const
+{
+    QList<Range> found;
+    const QString wanted = text.toLower();
+    if (wanted.isEmpty()) {
+        return found;
+    }
+    for (int row = 0; row < m_rows.size(); ++row) {
+        if (!m_rows.at(row).toLower().contains(wanted)) {
+            continue;
+        }
+        if (!found.isEmpty() && found.constLast().second == row - 1) {
+            found.last().second = row;
+        } else {
+            found.append({row, row});
+        }
+    }
+    return found;
+}
+
+} // namespace corvane
