@@ -1,0 +1,39 @@
+// Sends personal mails with nodemailer, one after the other, each over a connection of its own.
+//   node send.js '{"port":…,"count":…,"starttls":…,"authority":…,"document":…}'
+// Prints the seconds that it took. The time begins when everything is loaded.
+'use strict';
+
+const fs = require('fs');
+const nodemailer = require('nodemailer');
+
+async function main() {
+    const wanted = JSON.parse(process.argv[2]);
+    const document = fs.readFileSync(wanted.document, 'utf8');
+    const transport = nodemailer.createTransport({
+        host: '127.0.0.1',
+        port: wanted.port,
+        name: 'bench.example',
+        secure: false,
+        pool: false,
+        ignoreTLS: !wanted.starttls,
+        requireTLS: wanted.starttls,
+        auth: wanted.starttls ? { user: 'ada', pass: 'secret' } : undefined,
+        tls: wanted.starttls ? { ca: fs.readFileSync(wanted.authority) } : undefined,
+    });
+    const begin = process.hrtime.bigint();
+    for (let i = 1; i <= wanted.count; ++i) {
+        const name = `Recipient Number ${i}`;
+        await transport.sendMail({
+            from: { name: 'Ada King', address: 'ada@x.example' },
+            to: { name, address: `r${i}@y.example` },
+            subject: `News for ${name}`,
+            html: document.replaceAll('{Full Name of The Recipient}', name),
+        });
+    }
+    console.log(Number(process.hrtime.bigint() - begin) / 1e9);
+}
+
+main().catch(error => {
+    console.error(error);
+    process.exitCode = 1;
+});
