@@ -100,7 +100,8 @@ int main(int argc, char **argv)
     report("upsReadPrompts", nothing, [&] { memory.upsReadPrompts(); });
     report("open the dialog", nothing, open);
     report("find one of them", nothing, [&] { find(u"user77777@"_s); });
-    report("find every second", [&] { find(u"bob"_s); }, [&] { find(u"ann"_s); });
+    report(
+        "find every second", [&] { find(u"bob"_s); }, [&] { find(u"ann"_s); });
     report("find all", nothing, [&] { find(u"example"_s); });
     report("find none", nothing, [&] { find(u"nobody"_s); });
     QString recipients;

@@ -54,8 +54,8 @@ std::optional<QString> sampleText(const QString &macro)
 QString cleanedMacroField(QString text)
 {
     for (QChar &character : text) {
-        if (character == u'\t' || character == u'\r' || character == u'\n' ||
-            character == QChar::LineSeparator || character == QChar::ParagraphSeparator) {
+        if (character == u'\t' || character == u'\r' || character == u'\n' || character == QChar::LineSeparator ||
+            character == QChar::ParagraphSeparator) {
             character = u' ';
         }
     }

@@ -37,8 +37,8 @@ struct MacroRow {
 /// nothing for a macro that shows its own text.
 [[nodiscard]] std::optional<QString> sampleText(const QString &macro);
 
-/// What a user typed, as it can stand in a line of four fields: tabs and line ends, which only a paste can bring, become
-/// blanks, and the text is trimmed.
+/// What a user typed, as it can stand in a line of four fields: tabs and line ends, which only a paste can bring,
+/// become blanks, and the text is trimmed.
 [[nodiscard]] QString cleanedMacroField(QString text);
 
 /// What is wrong with a macro.

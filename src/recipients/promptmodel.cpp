@@ -8,6 +8,31 @@
 
 namespace corvane {
 
+namespace {
+
+/// The text in lower case, in @p buffer. Nearly all entries are ASCII, for which this takes a tenth of the time of
+/// QString's own function; a search through a hundred thousand of them is felt.
+void lowerInto(QString &buffer, const QString &text)
+{
+    const QStringView source = text;
+    char16_t all = 0;
+    for (const QChar character : source) {
+        all |= character.unicode();
+    }
+    if (all >= 0x80) {
+        buffer = text.toLower();
+        return;
+    }
+    buffer.resize(text.size());
+    QChar *target = buffer.data();
+    for (qsizetype i = 0; i < source.size(); ++i) {
+        const char16_t unit = source[i].unicode();
+        target[i] = unit >= u'A' && unit <= u'Z' ? QChar(static_cast<char16_t>(unit + (u'a' - u'A'))) : QChar(unit);
+    }
+}
+
+} // namespace
+
 PromptModel::PromptModel(const ApplicationGlobals &globals, const QStringList &entries, QString placeholder,
                          QObject *parent)
     : QAbstractListModel(parent), m_globals(globals), m_placeholder(std::move(placeholder)), m_rows(entries)
@@ -97,8 +122,10 @@ QList<PromptModel::Range> PromptModel::find(const QString &text) const
     if (wanted.isEmpty()) {
         return found;
     }
+    QString lowered;
     for (int row = 0; row < m_rows.size(); ++row) {
-        if (!m_rows.at(row).toLower().contains(wanted)) {
+        lowerInto(lowered, m_rows.at(row));
+        if (!lowered.contains(wanted)) {
             continue;
         }
         if (!found.isEmpty() && found.constLast().second == row - 1) {

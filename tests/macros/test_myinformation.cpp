@@ -5,7 +5,6 @@
 #include <QTest>
 
 #include <csignal>
-
 #include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
@@ -39,10 +38,9 @@ private Q_SLOTS:
 private:
     void account(const QString &name, const QString &address) const
     {
-        m_tree->globals.settings.smtp[0] =
-            QStringList{u"smtp.x.org"_s, u"25"_s, u"N"_s, u"N"_s,   u""_s,     u""_s,
-                        name,            address, u""_s,  u""_s, u"/SAEND"_s}
-                .join(u'\t');
+        m_tree->globals.settings.smtp[0] = QStringList{u"smtp.x.org"_s, u"25"_s, u"N"_s, u"N"_s,     u""_s, u""_s, name,
+                                                       address,         u""_s,   u""_s,  u"/SAEND"_s}
+                                               .join(u'\t');
     }
     [[nodiscard]] const QString &file() const { return m_tree->globals.paths.macrosFile; }
     [[nodiscard]] QStringList lines() const { return m_tree->globals.lines.ReadLines(file()); }

@@ -90,7 +90,7 @@ void frmPubMacro::loadRows()
     const QFontMetrics metrics = fontMetrics();
     m_ui->lsv->setColumnWidth(MacroNameColumn,
                               metrics.horizontalAdvance(u"{Email Address of The Recipient}"_s) + margin);
-    m_ui->lsv->setColumnWidth(MacroSampleColumn, metrics.averageCharWidth() * 40);
+    m_ui->lsv->setColumnWidth(MacroSampleColumn, metrics.averageCharWidth() * 46);
 }
 
 void frmPubMacro::colorRows()

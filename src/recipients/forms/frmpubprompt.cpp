@@ -135,9 +135,13 @@ void frmPubPrompt::find()
     }
     QItemSelectionModel *selected = m_ui->lstRecips->selectionModel();
     const int current = m_ui->lstRecips->currentIndex().row();
-    // Forgotten rather than deselected: with tens of thousands of rows, telling what changed takes minutes.
-    selected->reset();
-    selected->select(selection, QItemSelectionModel::Select);
+    // What was selected is forgotten, and the view, which is painted anew below, is not told what changed: with tens of
+    // thousands of rows, working that out takes longer than everything else.
+    {
+        const QSignalBlocker untold(selected);
+        selected->reset();
+        selected->select(selection, QItemSelectionModel::Select);
+    }
     goToRow(found.isEmpty() ? current : found.constFirst().first);
     m_ui->lstRecips->viewport()->update();
 }

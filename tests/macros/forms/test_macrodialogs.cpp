@@ -209,8 +209,7 @@ void TestMacroDialogs::aDoubleClickEditsAUsersRow()
 {
     m->show();
     ExpectedPrompts prompts;
-    prompts.expectForm(u"frmPubMacroDetail"_s, -1,
-                       [this] { QCOMPARE(m->txtMacro()->text(), u"{My Website}"_s); });
+    prompts.expectForm(u"frmPubMacroDetail"_s, -1, [this] { QCOMPARE(m->txtMacro()->text(), u"{My Website}"_s); });
     m->click(u"{My Website}"_s);
     QTest::mouseDClick(m->list()->viewport(), Qt::LeftButton, {},
                        m->list()->visualItemRect(m->row(u"{My Website}"_s)).center());

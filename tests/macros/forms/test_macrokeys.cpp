@@ -1,5 +1,4 @@
 #include "macrofixture.h"
-
 #include "quillon/files/settingsfile.h"
 
 #include <QAccessible>

@@ -96,8 +96,7 @@ void TestPromptDialog::init()
     setLanguageFolder(QStringLiteral(TEST_SOURCE_DIR) + u"/../../../language/en"_s);
     m_memory = std::make_unique<InputPrompts>(m_tree->globals);
     m_forms = std::make_unique<quillon::FormRegistry>();
-    m_forms->add(u"frmPubPrompt"_s,
-                 [this] { return new frmPubPrompt(m_tree->globals, m_memory->entries(), m_help); });
+    m_forms->add(u"frmPubPrompt"_s, [this] { return new frmPubPrompt(m_tree->globals, m_memory->entries(), m_help); });
 }
 
 void TestPromptDialog::cleanup()
@@ -182,7 +181,8 @@ void TestPromptDialog::aLineThatIsNoRecipientIsListedLikeAnyOther()
     prompts({u"Lovelace"_s, u"b@x.org"_s});
     selectRows({0});
     ExpectedPrompts asked;
-    asked.expectInput(u"INPUT_RECIP"_s, u"Lovelace"_s, u"Lovelace"_s).expectBox(u"DEL_RECI_PROMPT"_s, 36, BoxAnswer::Yes);
+    asked.expectInput(u"INPUT_RECIP"_s, u"Lovelace"_s, u"Lovelace"_s)
+        .expectBox(u"DEL_RECI_PROMPT"_s, 36, BoxAnswer::Yes);
     button(u"sbtEdit"_s)->click();
     button(u"sbtDel"_s)->click();
     QCOMPARE(lines(), QStringList{u"b@x.org"_s});
