@@ -25,6 +25,7 @@ BOX_TITLE = "Corvane"
 POLL_SECONDS = 0.05
 PATIENCE_SECONDS = 120  # a safety net against a hang: no wait is expected to come near it
 GRACE_SECONDS = 5
+MENU_SECONDS = 2  # after which a menu that has not come is asked for again
 
 
 class StageError(Exception):
@@ -182,7 +183,7 @@ class Stage:
         """Gives the window the keyboard and waits until it has it."""
         def focused():
             self.xdotool("windowactivate", window)
-            return self.xdotool("getactivewindow") == window and self.xdotool("getwindowfocus", "-f") is not None
+            return self.xdotool("getactivewindow") == window and self.xdotool("getwindowfocus") == window
         self.wait("the keyboard on the window", focused, program)
 
     def press(self, *keys):
@@ -190,13 +191,27 @@ class Stage:
         if self.xdotool("key", "--clearmodifiers", *keys) is None:
             raise StageError(f"could not press {keys}")
 
+    def open_menu(self, program, letter):
+        """Opens a menu of the window that has the keyboard by its letter. Pressed again where it was not heard: a
+        window that got the keyboard a moment ago may not know it yet."""
+        before = len(self.windows(program.pid))
+        pressed = -MENU_SECONDS
+
+        def opened():
+            nonlocal pressed
+            if time.monotonic() - pressed >= MENU_SECONDS:
+                pressed = time.monotonic()
+                self.press("alt+" + letter)
+            return len(self.windows(program.pid)) > before
+        self.wait(f"the menu {letter.upper()}", opened, program)
+
     def type(self, text):
         """Types text on whatever has the keyboard; a line break is the Enter key."""
         lines = text.split("\n")
         for index, line in enumerate(lines):
             if index > 0:
                 self.press("Return")
-            if line and self.xdotool("type", "--clearmodifiers", "--delay", "5", "--", line) is None:
+            if line and self.xdotool("type", "--clearmodifiers", "--delay", "2", "--", line) is None:
                 raise StageError("could not type")
 
     def picture(self, path):
@@ -243,7 +258,7 @@ class Stage:
     def leave(self, program):
         """Leaves the program by the File menu's Exit, without saving the message; returns its exit code."""
         window = self.wait_for_window(MAIN_TITLE, program)
-        self.press("alt+f")
+        self.open_menu(program, "f")
         self.press("x")
 
         def ended():

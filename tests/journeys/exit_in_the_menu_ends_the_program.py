@@ -7,7 +7,7 @@ def exit_in_the_menu(stage, program, build_folder):
     child = stage.start("corvane", [program])
     stage.wait_for_window(journey.stages.MAIN_TITLE, child)
     boxes = []
-    stage.press("alt+f")
+    stage.open_menu(child, "f")
     stage.press("x")
 
     def ended():

@@ -48,7 +48,7 @@ def run_and_leave(stage, folder, key, before):
         return found if len(found) == 1 and found != before else None
     found = stage.wait("the companion", restarted, child)
     stage.focus(window, child)
-    stage.press("alt+f")
+    stage.open_menu(child, "f")
     stage.press(key)
     journey.check_equal(stage.wait_for_end(child, "the end of the program"), 0, "exit code")
     return found
