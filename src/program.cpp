@@ -13,7 +13,9 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QEvent>
 #include <QPixmap>
+#include <QPlainTextEdit>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -28,6 +30,7 @@ constexpr int closeMessage = 16;
 const QString splashForm = u"frmPubSplash"_s;
 const QString progressForm = u"frmPubProgress"_s;
 const QString optionsForm = u"frmPubOptions"_s;
+const QString promptsForm = u"frmPubPrompt"_s;
 
 } // namespace
 
@@ -36,6 +39,7 @@ Program::Program(const QString &programFolder, bool stopOnFault)
 {
     m_globals.programFolder = programFolder;
     quillon::setPrompts(&m_asker);
+    qApp->installEventFilter(this);
 }
 
 Program::~Program()
@@ -67,13 +71,16 @@ void Program::makeMainWindow()
     hooks.send = [this] { m_run->run(); };
     hooks.exitProgram = [this](bool stopScheduler) { exit(stopScheduler); };
     hooks.findSmtpRecord = [this](const QString &text) { return FindSmtpRecord(m_globals, text); };
+    hooks.showForm = [this](const QString &form) { showForm(form); };
+    hooks.insertIntoSignature = [this](const QString &macro) { return insertIntoSignature(macro); };
     hooks.optionsOpen = [this] { return m_forms.isLoaded(optionsForm); };
     hooks.showProgress = [this] { return showProgress(); };
     hooks.loadLists = [this] { loadLists(); };
     hooks.checkAccount = [this] { checkAccount(); };
     hooks.readPrompts = [this] { m_recipients.upsReadPrompts(); };
     hooks.minimised = [this] { m_tray->minimised(); };
-    hooks.closed = [] { QCoreApplication::quit(); };
+    // Not quit(), which asks every window first, and a box may say no.
+    hooks.closed = [] { QCoreApplication::exit(); };
     m_main = std::make_unique<frmPubMain>(m_globals, std::move(hooks));
     m_run = std::make_unique<SendRun>(m_globals, m_main->message(), m_progress, m_recipients);
     m_tray = std::make_unique<TrayIcon>(
@@ -116,6 +123,26 @@ void Program::checkAccount() const
     }
 }
 
+void Program::showForm(const QString &form)
+{
+    quillon::prompts().showModalForm(form, -1);
+    if (form == promptsForm) {
+        m_recipients.upsReadPrompts();
+    }
+}
+
+bool Program::insertIntoSignature(const QString &macro)
+{
+    if (!m_forms.isLoaded(optionsForm)) {
+        return false;
+    }
+    if (auto *signature = m_forms.form(optionsForm)->findChild<QPlainTextEdit *>(u"utbSign"_s)) {
+        signature->insertPlainText(macro);
+        signature->setFocus();
+    }
+    return true;
+}
+
 bool Program::showProgress()
 {
     const bool counting = m_forms.isLoaded(progressForm) && m_progress.counter() != QStringView(progressRestText);
@@ -129,12 +156,29 @@ void Program::exit(bool stopScheduler)
 {
     exitProgram(m_globals, stopScheduler,
                 {[] { return false; }, [] {}, [this](const QString &form) { m_forms.unload(form); },
-                 [this] { closeHelp(); }, [this] { m_tray->takeDown(); },
-                 [this] {
-                     m_run->abandon();
-                     m_main->message().Tag = u"EXITWITHMENU"_s;
-                     m_main->close();
-                 }});
+                 [this] { closeHelp(); }, [this] { m_tray->takeDown(); }, [this] { end(); }});
+}
+
+void Program::end()
+{
+    quillon::setPrompts(&m_silence);
+    m_run->abandon();
+    m_main->message().Tag = u"EXITWITHMENU"_s;
+    m_main->close();
+}
+
+bool Program::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::Quit || watched != qApp) {
+        return QObject::eventFilter(watched, event);
+    }
+    // The session ends: the close box's way into the tray would stand in its way.
+    if (m_main) {
+        end();
+    } else {
+        QCoreApplication::exit();
+    }
+    return true;
 }
 
 void Program::closeHelp() const

@@ -8,6 +8,7 @@
 #include "sending/forms/formprogressview.h"
 #include "sending/sendrun.h"
 
+#include <QObject>
 #include <QString>
 
 #include <memory>
@@ -18,15 +19,18 @@ class frmPubMain;
 class TrayIcon;
 
 /// The program as a whole: it makes the rooms, hands each what it needs of the others, and takes them down again.
-class Program {
+class Program : public QObject {
+    Q_OBJECT
+
 public:
     Program(const QString &programFolder, bool stopOnFault);
-    ~Program();
-    Program(const Program &) = delete;
-    Program &operator=(const Program &) = delete;
+    ~Program() override;
 
     /// Prepares the data and shows the splash, which hands over to the main window.
     void start();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void addForms();
@@ -34,14 +38,19 @@ private:
     void handOverFromSplash();
     void loadLists();
     void checkAccount() const;
+    void showForm(const QString &form);
+    bool insertIntoSignature(const QString &macro);
     bool showProgress();
     void exit(bool stopScheduler);
+    /// Lets the main window go and the process end; a run under way unwinds and nobody is asked anything more.
+    void end();
     void closeHelp() const;
 
     ApplicationGlobals m_globals;
     bool m_stopOnFault;
     quillon::FormRegistry m_forms;
     quillon::QtPrompts m_asker;
+    quillon::HarmlessPrompts m_silence; ///< in force once the program ends
     quillon::QtOpener m_opener;
     InputPrompts m_recipients;
     FormProgressView m_progress;

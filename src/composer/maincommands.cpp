@@ -5,6 +5,7 @@
 #include "composer/contentviews.h"
 #include "composer/editcommands.h"
 #include "composer/mainwindowmessage.h"
+#include "core/datatree.h"
 #include "core/texts.h"
 #include "quillon/system/platform.h"
 
@@ -37,8 +38,7 @@ void clearRecipients(MainWindowMessage &message)
 
 void viewLog(const ApplicationGlobals &globals)
 {
-    const QString month = quillon::systemClock().now().date().toString(u"yyyyMM"_s);
-    const QString path = globals.paths.logs + u'/' + month + u".log"_s;
+    const QString path = logPathAt(globals, quillon::systemClock().now());
     if (QFileInfo(path).isFile()) {
         globals.system.OpenDocument(path, maximised);
     } else {

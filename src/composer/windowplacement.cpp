@@ -10,7 +10,6 @@
 
 #include <array>
 #include <cmath>
-#include <limits>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -24,13 +23,14 @@ const QString section = u"Position"_s;
 enum Value { Left, Top, Width, Height };
 constexpr std::array<const char16_t *, 4> keys = {u"Left", u"Top", u"Width", u"Height"};
 
+constexpr double farthestTwips = 1e9; // what still can be reckoned with as a whole number
+
 /// A stored value in pixels; nothing, with a fault, for one that is no number.
 std::optional<int> toPixels(const QString &stored)
 {
     bool number = false;
     const double twips = stored.isEmpty() ? 0 : stored.toDouble(&number);
-    if ((!number && !stored.isEmpty()) || !std::isfinite(twips) ||
-        std::abs(twips) > std::numeric_limits<int>::max() / 2) {
+    if ((!number && !stored.isEmpty()) || !std::isfinite(twips) || std::abs(twips) > farthestTwips) {
         quillon::reportFault(u"a window cannot stand at "_s + stored);
         return {};
     }

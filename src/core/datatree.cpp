@@ -3,12 +3,14 @@
 #include "core/recipiententry.h"
 #include "quillon/fault.h"
 #include "quillon/files/safefile.h"
+#include "quillon/files/settingsfile.h"
 #include "quillon/mail/subjectcodec.h"
 #include "quillon/system/platform.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLocale>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -23,6 +25,7 @@ namespace {
 constexpr int userDataFolder = 26;
 constexpr int sharedDataFolder = 35;
 constexpr mode_t folderMode = S_IRWXU;
+const QString onceSection = u"Other"_s; // of the settings, where it stands what was done once
 constexpr mode_t fileMode = S_IRUSR | S_IWUSR;
 
 QString vendorFolder(const DataPaths &paths)
@@ -104,19 +107,26 @@ void copyFolder(const QString &from, const QString &to)
     }
 }
 
+/// Whether a step that is done once is still to be done. Settings that cannot be read tell nothing: what they may say
+/// was done long ago must not be done again over the user's data.
+bool isStillToBeDone(const ApplicationGlobals &globals, const QString &key, const QString &doneValue)
+{
+    const quillon::SettingsFile settings(globals.paths.optionsFile);
+    return settings.readable() && settings.value(onceSection, key) != doneValue;
+}
+
 void moveOver(const ApplicationGlobals &globals)
 {
     const DataPaths &paths = globals.paths;
     const QString old = quillon::dataRootBelow(paths.shared);
-    const QString section = u"Other"_s;
     const QString key = u"AppDataPath"_s;
     if (paths.shared.isEmpty() || !QFileInfo(old).isDir() ||
         QFileInfo(old).canonicalFilePath() == QFileInfo(paths.root).canonicalFilePath() ||
-        globals.system.ReadSetting(paths.optionsFile, section, key) == "True"_L1) {
+        !isStillToBeDone(globals, key, u"True"_s)) {
         return;
     }
     copyFolder(old, paths.root);
-    globals.system.WriteSetting(paths.optionsFile, section, key, u"True"_s);
+    globals.system.WriteSetting(paths.optionsFile, onceSection, key, u"True"_s);
 }
 
 void clearLeftovers(const QString &folder)
@@ -154,22 +164,24 @@ void upgradeSubject(const ApplicationGlobals &globals, const QString &file)
 {
     const QString section = u"Head"_s;
     const QString subject = globals.system.ReadSetting(file, section, u"Subject"_s).trimmed();
-    quillon::SubjectCodec codec;
+    const quillon::SubjectCodec codec;
+    if (codec.Decode(subject, u"utf-8"_s) != subject) {
+        return; // encoded already, by a conversion whose end could not be noted down
+    }
     globals.system.WriteSetting(file, section, u"Subject"_s, codec.Encode(subject, u"utf-8"_s));
 }
 
 void convertOnce(const ApplicationGlobals &globals, const QString &key,
                  void (*convert)(const ApplicationGlobals &, const QString &))
 {
-    const QString section = u"Other"_s;
-    if (globals.system.ReadSetting(globals.paths.optionsFile, section, key) == "Yes"_L1) {
+    if (!isStillToBeDone(globals, key, u"Yes"_s)) {
         return;
     }
     const QStringList files = headFiles(globals.paths);
     for (const QString &file : files) {
         convert(globals, file);
     }
-    globals.system.WriteSetting(globals.paths.optionsFile, section, key, u"Yes"_s);
+    globals.system.WriteSetting(globals.paths.optionsFile, onceSection, key, u"Yes"_s);
 }
 
 } // namespace
@@ -231,6 +243,11 @@ void UpgradeOldData(const ApplicationGlobals &globals)
 {
     convertOnce(globals, u"Upgraded"_s, upgradeSender);
     convertOnce(globals, u"UpgradedV50"_s, upgradeSubject);
+}
+
+QString logPathAt(const ApplicationGlobals &globals, const QDateTime &moment)
+{
+    return globals.paths.logs + u'/' + QLocale::c().toString(moment, u"yyyyMM"_s) + u".log"_s;
 }
 
 } // namespace corvane

@@ -2,6 +2,8 @@
 
 #include "core/globals.h"
 
+#include <QDateTime>
+
 namespace corvane {
 
 /// Works out all paths and makes the folders and files of the data tree that are missing, moves old data of all users
@@ -15,5 +17,8 @@ void UpgradeOldData(const ApplicationGlobals &globals);
 
 /// The paths of the data tree below a user's and a shared application data folder.
 [[nodiscard]] DataPaths dataPathsBelow(const QString &userFolder, const QString &sharedFolder);
+
+/// The file of the sending log of that moment's month.
+[[nodiscard]] QString logPathAt(const ApplicationGlobals &globals, const QDateTime &moment);
 
 } // namespace corvane

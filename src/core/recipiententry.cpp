@@ -39,6 +39,15 @@ QString toRecipientEntry(const QString &name, const QString &address)
     return name.isEmpty() ? address : name + u" <"_s + address + u'>';
 }
 
+QString trimmedEntry(const QString &piece)
+{
+    QString entry = piece.trimmed();
+    entry.replace(u"\r\n"_s, u" "_s);
+    entry.replace(u'\n', u' ');
+    entry.replace(u'\r', u' ');
+    return entry;
+}
+
 QStringList splitRecipients(const QString &text)
 {
     QString list = text.trimmed();
@@ -50,7 +59,7 @@ QStringList splitRecipients(const QString &text)
     }
     QStringList entries = list.split(u',');
     for (QString &entry : entries) {
-        entry = entry.trimmed();
+        entry = trimmedEntry(entry);
     }
     return entries;
 }

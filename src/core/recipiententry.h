@@ -19,8 +19,11 @@ namespace corvane {
 /// A name and an address as an entry: the name, " <", the address, ">", or the bare address when the name is empty.
 [[nodiscard]] QString toRecipientEntry(const QString &name, const QString &address);
 
-/// The text of a recipient field cut into its entries: trimmed, one trailing comma cut, split at commas, each trimmed.
-/// Empty entries in between are kept; an empty field has none.
+/// A piece of a recipient field as one entry: trimmed, and a line end within it, which parts nothing, is a blank.
+[[nodiscard]] QString trimmedEntry(const QString &piece);
+
+/// The text of a recipient field cut into its entries: trimmed, one trailing comma cut, split at commas, each as in
+/// trimmedEntry(). Empty entries in between are kept; an empty field has none.
 [[nodiscard]] QStringList splitRecipients(const QString &text);
 
 } // namespace corvane

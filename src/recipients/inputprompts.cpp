@@ -1,5 +1,7 @@
 #include "recipients/inputprompts.h"
 
+#include "core/recipiententry.h"
+
 #include <QSet>
 
 namespace corvane {
@@ -27,7 +29,7 @@ void InputPrompts::upsSavePrompts(const QString &to, const QString &cc, const QS
     QStringList added;
     const QStringList pieces = joined.split(u',');
     for (const QString &piece : pieces) {
-        const QString entry = piece.trimmed();
+        const QString entry = trimmedEntry(piece);
         if (!entry.isEmpty() && !known.contains(entry)) {
             known.insert(entry);
             added.append(entry);

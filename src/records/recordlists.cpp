@@ -47,6 +47,9 @@ void LoadSenderLists(SenderTarget target, const ApplicationGlobals &globals, Mes
     QStringList entries;
     const QStringList lines = globals.lines.ReadLines(globals.paths.sendersFile);
     for (const QString &line : lines) {
+        if (line.count(u'\t') < SenderAddress) {
+            continue;
+        }
         const QString name = recordField(line, SenderName);
         entries.append(toRecipientEntry(name.trimmed().isEmpty() ? QString() : name, recordField(line, SenderAddress)));
     }

@@ -1,6 +1,7 @@
 #include "sending/attachments.h"
 
 #include "quillon/archive/zipbuilder.h"
+#include "quillon/fault.h"
 
 #include <QDir>
 #include <QFile>
@@ -26,7 +27,9 @@ void emptyTemporaryFolder(const QString &folder)
 {
     const QStringList names = QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::System);
     for (const QString &name : names) {
-        QFile::remove(folder + u'/' + name);
+        if (!QFile::remove(folder + u'/' + name)) {
+            quillon::reportFault(u"cannot delete '"_s + folder + u'/' + name + u'\'');
+        }
     }
 }
 

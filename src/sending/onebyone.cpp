@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 
+#include <cmath>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -16,6 +17,7 @@ namespace corvane {
 namespace {
 
 constexpr int millisecondsPerSecond = 1000;
+constexpr double longestInterval = 1'000'000; // seconds; more than any timer is asked for
 
 using quillon::MailAddressList;
 using quillon::MailMessage;
@@ -63,9 +65,10 @@ void waitForInterval(const OneByOneContext &context)
 {
     const QString text = context.globals.settings.other[OboInterval];
     bool number = false;
-    const double seconds = text.toDouble(&number);
-    if (!number && !text.isEmpty()) {
-        quillon::reportFault(u"not a number of seconds: '"_s + text + u'\'');
+    const double seconds = text.isEmpty() ? 0 : text.toDouble(&number);
+    if ((!number && !text.isEmpty()) || !std::isfinite(seconds) || std::abs(seconds) > longestInterval) {
+        quillon::reportFault(u"not a number of seconds to wait: '"_s + text + u'\'');
+        return;
     }
     if (seconds == 0) {
         return;
@@ -126,6 +129,9 @@ void sendOneByOne(MailMessage &message, const OneByOneContext &context, const Co
         context.progress.setProgress(i, total);
         address(message, roll.Item(i), context);
         QCoreApplication::processEvents();
+        if (connection.abandoned()) {
+            return;
+        }
         ExpandMacros(context.globals, message);
         connection.quit();
         waitForInterval(context);
@@ -133,7 +139,7 @@ void sendOneByOne(MailMessage &message, const OneByOneContext &context, const Co
             return;
         }
         connection.connectAnew();
-        const bool sent = connection.send(message);
+        const bool sent = !connection.abandoned() && connection.send(message);
         if (connection.abandoned()) {
             return;
         }

@@ -1,5 +1,6 @@
 #include "sending/sendinglog.h"
 
+#include "core/datatree.h"
 #include "quillon/system/platform.h"
 
 #include <QLocale>
@@ -10,11 +11,6 @@ namespace corvane {
 
 namespace {
 constexpr int dividerLength = 75;
-}
-
-QString logPathAt(const ApplicationGlobals &globals, const QDateTime &moment)
-{
-    return globals.paths.logs + u'/' + QLocale::c().toString(moment, u"yyyyMM"_s) + u".log"_s;
 }
 
 SendingLog::SendingLog(const ApplicationGlobals &globals, const QDateTime &moment)

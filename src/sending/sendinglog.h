@@ -7,9 +7,6 @@
 
 namespace corvane {
 
-/// The file of one month's log.
-[[nodiscard]] QString logPathAt(const ApplicationGlobals &globals, const QDateTime &moment);
-
 /// One run's part of the log. The path is fixed when the run begins, so that a run across a month's end stays in one
 /// file. A write that fails never stops the run.
 class SendingLog {

@@ -42,6 +42,8 @@ constexpr std::array<Forwarded, 13> forwarded = {{
     {u"mentu", u"menfu", u"Exit, B&ut Keep the Scheduler"},
 }};
 
+constexpr int watchMilliseconds = 2000;
+
 QString productTip()
 {
     QByteArray tip = QGuiApplication::applicationDisplayName().toUtf8().left(tipBytes);
@@ -67,6 +69,13 @@ TrayIcon::TrayIcon(QWidget *window, Hooks hooks, const QString &menusFile)
     if (!m_hooks.trayAvailable) {
         m_hooks.trayAvailable = &QSystemTrayIcon::isSystemTrayAvailable;
     }
+    m_watch.setObjectName(u"watch"_s);
+    m_watch.setInterval(watchMilliseconds);
+    connect(&m_watch, &QTimer::timeout, this, [this] {
+        if (!m_hooks.trayAvailable()) {
+            restore(); // the tray has gone, and the icon in it was the only way back
+        }
+    });
     buildMenu();
     quillon::applyMenuSection(m_menu.get(), u"frmPubSender"_s, menusFile);
     m_icon->setContextMenu(m_menu.get());
@@ -123,6 +132,7 @@ bool TrayIcon::minimised()
     m_icon->setIcon(visibleIcon(m_window));
     m_icon->show();
     m_window->hide();
+    m_watch.start();
     return true;
 }
 
@@ -143,6 +153,7 @@ void TrayIcon::restore()
     m_window->raise();
     m_window->activateWindow();
     m_icon->hide();
+    m_watch.stop();
     if (m_hooks.setRestoring) {
         m_hooks.setRestoring(false);
     }
@@ -150,6 +161,7 @@ void TrayIcon::restore()
 
 void TrayIcon::takeDown()
 {
+    m_watch.stop();
     m_icon->hide();
 }
 

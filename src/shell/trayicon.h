@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -54,6 +55,7 @@ private:
     Hooks m_hooks;
     std::unique_ptr<QMenu> m_menu; ///< ment
     std::unique_ptr<QSystemTrayIcon> m_icon;
+    QTimer m_watch{this}; ///< while in the tray: whether the tray is still there
 };
 
 } // namespace corvane

@@ -43,6 +43,10 @@ private Q_SLOTS:
     void presentFileIsNeverTouched();
     void oldSharedFolderIsMovedOverOnce();
     void userWhoWasMovedOverKeepsTheirData();
+    void settingsThatCannotBeReadStopTheMoveOverAndTheConversions();
+    void sharedFolderThatIsTheUsersOwnIsNotCopied();
+    void everyFolderAndFileOfTheTreeIsMadeWritable();
+    void subjectThatIsEncodedAlreadyIsNotEncodedAgain();
     void readOnlyFileInSignsIsWritableAgain();
     void subFoldersAreNotWalkedForAttributes();
     void templateNamesAreTestedOnFiveLowerCasedCharacters();
@@ -139,6 +143,67 @@ void TestDataTree::userWhoWasMovedOverKeepsTheirData()
     writeFile(m_tree->globals.paths.optionsFile, "[Other]\r\nAppDataPath=True\r\n");
     corvane::PrepareDataFolder(m_tree->globals);
     QCOMPARE(contentOf(m_tree->globals.paths.smtpFile), QByteArray(""));
+}
+
+void TestDataTree::settingsThatCannotBeReadStopTheMoveOverAndTheConversions()
+{
+    const QString old = m_tree->sharedFolder() + u"/Lanthorn/Corvane"_s;
+    QVERIFY(QDir().mkpath(old + u"/data"_s));
+    writeFile(old + u"/data/smtp.dll"_s, "shared account\r\n");
+    corvane::PrepareDataFolder(m_tree->globals);
+    writeFile(m_tree->globals.paths.smtpFile, "my account\r\n");
+    const QByteArray head = "[Head]\r\nSMTP Account=a@b.c\r\nSender=Ada\r\nSubject=Grüße\r\n";
+    writeFile(this->head(u"head_a.dll"_s), head);
+    // A pipe in the place of the settings: even an administrator cannot read it as a file.
+    QVERIFY(QFile::remove(m_tree->globals.paths.optionsFile));
+    QCOMPARE(::mkfifo(QFile::encodeName(m_tree->globals.paths.optionsFile).constData(), 0600), 0);
+    corvane::PrepareDataFolder(m_tree->globals);
+    corvane::UpgradeOldData(m_tree->globals);
+    QCOMPARE(contentOf(m_tree->globals.paths.smtpFile), QByteArray("my account\r\n"));
+    QCOMPARE(contentOf(this->head(u"head_a.dll"_s)), head);
+}
+
+void TestDataTree::sharedFolderThatIsTheUsersOwnIsNotCopied()
+{
+    qputenv("XDG_DATA_DIRS", QFile::encodeName(m_tree->userFolder()));
+    corvane::PrepareDataFolder(m_tree->globals);
+    corvane::PrepareDataFolder(m_tree->globals);
+    QCOMPARE(setting(m_tree->globals.paths.optionsFile, u"Other"_s, u"AppDataPath"_s), QString());
+}
+
+void TestDataTree::everyFolderAndFileOfTheTreeIsMadeWritable()
+{
+    corvane::PrepareDataFolder(m_tree->globals);
+    const corvane::DataPaths &paths = m_tree->globals.paths;
+    const QStringList folders = {
+        QFileInfo(paths.root).path(), paths.root, paths.data, paths.signs, paths.templates, paths.logs, paths.zips};
+    QStringList files = {paths.markerFile};
+    for (const QString &folder : folders.sliced(2)) {
+        files.append(folder + u"/file"_s);
+        writeFile(files.constLast(), "x");
+    }
+    for (const QString &file : std::as_const(files)) {
+        QCOMPARE(::chmod(QFile::encodeName(file).constData(), 0040), 0);
+    }
+    for (const QString &folder : folders) {
+        QCOMPARE(::chmod(QFile::encodeName(folder).constData(), 0550), 0);
+    }
+    corvane::PrepareDataFolder(m_tree->globals);
+    for (const QString &folder : folders) {
+        QVERIFY2(modeOf(folder) == 0750, qPrintable(folder));
+    }
+    for (const QString &file : std::as_const(files)) {
+        QVERIFY2(modeOf(file) == 0640, qPrintable(file));
+    }
+}
+
+void TestDataTree::subjectThatIsEncodedAlreadyIsNotEncodedAgain()
+{
+    corvane::PrepareDataFolder(m_tree->globals);
+    const QString encoded = quillon::SubjectCodec().Encode(u"Grüße"_s, u"utf-8"_s);
+    writeFile(head(u"head_a.dll"_s), "[Head]\r\nSender=a@b.c\r\nSubject=" + encoded.toUtf8() + "\r\n");
+    corvane::UpgradeOldData(m_tree->globals);
+    QCOMPARE(setting(head(u"head_a.dll"_s), u"Head"_s, u"Subject"_s), encoded);
 }
 
 void TestDataTree::readOnlyFileInSignsIsWritableAgain()

@@ -13,6 +13,7 @@ private Q_SLOTS:
     void entryIsANameABlankAndAnAddressInBrackets_data();
     void nameEndsTwoCharactersBeforeTheBracket();
     void trailingCommaIsCutOnceAndEmptyEntriesStay();
+    void lineEndWithinAnEntryIsABlank();
 };
 
 void TestRecipientEntry::entryIsANameABlankAndAnAddressInBrackets_data()
@@ -59,6 +60,12 @@ void TestRecipientEntry::trailingCommaIsCutOnceAndEmptyEntriesStay()
     QCOMPARE(splitRecipients(u"a@b.c,\r\n d@e.f"_s), (QStringList{u"a@b.c"_s, u"d@e.f"_s}));
     QCOMPARE(splitRecipients(u","_s), QStringList());
     QCOMPARE(splitRecipients(u"  \r\n"_s), QStringList());
+}
+
+void TestRecipientEntry::lineEndWithinAnEntryIsABlank()
+{
+    QCOMPARE(splitRecipients(u"Bob\r\nLee <b@x.org>,\nCy\rD <c@x.org>"_s),
+             (QStringList{u"Bob Lee <b@x.org>"_s, u"Cy D <c@x.org>"_s}));
 }
 
 QTEST_GUILESS_MAIN(TestRecipientEntry)

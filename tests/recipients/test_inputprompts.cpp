@@ -31,6 +31,7 @@ private Q_SLOTS:
     void oneRecipientInTwoFieldsIsAddedOnce();
     void savingDoesNotChangeTheListInMemory();
     void noAddressTestIsMade();
+    void nameOnTwoLinesIsOneLineAndAddedOnce();
 
 private:
     [[nodiscard]] const QString &file() const { return m_tree->globals.paths.promptsFile; }
@@ -100,6 +101,14 @@ void TestInputPrompts::noAddressTestIsMade()
 {
     m_prompts->upsSavePrompts(u"not an address"_s, QString(), QString());
     QCOMPARE(contentOf(file()), QByteArray("not an address\r\n"));
+}
+
+void TestInputPrompts::nameOnTwoLinesIsOneLineAndAddedOnce()
+{
+    for (int i = 0; i < 2; ++i) {
+        m_prompts->upsSavePrompts(u"Bob\r\nLee <bob@y.org>"_s, QString(), QString());
+    }
+    QCOMPARE(contentOf(file()), QByteArray("Bob Lee <bob@y.org>\r\n"));
 }
 
 QTEST_GUILESS_MAIN(TestInputPrompts)

@@ -35,6 +35,8 @@ private Q_SLOTS:
     void shortLinesGiveNoAddressAndAreKept();
     void senderBoxesGetEntriesAndKeepTypedText();
     void senderWithoutANameShowsItsBareAddress();
+    void shortSenderLinesGiveNoEntry();
+    void emptyAddressFindsTheFirstAccountWithAnEmptyField();
 
 private:
     void accounts(const QStringList &lines) const
@@ -145,6 +147,23 @@ void TestAccountRecords::senderWithoutANameShowsItsBareAddress()
     FakeWindow window;
     LoadSenderLists(MainWindowBoxes, m_tree->globals, window);
     QCOMPARE(window.list(Field::Sender), QStringList{u"club@x.org"_s});
+}
+
+void TestAccountRecords::shortSenderLinesGiveNoEntry()
+{
+    writeFile(m_tree->globals.paths.sendersFile, "\r\nBob\r\nClub\tclub@x.org\t\r\n");
+    FakeWindow window;
+    LoadSenderLists(MainWindowBoxes, m_tree->globals, window);
+    QCOMPARE(window.list(Field::Sender), QStringList{u"Club <club@x.org>"_s});
+}
+
+void TestAccountRecords::emptyAddressFindsTheFirstAccountWithAnEmptyField()
+{
+    const QString full = u"mail.z.org\t25\tN\tY\tu\tp\tZoe\tzoe@z.org\tZoe\tzoe@z.org\t/SAEND"_s;
+    accounts({full, ada});
+    QCOMPARE(FindSmtpRecord(m_tree->globals, QString()), ada);
+    accounts({full});
+    QCOMPARE(FindSmtpRecord(m_tree->globals, QString()), QString());
 }
 
 QTEST_GUILESS_MAIN(TestAccountRecords)

@@ -49,6 +49,10 @@ private Q_SLOTS:
     void moreRecipientsThanCanBeCountedSendNothing();
     void serverThatDiesAndComesBackCostsItsMailsOnly();
     void logTellsTheModeOfTheRun();
+    void exitUnwindsWithoutAFurtherWord();
+    void exitUnwindsWithoutAFurtherWord_data();
+    void windowIsAliveBeforeTheWait();
+    void lastConnectionIsEnded();
 
 private:
     void runAndExpect(int total)
@@ -162,7 +166,7 @@ void TestOneByOne::intervalStandsInFrontOfEveryMail()
 void TestOneByOne::intervalThatIsNoNumberDoesNotWait()
 {
     const TestClock clock(QDateTime::currentDateTime());
-    for (const QString &text : {QString(), u"soon"_s}) {
+    for (const QString &text : {QString(), u"soon"_s, u"inf"_s, u"nan"_s, u"1e30"_s}) {
         m_bench->tree.globals.settings.other[OboInterval] = text;
         runAndExpect(3);
     }
@@ -332,6 +336,74 @@ void TestOneByOne::logTellsTheModeOfTheRun()
     QVERIFY(m_bench->log().contains(u"One By One: Yes"_s));
     QCOMPARE(m_bench->log().count(QString(75, u'-')), 1);
     QVERIFY(m_bench->log().contains(u"Dear {First Name of The Recipient},"_s));
+}
+
+void TestOneByOne::exitUnwindsWithoutAFurtherWord_data()
+{
+    QTest::addColumn<QString>("stage");
+    QTest::addColumn<qsizetype>("mails");
+    QTest::newRow("in the yield") << u"yield"_s << qsizetype(0);
+    QTest::newRow("in the wait") << u"wait"_s << qsizetype(0);
+    QTest::newRow("while connecting") << u"EHLO"_s << qsizetype(0);
+    QTest::newRow("while sending") << u"RCPT"_s << qsizetype(1);
+}
+
+void TestOneByOne::exitUnwindsWithoutAFurtherWord()
+{
+    QFETCH(const QString, stage);
+    QFETCH(const qsizetype, mails);
+    TestClock clock(QDateTime::currentDateTime());
+    m_bench->tree.globals.settings.other[OboInterval] = u"1"_s;
+    qsizetype shown = 0;
+    const auto exit = [this, &shown] {
+        shown = m_bench->progress.activities.size();
+        m_bench->sender.abandon();
+    };
+    m_bench->progress.afterCounter = [&](const QString &text) {
+        if (stage == u"yield" && text.startsWith(u"Sending 1/"_s)) {
+            QMetaObject::invokeMethod(this, exit, Qt::QueuedConnection);
+        }
+    };
+    clock.whileWaiting = [&] {
+        if (stage == u"wait") {
+            exit();
+        }
+    };
+    m_server->Responder = [&](const QByteArray &line) -> std::optional<QByteArray> {
+        if (m_server->Connections == 2 && line.startsWith(stage.toLatin1())) {
+            exit();
+        }
+        return std::nullopt;
+    };
+    const ExpectedPrompts asked; // none may come
+    m_bench->run();
+    QVERIFY(m_server->Mails.size() <= mails);
+    QCOMPARE(m_bench->progress.activities.size(), shown); // the forms are not touched any more
+    QVERIFY(m_bench->log().contains(u"Subject: Hello"_s));
+    QVERIFY(m_bench->log().filter(QRegularExpression(u"^(Error|End|text)"_s)).isEmpty());
+}
+
+void TestOneByOne::windowIsAliveBeforeTheWait()
+{
+    TestClock clock(QDateTime::currentDateTime());
+    m_bench->tree.globals.settings.other[OboInterval] = u"1"_s;
+    int handled = 0;
+    QList<int> handledBefore;
+    m_bench->progress.afterCounter = [&](const QString &text) {
+        if (text.startsWith(u"Sending "_s) && text.contains(u'/')) {
+            QMetaObject::invokeMethod(
+                this, [&] { ++handled; }, Qt::QueuedConnection);
+        }
+    };
+    clock.whileWaiting = [&] { handledBefore.append(handled); };
+    runAndExpect(3);
+    QCOMPARE(handledBefore, (QList<int>{1, 2, 3}));
+}
+
+void TestOneByOne::lastConnectionIsEnded()
+{
+    runAndExpect(3);
+    QTRY_COMPARE(m_server->count("QUIT"), 4);
 }
 
 QTEST_GUILESS_MAIN(TestOneByOne)

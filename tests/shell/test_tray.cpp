@@ -8,6 +8,7 @@
 #include <QSystemTrayIcon>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <array>
 
@@ -73,6 +74,7 @@ private Q_SLOTS:
     void captionsComeFromTheDialogsSection();
     void everyEntryHasACaptionOfItsOwn();
     void takingDownRemovesTheIcon();
+    void theWindowComesBackWhenTheTrayGoes();
 
 private:
     TrayIcon::Hooks hooks();
@@ -122,6 +124,20 @@ void TestTray::minimisingHidesTheWindowBehindTheIcon()
     QVERIFY(m_tray->inTray());
     QVERIFY(!m_window->isVisible());
     QVERIFY(!m_tray->icon()->icon().isNull());
+}
+
+void TestTray::theWindowComesBackWhenTheTrayGoes()
+{
+    auto *watch = m_tray->findChild<QTimer *>(u"watch"_s);
+    QVERIFY(watch && !watch->isActive());
+    QVERIFY(m_tray->minimised());
+    QVERIFY(watch->isActive());
+    watch->setInterval(0);
+    QCoreApplication::processEvents();
+    QVERIFY(!m_window->isVisible());
+    m_available = false;
+    QTRY_VERIFY(m_window->isVisible());
+    QVERIFY(!watch->isActive());
 }
 
 void TestTray::withoutATrayTheWindowStaysMinimised()

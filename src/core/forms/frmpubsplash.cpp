@@ -1,5 +1,6 @@
 #include "core/forms/frmpubsplash.h"
 
+#include <QCloseEvent>
 #include <QGuiApplication>
 #include <QLinearGradient>
 #include <QPainter>
@@ -42,6 +43,12 @@ void frmPubSplash::showEvent(QShowEvent *event)
         m_started = true;
         m_timer->start();
     }
+}
+
+void frmPubSplash::closeEvent(QCloseEvent *event)
+{
+    // Closed by the user before its time, it would leave a program without any window behind.
+    event->setAccepted(m_fired || !event->spontaneous());
 }
 
 void frmPubSplash::fire()

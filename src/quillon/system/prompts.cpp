@@ -11,58 +11,66 @@ namespace quillon {
 namespace {
 
 /// In force before any other: nobody is there to answer.
-class NoPrompts : public Prompts {
-public:
-    BoxAnswer box(const BoxRequest &request) override
-    {
-        reportFault(u"nobody to answer the box '"_s + request.Key + u'\'');
-        switch (request.Style) {
-        case YesNoBox:
-            return BoxAnswer::No;
-        case YesNoCancelBox:
-        case OkCancelQuestionBox:
-        case OkCancelInformationBox:
-            return BoxAnswer::Cancel;
-        default:
-            return BoxAnswer::Ok;
-        }
-    }
-    QString input(const InputRequest &request) override
-    {
-        reportFault(u"nobody to answer the input box '"_s + request.Key + u'\'');
-        return {};
-    }
-    QStringList openFiles(const FileRequest &request) override
-    {
-        reportFault(u"nobody to choose: "_s + request.Title);
-        return {};
-    }
-    QString saveFile(const FileRequest &request) override
-    {
-        reportFault(u"nobody to choose: "_s + request.Title);
-        return {};
-    }
-    QString selectFolder(const QString &title) override
-    {
-        reportFault(u"nobody to choose: "_s + title);
-        return {};
-    }
-    long chooseColor() override
-    {
-        reportFault(u"nobody to choose a colour"_s);
-        return -1;
-    }
-    void showModalForm(const QString &form, int tab) override
-    {
-        Q_UNUSED(tab)
-        reportFault(u"nobody to show the form '"_s + form + u'\'');
-    }
+class NoPrompts : public HarmlessPrompts {
+protected:
+    void unanswered(const QString &what) override { reportFault(u"nobody to answer: "_s + what); }
 };
 
 NoPrompts nobody;
 Prompts *present = &nobody;
 
 } // namespace
+
+BoxAnswer HarmlessPrompts::box(const BoxRequest &request)
+{
+    unanswered(request.Key + u' ' + request.Text);
+    switch (request.Style) {
+    case YesNoBox:
+        return BoxAnswer::No;
+    case YesNoCancelBox:
+    case OkCancelQuestionBox:
+    case OkCancelInformationBox:
+        return BoxAnswer::Cancel;
+    default:
+        return BoxAnswer::Ok;
+    }
+}
+
+QString HarmlessPrompts::input(const InputRequest &request)
+{
+    unanswered(request.Key + u' ' + request.Prompt);
+    return {};
+}
+
+QStringList HarmlessPrompts::openFiles(const FileRequest &request)
+{
+    unanswered(request.Title);
+    return {};
+}
+
+QString HarmlessPrompts::saveFile(const FileRequest &request)
+{
+    unanswered(request.Title);
+    return {};
+}
+
+QString HarmlessPrompts::selectFolder(const QString &title)
+{
+    unanswered(title);
+    return {};
+}
+
+long HarmlessPrompts::chooseColor()
+{
+    unanswered(u"which colour"_s);
+    return -1;
+}
+
+void HarmlessPrompts::showModalForm(const QString &form, int tab)
+{
+    Q_UNUSED(tab)
+    unanswered(form);
+}
 
 Prompts &prompts()
 {

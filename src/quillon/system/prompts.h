@@ -69,6 +69,23 @@ public:
     virtual void showModalForm(const QString &form, int tab) = 0;
 };
 
+/// Answers every prompt with its harmless answer and shows nothing: for a program that is ending, where nobody is asked
+/// any more.
+class HarmlessPrompts : public Prompts {
+public:
+    BoxAnswer box(const BoxRequest &request) override;
+    QString input(const InputRequest &request) override;
+    QStringList openFiles(const FileRequest &request) override;
+    QString saveFile(const FileRequest &request) override;
+    QString selectFolder(const QString &title) override;
+    long chooseColor() override;
+    void showModalForm(const QString &form, int tab) override;
+
+protected:
+    /// Told of every prompt.
+    virtual void unanswered(const QString &what) { Q_UNUSED(what) }
+};
+
 /// The prompts in force. Before any were set, every prompt is a fault and is answered with its harmless answer.
 Prompts &prompts();
 

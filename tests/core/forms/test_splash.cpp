@@ -1,10 +1,13 @@
 #include "core/forms/frmpubsplash.h"
 #include "quillon/forms/formregistry.h"
 
+#include <QApplication>
+#include <QCloseEvent>
 #include <QEventLoop>
 #include <QPixmap>
 #include <QTest>
 #include <QTimer>
+#include <QtTest/qtestspontaneevent.h>
 
 using namespace Qt::StringLiterals;
 using corvane::frmPubSplash;
@@ -19,6 +22,7 @@ private Q_SLOTS:
     void aNestedLoopInTheHandOverDoesNotFireAgain();
     void theHandOverMayUnloadTheSplash();
     void anUnloadedSplashHandsOverNoMore();
+    void aUsersCloseBeforeItsTimeIsRefused();
     void aPictureFillsTheWindow();
     void withoutAPictureTheNameIsDrawn();
 
@@ -112,6 +116,24 @@ void TestSplash::anUnloadedSplashHandsOverNoMore()
     QVERIFY(timer->isActive());
     forms.unload(u"frmPubSplash"_s);
     QVERIFY(!timer->isActive());
+}
+
+void TestSplash::aUsersCloseBeforeItsTimeIsRefused()
+{
+    int handedOver = 0;
+    frmPubSplash splash([&] { ++handedOver; });
+    splash.show();
+    QCloseEvent close;
+    QSpontaneKeyEvent::setSpontaneous(&close);
+    qApp->notify(&splash, &close); // sendEvent() would make it the program's own
+    QVERIFY(!close.isAccepted());
+    QVERIFY(timerOf(&splash)->isActive());
+    expire(timerOf(&splash));
+    QCOMPARE(handedOver, 1);
+    QCloseEvent late;
+    QSpontaneKeyEvent::setSpontaneous(&late);
+    qApp->notify(&splash, &late);
+    QVERIFY(late.isAccepted());
 }
 
 void TestSplash::aPictureFillsTheWindow()
