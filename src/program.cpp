@@ -4,7 +4,10 @@
 #include "core/forms/frmpubsplash.h"
 #include "core/launcher.h"
 #include "core/texts.h"
+#include "macros/forms/frmpubmacro.h"
+#include "macros/forms/frmpubmacrodetail.h"
 #include "macros/macrocatalogue.h"
+#include "recipients/forms/frmpubprompt.h"
 #include "records/accountrecords.h"
 #include "records/forms/frmpuboptions.h"
 #include "records/recordlists.h"
@@ -63,6 +66,11 @@ void Program::addForms()
             {[this] { m_main->message().pblnStop = true; }, [this] { m_forms.unload(progressForm); }});
     });
     m_forms.add(optionsForm, [this] { return new frmPubOptions(m_globals.paths); });
+    m_forms.add(u"frmPubMacro"_s, [this] {
+        return new frmPubMacro(m_globals, m_forms, {[this] { loadMacroMenu(); }, {}});
+    });
+    m_forms.add(u"frmPubMacroDetail"_s, [] { return new frmPubMacroDetail; });
+    m_forms.add(promptsForm, [this] { return new frmPubPrompt(m_globals, m_recipients.entries()); });
 }
 
 void Program::makeMainWindow()
@@ -112,6 +120,11 @@ void Program::loadLists()
 {
     LoadSmtpLists(m_globals, m_main->message());
     LoadSenderLists(MainWindowBoxes, m_globals, m_main->message());
+    loadMacroMenu();
+}
+
+void Program::loadMacroMenu()
+{
     seedMacros(m_globals);
     m_main->setMacroMenu(macroMenuCaptions(m_globals));
 }

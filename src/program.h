@@ -37,6 +37,7 @@ private:
     void makeMainWindow();
     void handOverFromSplash();
     void loadLists();
+    void loadMacroMenu();
     void checkAccount() const;
     void showForm(const QString &form);
     bool insertIntoSignature(const QString &macro);
