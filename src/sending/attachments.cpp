@@ -3,6 +3,7 @@
 #include "quillon/archive/zipbuilder.h"
 #include "quillon/fault.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -68,6 +69,8 @@ void attachFolder(const ApplicationGlobals &globals, const QString &folder, quil
         pattern += u"/*"_s;
         zip.AddPattern(pattern);
     }
+    // The window is drawn meanwhile; what the user does waits, since the message is only half filled.
+    zip.Breathe = [] { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); };
     zip.Build();
 }
 

@@ -3,6 +3,7 @@
 #include "quillon/fault.h"
 #include "quillon/files/textcoding.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QSet>
 
@@ -26,6 +27,7 @@ namespace quillon {
 namespace {
 
 constexpr std::size_t chunkSize = 128 * 1024;
+constexpr qint64 breathMilliseconds = 50;
 
 struct WriteDeleter {
     void operator()(archive *writer) const { archive_write_free(writer); }
@@ -63,13 +65,18 @@ std::vector<QByteArray> namesIn(const QByteArray &folder)
 /// Fills an archive from folders.
 class Packer {
 public:
-    explicit Packer(archive *writer) : m_writer(writer), m_chunk(chunkSize, Qt::Uninitialized) {}
+    Packer(archive *writer, std::function<void()> breathe)
+        : m_writer(writer), m_breathe(std::move(breathe)), m_chunk(chunkSize, Qt::Uninitialized)
+    {
+        m_sinceBreath.start();
+    }
 
     /// Adds the content of @p folder and of @p levels - 1 levels below it, under @p prefix. False when the archive
     /// cannot be written to.
     bool addFolder(const QByteArray &folder, const QString &prefix, int levels)
     {
         for (const QByteArray &name : namesIn(folder)) {
+            breathe();
             const QByteArray path = folder + '/' + name;
             struct stat status {};
             if (::lstat(path.constData(), &status) != 0) {
@@ -144,11 +151,22 @@ private:
                 return false;
             }
             size -= count;
+            breathe();
         }
         return true;
     }
 
+    void breathe()
+    {
+        if (m_breathe && m_sinceBreath.hasExpired(breathMilliseconds)) {
+            m_breathe();
+            m_sinceBreath.restart();
+        }
+    }
+
     archive *m_writer;
+    std::function<void()> m_breathe;
+    QElapsedTimer m_sinceBreath;
     QByteArray m_chunk;
     QSet<QString> m_names;
 };
@@ -178,7 +196,7 @@ bool ZipBuilder::Build()
                  archive_write_set_options(writer.get(), "zip:hdrcharset=UTF-8") == ARCHIVE_OK &&
                  archive_write_open_filename(writer.get(), partial.constData()) == ARCHIVE_OK;
     if (built) {
-        Packer packer(writer.get());
+        Packer packer(writer.get(), Breathe);
         for (const auto &[folder, levels] : levelsOf) {
             built = built && levels > 0 && packer.addFolder(QFile::encodeName(folder), QString(), levels);
         }

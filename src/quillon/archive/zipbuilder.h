@@ -5,13 +5,16 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 namespace quillon {
 
 /// Writes one .zip archive (ZIP64 where it is needed, names in UTF-8). Files are streamed; a link to a file is stored
 /// as that file, a link to a folder is left out, as are pipes, devices and what cannot be read.
 class ZipBuilder {
 public:
-    QString ArchivePath; ///< where the archive goes
+    QString ArchivePath;           ///< where the archive goes
+    std::function<void()> Breathe; ///< called some twenty times a second while Build() is at work
 
     /// Adds what matches a path of a folder and one or more levels "/*": each level takes in the files and folders
     /// of one further level below that folder.

@@ -1,0 +1,178 @@
+#include "quillon/archive/zipbuilder.h"
+#include "quillon/fault.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Runs a Python program on an archive, which is handed as its argument; gives what it printed, or its error.
+QString python(const QString &program, const QString &archive)
+{
+    QProcess process;
+    process.start(u"/usr/bin/python3"_s,
+                  {u"-c"_s, u"import sys, zipfile\nz = zipfile.ZipFile(sys.argv[1])\n"_s + program, archive});
+    process.waitForFinished(-1);
+    return QString::fromUtf8(process.readAllStandardOutput() + process.readAllStandardError()).trimmed();
+}
+
+} // namespace
+
+class TestZipBuilder : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        QVERIFY(QDir().mkpath(path(u"mine"_s)));
+    }
+
+    void eachPatternAddsOneLevel();
+    void namesAreUtf8();
+    void fileThatChangesWhileItIsReadLeavesAValidArchive();
+    void folderThatVanishesGivesAnArchiveWithoutIt();
+    void fileAboveFourGigabytesMakesAZip64Archive();
+    void failedWriteLeavesNoArchive();
+    void anEarlierArchiveIsReplaced();
+    void longWorkLetsOthersBreathe();
+
+private:
+    [[nodiscard]] QString path(const QString &name) const { return m_folder->filePath(name); }
+    void write(const QString &name, const QByteArray &bytes) const
+    {
+        QFile file(path(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(bytes), bytes.size());
+    }
+    [[nodiscard]] bool build(int levels) const
+    {
+        quillon::ZipBuilder zip;
+        zip.ArchivePath = path(u"a.zip"_s);
+        for (int i = 1; i <= levels; ++i) {
+            zip.AddPattern(path(u"mine"_s) + u"/*"_s.repeated(i));
+        }
+        return zip.Build();
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void TestZipBuilder::eachPatternAddsOneLevel()
+{
+    QVERIFY(QDir().mkpath(path(u"mine/d/e"_s)));
+    write(u"mine/one"_s, "1");
+    write(u"mine/d/two"_s, "2");
+    write(u"mine/d/e/three"_s, "3");
+    QVERIFY(build(1));
+    QCOMPARE(python(u"print(sorted(z.namelist()))"_s, path(u"a.zip"_s)), u"['d/', 'one']"_s);
+    QVERIFY(build(2));
+    QCOMPARE(python(u"print(sorted(z.namelist()))"_s, path(u"a.zip"_s)), u"['d/', 'd/e/', 'd/two', 'one']"_s);
+}
+
+void TestZipBuilder::namesAreUtf8()
+{
+    write(u"mine/Grüße 漢.txt"_s, "x");
+    QVERIFY(build(1));
+    QCOMPARE(python(u"i = z.infolist()[0]\nprint(ascii(i.filename), bool(i.flag_bits & 0x800))"_s, path(u"a.zip"_s)),
+             u"'Gr\\xfc\\xdfe \\u6f22.txt' True"_s);
+}
+
+void TestZipBuilder::fileThatChangesWhileItIsReadLeavesAValidArchive()
+{
+    write(u"mine/restless"_s, QByteArray(3'000'000, 'x'));
+    write(u"mine/steady"_s, "steady");
+    QProcess restless; // grows, shrinks and vanishes for as long as its input is open
+    restless.start(u"/usr/bin/python3"_s, {u"-c"_s,
+                                           u"import os, select, sys\n"
+                                           "path, i = sys.argv[1], 0\n"
+                                           "print('ready', flush=True)\n"
+                                           "while not select.select([sys.stdin], [], [], 0)[0]:\n"
+                                           "    i += 1\n"
+                                           "    with open(path, 'ab') as file:\n"
+                                           "        file.truncate(i * 7919 % 5000000)\n"
+                                           "        file.write(b'y' * (i % 100000))\n"
+                                           "    if i % 10 == 0:\n"
+                                           "        os.unlink(path)\n"_s,
+                                           path(u"mine/restless"_s)});
+    QVERIFY(restless.waitForReadyRead());
+    for (int round = 0; round < 40; ++round) {
+        QVERIFY(build(1));
+        QCOMPARE(python(u"assert z.testzip() is None\nprint(z.read('steady').decode())"_s, path(u"a.zip"_s)),
+                 u"steady"_s);
+    }
+    restless.closeWriteChannel();
+    QVERIFY(restless.waitForFinished());
+}
+
+void TestZipBuilder::folderThatVanishesGivesAnArchiveWithoutIt()
+{
+    QVERIFY(QDir(path(u"mine"_s)).removeRecursively());
+    QVERIFY(build(1));
+    QCOMPARE(python(u"print(z.namelist())"_s, path(u"a.zip"_s)), u"[]"_s);
+}
+
+void TestZipBuilder::fileAboveFourGigabytesMakesAZip64Archive()
+{
+    constexpr qint64 size = 4'500'000'000;
+    write(u"mine/huge"_s, "begin");
+    QCOMPARE(::truncate(QFile::encodeName(path(u"mine/huge"_s)).constData(), size), 0);
+    struct stat status {};
+    QCOMPARE(::stat(QFile::encodeName(path(u"mine/huge"_s)).constData(), &status), 0);
+    if (status.st_blocks * 512LL > size / 10) {
+        QSKIP("this file system has no sparse files");
+    }
+    write(u"mine/last"_s, "after it");
+    QVERIFY(build(1));
+    QCOMPARE(
+        python(u"i = z.getinfo('huge')\nprint(i.file_size, z.open(i).read(5), z.read('last'))"_s, path(u"a.zip"_s)),
+        QString::number(size) + u" b'begin' b'after it'"_s);
+}
+
+void TestZipBuilder::failedWriteLeavesNoArchive()
+{
+    write(u"mine/a"_s, "x");
+    quillon::ZipBuilder zip;
+    zip.ArchivePath = path(u"not there/a.zip"_s);
+    zip.AddPattern(path(u"mine/*"_s));
+    const int faults = quillon::faultCount();
+    QVERIFY(!zip.Build());
+    QCOMPARE(quillon::faultCount(), faults + 1);
+    QVERIFY(QDir().mkpath(path(u"folder.zip"_s)));
+    zip.ArchivePath = path(u"folder.zip"_s);
+    QVERIFY(!zip.Build());
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+             (QStringList{u"folder.zip"_s, u"mine"_s}));
+}
+
+void TestZipBuilder::anEarlierArchiveIsReplaced()
+{
+    write(u"a.zip"_s, "not an archive");
+    write(u"mine/a"_s, "x");
+    QVERIFY(build(1));
+    QCOMPARE(python(u"print(z.namelist())"_s, path(u"a.zip"_s)), u"['a']"_s);
+}
+
+void TestZipBuilder::longWorkLetsOthersBreathe()
+{
+    write(u"mine/large"_s, "x");
+    QCOMPARE(::truncate(QFile::encodeName(path(u"mine/large"_s)).constData(), 400'000'000), 0);
+    quillon::ZipBuilder zip;
+    zip.ArchivePath = path(u"a.zip"_s);
+    zip.AddPattern(path(u"mine/*"_s));
+    int breaths = 0;
+    zip.Breathe = [&] { ++breaths; };
+    QVERIFY(zip.Build());
+    QVERIFY(breaths > 0);
+}
+
+QTEST_GUILESS_MAIN(TestZipBuilder)
+#include "test_zipbuilder.moc"
