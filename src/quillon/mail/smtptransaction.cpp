@@ -53,6 +53,7 @@ void SmtpTransaction::writeCommands()
     }
     if (!lines.isEmpty()) {
         m_wire.write(lines);
+        m_wire.flush();
     }
 }
 
@@ -127,6 +128,9 @@ void SmtpTransaction::pump()
         if (m_body.isAtEnd()) {
             m_state = State::EndOfData;
         }
+    }
+    if (m_state == State::EndOfData) {
+        m_wire.flush();
     }
 }
 

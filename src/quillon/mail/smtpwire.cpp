@@ -1,10 +1,7 @@
 #include "quillon/mail/smtpwire.h"
 
-#include "quillon/mail/smtptls.h"
-
 #include <QCoreApplication>
 #include <QHostAddress>
-#include <QSslError>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -19,43 +16,43 @@ constexpr qint64 readAhead = 64 * 1024;
 constexpr auto farewell = 3s;
 
 // Lets a socket end without its session: the peer has a moment to answer QUIT and close, then it is cut off.
-void retire(QSslSocket *socket, bool politely)
+void retire(QTcpSocket *socket, const QByteArray &quit)
 {
     // Whatever the program's end cuts short then goes with the application.
     socket->setParent(QCoreApplication::instance());
-    if (!politely || socket->state() != QAbstractSocket::ConnectedState) {
+    if (quit.isEmpty() || socket->state() != QAbstractSocket::ConnectedState) {
         socket->abort();
         socket->deleteLater();
         return;
     }
-    QObject::connect(socket, &QSslSocket::readyRead, socket, [socket] { socket->readAll(); });
-    QObject::connect(socket, &QSslSocket::disconnected, socket, &QObject::deleteLater);
-    QTimer::singleShot(farewell, socket, [socket] {
+    QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket] { socket->readAll(); });
+    QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    // A timer of the socket's own ends with it: at a good pace there would be thousands within the time.
+    auto *timer = new QTimer(socket);
+    timer->setSingleShot(true);
+    QObject::connect(timer, &QTimer::timeout, socket, [socket] {
         socket->abort();
         socket->deleteLater();
     });
-    socket->write("QUIT\r\n");
+    timer->start(farewell);
+    socket->write(quit);
     socket->flush();
 }
 
 } // namespace
 
-SmtpWire::SmtpWire(QObject *parent) : QObject(parent), m_socket(new QSslSocket)
+SmtpWire::SmtpWire(QObject *parent) : QObject(parent), m_socket(new QTcpSocket)
 {
     m_silence.setSingleShot(true);
     connect(&m_silence, &QTimer::timeout, this, &SmtpWire::onSilence);
-    connect(m_socket, &QSslSocket::connected, this, [this] {
+    connect(m_socket, &QTcpSocket::connected, this, [this] {
         // Commands are short and each awaits its answer: none may wait for the one before to be acknowledged.
         m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
         Q_EMIT connected();
     });
-    connect(m_socket, &QSslSocket::encrypted, this, &SmtpWire::onEncrypted);
-    connect(m_socket, &QSslSocket::readyRead, this, &SmtpWire::onReadyRead);
-    connect(m_socket, &QSslSocket::bytesWritten, this, &SmtpWire::onBytesWritten);
-    connect(m_socket, &QSslSocket::encryptedBytesWritten, this, &SmtpWire::onBytesWritten);
-    connect(m_socket, &QSslSocket::errorOccurred, this, &SmtpWire::onError);
-    connect(m_socket, &QSslSocket::newSessionTicketReceived, this,
-            [this] { SmtpTls::keepTicket(m_host, m_port, m_socket->sslConfiguration().sessionTicket()); });
+    connect(m_socket, &QTcpSocket::readyRead, this, &SmtpWire::onReadyRead);
+    connect(m_socket, &QTcpSocket::bytesWritten, this, &SmtpWire::onBytesWritten);
+    connect(m_socket, &QTcpSocket::errorOccurred, this, &SmtpWire::onError);
     m_socket->setReadBufferSize(readAhead);
 }
 
@@ -74,21 +71,40 @@ void SmtpWire::open(const QString &host, quint16 port, const QNetworkProxy &prox
 
 void SmtpWire::startTls()
 {
-    m_socket->setSslConfiguration(SmtpTls::configurationFor(m_host, m_port));
-    m_socket->setPeerVerifyName(m_host);
-    m_socket->startClientEncryption();
+    if (m_socket) {
+        m_tls = std::make_unique<TlsClient>(m_host, m_port);
+        shakeHands();
+    }
 }
 
 void SmtpWire::write(const QByteArray &octets)
 {
-    if (m_socket) {
+    if (!m_socket) {
+        return;
+    }
+    if (m_tls) {
+        m_tls->write(octets);
+        m_socket->write(m_tls->takeOutput());
+    } else {
         m_socket->write(octets);
+    }
+}
+
+void SmtpWire::flush()
+{
+    if (m_socket) {
+        m_flushing = true;
+        m_socket->flush();
+        m_flushing = false;
+    }
+    if (m_tls && m_tls->state() == TlsClient::State::Failed) {
+        giveUp(m_tls->fault());
     }
 }
 
 qint64 SmtpWire::unsent() const
 {
-    return m_socket ? m_socket->bytesToWrite() + m_socket->encryptedBytesToWrite() : 0;
+    return m_socket ? m_socket->bytesToWrite() : 0;
 }
 
 bool SmtpWire::hasRoom() const
@@ -110,94 +126,138 @@ QByteArray SmtpWire::addressLiteral() const
 
 void SmtpWire::allowSilence(std::chrono::milliseconds time)
 {
-    if (m_socket && time > 0ms) {
-        m_silence.start(time);
-    } else {
-        m_silence.stop();
+    m_allowed = m_socket ? time : 0ms;
+    if (m_allowed <= 0ms) {
+        return; // a timer that stands finds nothing to do
+    }
+    // Starting the timer anew at every sign of the peer would cost more than all else here: it only looks at the clock
+    // when it goes off, and is started anew when that would be too late.
+    m_lastSign = Clock::now();
+    const Clock::time_point due = m_lastSign + m_allowed;
+    if (!m_silence.isActive() || due < m_due) {
+        m_due = due;
+        m_silence.start(m_allowed);
     }
 }
 
 void SmtpWire::close(bool politely)
 {
     m_silence.stop();
+    m_allowed = 0ms;
     if (!m_socket) {
         return;
     }
-    QSslSocket *socket = m_socket;
+    QByteArray quit;
+    if (politely) {
+        quit = "QUIT\r\n";
+        if (m_tls) {
+            m_tls->write(quit);
+            quit = m_tls->takeOutput();
+        }
+    }
+    QTcpSocket *socket = m_socket;
     m_socket.clear();
     socket->disconnect(this);
-    retire(socket, politely);
+    retire(socket, quit);
 }
 
 void SmtpWire::onReadyRead()
 {
-    if (m_silence.isActive()) {
-        m_silence.start();
+    m_lastSign = Clock::now();
+    const QByteArray octets = m_socket->readAll();
+    if (!m_tls) {
+        take(octets);
+        return;
     }
+    m_tls->feed(octets);
+    const QPointer<SmtpWire> self(this);
+    if (m_tls->state() == TlsClient::State::Handshake) {
+        shakeHands();
+    }
+    if (!self || !m_socket || !isEncrypted()) {
+        return;
+    }
+    const QByteArray text = m_tls->read();
+    m_socket->write(m_tls->takeOutput()); // TLS itself may have something to answer
+    const TlsClient::State state = m_tls->state();
+    if (!text.isEmpty()) {
+        take(text);
+    }
+    if (!self || !m_socket) {
+        return;
+    }
+    if (state == TlsClient::State::Ended) {
+        giveUp(u"the server has closed the connection"_s);
+    } else if (state == TlsClient::State::Failed) {
+        giveUp(m_tls->fault());
+    }
+}
+
+void SmtpWire::take(const QByteArray &octets)
+{
     m_heard = true;
-    m_parser.feed(m_socket->readAll());
+    m_parser.feed(octets);
     Q_EMIT heard();
+}
+
+void SmtpWire::shakeHands()
+{
+    m_tls->shakeHands();
+    m_socket->write(m_tls->takeOutput()); // at a failure this says so to the server
+    if (m_tls->state() == TlsClient::State::Failed) {
+        flush();
+    } else if (m_tls->state() == TlsClient::State::Ready) {
+        Q_EMIT encrypted(); // what it writes goes along with the end of the handshake
+    } else {
+        flush();
+    }
 }
 
 void SmtpWire::onBytesWritten()
 {
-    if (m_silence.isActive()) {
-        m_silence.start();
+    m_lastSign = Clock::now();
+    if (!m_flushing) {
+        Q_EMIT roomLeft();
     }
-    Q_EMIT roomLeft();
-}
-
-void SmtpWire::onEncrypted()
-{
-    // TLS 1.2 has its ticket by now, 1.3 sends it later.
-    SmtpTls::keepTicket(m_host, m_port, m_socket->sslConfiguration().sessionTicket());
-    Q_EMIT encrypted();
 }
 
 void SmtpWire::onError(QAbstractSocket::SocketError error)
 {
-    QString reason;
-    if (error == QAbstractSocket::SslHandshakeFailedError || !m_socket->sslHandshakeErrors().isEmpty()) {
-        SmtpTls::forgetTicket(m_host, m_port);
-        reason = tlsReason();
-    } else if (error == QAbstractSocket::RemoteHostClosedError) {
-        reason = u"the server has closed the connection"_s;
-    } else {
-        reason = printableText(m_socket->errorString());
-    }
+    const QString reason = error == QAbstractSocket::RemoteHostClosedError ? u"the server has closed the connection"_s
+                                                                           : printableText(m_socket->errorString());
     // What the server said last may still lie in the socket, and says more than the loss of the connection does.
     if (m_socket->bytesAvailable() > 0) {
-        QPointer<SmtpWire> self(this);
+        const QPointer<SmtpWire> self(this);
         onReadyRead();
-        if (!self || !m_socket) {
+        if (!self) {
             return;
         }
     }
-    close(false);
-    Q_EMIT failed(reason);
+    giveUp(reason);
+}
+
+void SmtpWire::giveUp(const QString &reason)
+{
+    if (m_socket) {
+        close(false);
+        Q_EMIT failed(reason);
+    }
 }
 
 void SmtpWire::onSilence()
 {
-    const auto seconds = std::chrono::ceil<std::chrono::seconds>(m_silence.intervalAsDuration());
-    close(false);
-    Q_EMIT failed(u"there was no answer for %1 s"_s.arg(seconds.count()));
-}
-
-// The certificates' faults in the library's own words, each once.
-QString SmtpWire::tlsReason() const
-{
-    QStringList faults;
-    const QList<QSslError> errors = m_socket->sslHandshakeErrors();
-    for (const QSslError &error : errors) {
-        if (!faults.contains(error.errorString())) {
-            faults += error.errorString();
-        }
+    if (m_allowed <= 0ms) {
+        return;
     }
-    if (faults.isEmpty()) {
-        faults += m_socket->errorString();
+    const Clock::time_point end = m_lastSign + m_allowed;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+    if (left > 0ms) {
+        m_due = end;
+        m_silence.start(left);
+        return;
     }
-    return printableText(faults.join(u"; "_s));
+    const auto seconds = std::chrono::ceil<std::chrono::seconds>(m_allowed);
+    giveUp(u"there was no answer for %1 s"_s.arg(seconds.count()));
 }
 
 } // namespace quillon

@@ -1,14 +1,16 @@
 #pragma once
 
 #include "quillon/mail/smtpreply.h"
+#include "quillon/mail/tlsclient.h"
 
 #include <QNetworkProxy>
 #include <QObject>
 #include <QPointer>
-#include <QSslSocket>
+#include <QTcpSocket>
 #include <QTimer>
 
 #include <chrono>
+#include <memory>
 
 namespace quillon {
 
@@ -28,7 +30,14 @@ public:
     void startTls();
 
     void write(const QByteArray &octets);
-    void writeLine(const QByteArray &line) { write(line + "\r\n"); }
+    /// Hands what was written to the system at once, without a turn of the event loop. A connection that is lost shows
+    /// by failed(), from within.
+    void flush();
+    void writeLine(const QByteArray &line)
+    {
+        write(line + "\r\n");
+        flush();
+    }
 
     /// Whether more may be written without filling memory; roomLeft() tells when there is some again.
     [[nodiscard]] bool hasRoom() const;
@@ -43,7 +52,7 @@ public:
     /// Whether a single octet has come, line end or not.
     [[nodiscard]] bool hasHeard() const { return m_heard; }
 
-    [[nodiscard]] bool isEncrypted() const { return m_socket && m_socket->isEncrypted(); }
+    [[nodiscard]] bool isEncrypted() const { return m_tls && m_tls->state() == TlsClient::State::Ready; }
     /// This end's address, as EHLO names a host without a name: "[192.0.2.1]", "[IPv6:2001:db8::1]" (RFC 5321, 4.1.3).
     [[nodiscard]] QByteArray addressLiteral() const;
 
@@ -62,19 +71,27 @@ Q_SIGNALS:
     void failed(const QString &reason);
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     void onReadyRead();
     void onError(QAbstractSocket::SocketError error);
     void onSilence();
     void onBytesWritten();
-    void onEncrypted();
-    [[nodiscard]] QString tlsReason() const;
+    void shakeHands();
+    void take(const QByteArray &octets);
+    void giveUp(const QString &reason);
 
-    QPointer<QSslSocket> m_socket; // lives on with its closer when this is gone
+    QPointer<QTcpSocket> m_socket; // lives on with its closer when this is gone
+    std::unique_ptr<TlsClient> m_tls;
     SmtpReplyParser m_parser;
     QTimer m_silence;
+    std::chrono::milliseconds m_allowed{0}; // silence of the peer; 0: for ever
+    Clock::time_point m_lastSign;           // of the peer, or the moment when it was given this time
+    Clock::time_point m_due;                // when m_silence goes off
     QString m_host;
     quint16 m_port = 0;
     bool m_heard = false;
+    bool m_flushing = false;
 };
 
 } // namespace quillon
