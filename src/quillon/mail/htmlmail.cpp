@@ -38,7 +38,7 @@ private:
 
 bool namesFile(const QString &element, const QString &attribute)
 {
-    return attribute == u"background"_s || (attribute == u"src"_s && (element == u"img"_s || element == u"bgsound"_s));
+    return attribute == "background"_L1 || (attribute == "src"_L1 && (element == "img"_L1 || element == "bgsound"_L1));
 }
 
 void rewriteReferences(Rewriter &rewriter, const QString &html, const HtmlToken &tag,
@@ -63,9 +63,9 @@ void rewriteMeta(Rewriter &rewriter, const QString &html, const HtmlToken &tag, 
     HtmlAttributes attributes(html, tag);
     HtmlAttribute attribute;
     while (attributes.next(attribute)) {
-        if (attribute.Name == u"charset"_s) {
+        if (attribute.Name == "charset"_L1) {
             rewriter.replace(attribute.ValueBegin, attribute.ValueEnd, charset);
-        } else if (attribute.Name == u"content"_s) {
+        } else if (attribute.Name == "content"_L1) {
             const QStringView value =
                 QStringView(html).sliced(attribute.ValueBegin, attribute.ValueEnd - attribute.ValueBegin);
             const qsizetype key = value.indexOf(u"charset=", 0, Qt::CaseInsensitive);
@@ -124,10 +124,10 @@ HtmlMail htmlForMail(const QString &html, const QByteArray &charset,
     while (scanner.next(token)) {
         if (token.What == HtmlToken::Kind::StartTag) {
             rewriteReferences(rewriter, html, token, replace);
-            if (token.Name == u"meta"_s) {
+            if (token.Name == "meta"_L1) {
                 rewriteMeta(rewriter, html, token, QString::fromLatin1(charset));
             }
-        } else if (token.What == HtmlToken::Kind::RawText && token.Name != u"title"_s && token.Name != u"textarea"_s) {
+        } else if (token.What == HtmlToken::Kind::RawText && token.Name != "title"_L1 && token.Name != "textarea"_L1) {
             rewriter.copyUpTo(token.Begin);
             const qsizetype begin = rewriter.size();
             rewriter.copyUpTo(token.End);

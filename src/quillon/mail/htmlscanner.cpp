@@ -26,6 +26,14 @@ bool holdsRawText(QStringView element)
 
 } // namespace
 
+void assignLowerName(QString &name, QStringView source)
+{
+    // A name that is used again keeps its memory: a document has hundreds of tags.
+    name.resize(source.size());
+    std::transform(source.begin(), source.end(), name.begin(),
+                   [](QChar c) { return c >= u'A' && c <= u'Z' ? QChar(c.unicode() | 0x20) : c; });
+}
+
 bool HtmlScanner::next(HtmlToken &token)
 {
     if (m_at >= m_source.size()) {
@@ -51,7 +59,7 @@ bool HtmlScanner::next(HtmlToken &token)
             ++nameEnd;
         }
         token.What = endTag ? HtmlToken::Kind::EndTag : HtmlToken::Kind::StartTag;
-        token.Name = rest.sliced(nameBegin, nameEnd - nameBegin).toString().toLower();
+        assignLowerName(token.Name, rest.sliced(nameBegin, nameEnd - nameBegin));
         token.End = tagEnd(m_at + nameEnd);
         if (startTag && holdsRawText(token.Name)) {
             m_rawElement = token.Name;
@@ -137,7 +145,7 @@ bool HtmlAttributes::next(HtmlAttribute &attribute)
     do {
         ++m_at; // also over a "=" that stands where a name begins
     } while (m_at < m_end && !isBlank(m_source[m_at]) && m_source[m_at] != u'=' && m_source[m_at] != u'/');
-    attribute.Name = m_source.sliced(nameBegin, m_at - nameBegin).toString().toLower();
+    assignLowerName(attribute.Name, m_source.sliced(nameBegin, m_at - nameBegin));
     attribute.Quoted = false;
     attribute.ValueBegin = attribute.ValueEnd = m_at;
     skipBlanks();

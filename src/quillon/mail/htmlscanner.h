@@ -58,6 +58,9 @@ private:
     qsizetype m_end;
 };
 
+/// Makes @p name the lower-case form of @p source, the name of a tag or attribute, in which only US-ASCII has cases.
+void assignLowerName(QString &name, QStringView source);
+
 /// @p text with its character references decoded ("&amp;", "&#8364;", "&#x20AC;"). What is none stays as it is.
 [[nodiscard]] QString decodeHtmlText(QStringView text);
 

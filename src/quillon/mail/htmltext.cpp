@@ -87,16 +87,18 @@ public:
 
     QString make()
     {
+        m_lines.reserve(m_html.size());
         HtmlScanner scanner(m_html);
         HtmlToken token;
         while (scanner.next(token)) {
             const QStringView source = m_html.sliced(token.Begin, token.End - token.Begin);
             switch (token.What) {
             case HtmlToken::Kind::Text:
-                addText(decodeHtmlText(source));
+                // Most of a document needs no decoding, and then no copy either.
+                source.contains(u'&') ? addText(decodeHtmlText(source)) : addText(source);
                 break;
             case HtmlToken::Kind::RawText:
-                if (token.Name == u"textarea"_s) {
+                if (token.Name == "textarea"_L1) {
                     m_lines.addPreformatted(decodeHtmlText(source));
                 }
                 break;
@@ -115,7 +117,7 @@ public:
     }
 
 private:
-    void addText(const QString &text)
+    void addText(QStringView text)
     {
         if (m_pre > 0) {
             m_lines.addPreformatted(text);
@@ -257,16 +259,19 @@ private:
     void closeLink()
     {
         const QString link = std::exchange(m_link, QString());
+        if (link.isEmpty()) {
+            return;
+        }
         const bool leadsOut =
-            link.startsWith(u"http:"_s, Qt::CaseInsensitive) || link.startsWith(u"https:"_s, Qt::CaseInsensitive) ||
-            link.startsWith(u"ftp:"_s, Qt::CaseInsensitive) || link.startsWith(u"tel:"_s, Qt::CaseInsensitive) ||
-            link.startsWith(u"mailto:"_s, Qt::CaseInsensitive);
+            link.startsWith("http:"_L1, Qt::CaseInsensitive) || link.startsWith("https:"_L1, Qt::CaseInsensitive) ||
+            link.startsWith("ftp:"_L1, Qt::CaseInsensitive) || link.startsWith("tel:"_L1, Qt::CaseInsensitive) ||
+            link.startsWith("mailto:"_L1, Qt::CaseInsensitive);
         if (!leadsOut) {
             return;
         }
-        const QString shown = link.startsWith(u"mailto:"_s, Qt::CaseInsensitive) ? link.mid(7) : link;
-        const QString text = m_lines.textFrom(m_linkBegin).trimmed();
-        if (text == shown || text + u'/' == shown || text == link) {
+        const QString shown = link.startsWith("mailto:"_L1, Qt::CaseInsensitive) ? link.mid(7) : link;
+        const QStringView text = m_lines.textFrom(m_linkBegin).trimmed();
+        if (text == shown || text == link || (shown.endsWith(u'/') && text == QStringView(shown).chopped(1))) {
             return;
         }
         const bool hasText = !text.isEmpty();

@@ -35,25 +35,56 @@ void TextLines::indent(int change)
     m_indent = std::max(0, m_indent + change);
 }
 
-void TextLines::addCollapsed(const QString &text)
+void TextLines::addCollapsed(QStringView text)
 {
     qsizetype at = 0;
     while (at < text.size()) {
         if (isCollapsible(text[at])) {
             m_blank = true;
             ++at;
-            continue;
+        } else if (!m_text.isEmpty() && m_breaks == 0 && !m_cell) {
+            at += addWordsOfLine(text.sliced(at));
+        } else {
+            qsizetype end = at;
+            while (end < text.size() && !isCollapsible(text[end])) {
+                ++end;
+            }
+            addWord(text.sliced(at, end - at));
+            at = end;
         }
-        qsizetype end = at;
-        while (end < text.size() && !isCollapsible(text[end])) {
-            ++end;
-        }
-        addWord(QStringView(text).sliced(at, end - at));
-        at = end;
     }
 }
 
-void TextLines::addPreformatted(const QString &text)
+// Goes on with a line that is begun, to the end of @p text, which begins with a word. Written through a pointer, as most
+// of a document is such text.
+qsizetype TextLines::addWordsOfLine(QStringView text)
+{
+    const qsizetype begin = m_text.size();
+    bool blank = m_blank && !m_text.endsWith(u' ');
+    m_text.resize(begin + text.size() + 1);
+    QChar *const start = m_text.data();
+    QChar *to = start + begin;
+    for (const QChar c : text) {
+        if (isCollapsible(c)) {
+            blank = true;
+            continue;
+        }
+        if (blank) {
+            // A no-break space may have ended the word before: it counts as a blank, as in addWord().
+            if (to[-1] != u' ') {
+                *to++ = u' ';
+            }
+            blank = false;
+        }
+        *to++ = c == QChar(QChar::Nbsp) ? QChar(u' ') : c;
+    }
+    m_text.truncate(to - start);
+    m_blank = blank;
+    m_lineHasText = true;
+    return text.size();
+}
+
+void TextLines::addPreformatted(QStringView text)
 {
     qsizetype at = 0;
     for (;;) {
@@ -62,7 +93,7 @@ void TextLines::addPreformatted(const QString &text)
             ++end;
         }
         if (end > at) {
-            addWord(QStringView(text).sliced(at, end - at));
+            addWord(text.sliced(at, end - at));
         }
         if (end >= text.size()) {
             return;

@@ -24,12 +24,14 @@ public:
     void indent(int change);
 
     /// Adds @p text with every run of blanks and line ends taken for one blank.
-    void addCollapsed(const QString &text);
+    void addCollapsed(QStringView text);
     /// Adds @p text with its blanks and line ends.
-    void addPreformatted(const QString &text);
+    void addPreformatted(QStringView text);
 
+    /// Makes room for a text of @p size characters.
+    void reserve(qsizetype size) { m_text.reserve(size); }
     [[nodiscard]] qsizetype size() const { return m_text.size(); }
-    [[nodiscard]] QString textFrom(qsizetype at) const { return m_text.sliced(at); }
+    [[nodiscard]] QStringView textFrom(qsizetype at) const { return QStringView(m_text).sliced(at); }
 
     /// The whole text, closed by a line end unless it is empty.
     QString finished();
@@ -38,6 +40,7 @@ private:
     void wantBreaks(int count);
     void trimLine();
     void addWord(QStringView word);
+    qsizetype addWordsOfLine(QStringView text);
     void beginLine(int quotes);
 
     QString m_text;
