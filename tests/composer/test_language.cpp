@@ -153,7 +153,8 @@ const QStringList messageKeys = {
 };
 
 /// Names of forms with captions in tips.dll.
-const QStringList forms = {u"frmPubMain"_s, u"frmPubProgress"_s, u"frmPubSplash"_s, u"frmPubOptions"_s};
+const QStringList forms = {u"frmPubMain"_s,  u"frmPubProgress"_s,    u"frmPubSplash"_s, u"frmPubOptions"_s,
+                           u"frmPubMacro"_s, u"frmPubMacroDetail"_s, u"frmPubPrompt"_s};
 
 /// The text that a control or item shows, whatever kind it is.
 QString captionOf(const MainFixture &main, const QString &name)

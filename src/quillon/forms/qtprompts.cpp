@@ -16,6 +16,7 @@
 #include <QLabel>
 #include <QPointer>
 #include <QRegularExpression>
+#include <QWindow>
 
 #include <memory>
 
@@ -30,6 +31,15 @@ QWidget *owner()
 {
     QWidget *modal = QApplication::activeModalWidget();
     return modal ? modal : QApplication::activeWindow();
+}
+
+/// Tells the window manager that a form of the registry, which has no parent, belongs above the window in front.
+void keepAbove(QWidget *form, const QWidget *below)
+{
+    if (below && below != form) {
+        form->winId(); // makes the form's native window, if it has none yet
+        form->windowHandle()->setTransientParent(below->window()->windowHandle());
+    }
 }
 
 /// Runs a dialog that its owner may delete while it is on the screen; true when it was accepted and is still there.
@@ -189,6 +199,7 @@ void QtPrompts::showModalForm(const QString &form, int tab)
         widget->activateWindow();
         return;
     }
+    keepAbove(widget, owner());
     if (auto *tabbed = dynamic_cast<TabbedForm *>(widget); tabbed && tab >= 0) {
         tabbed->showTab(tab);
     }

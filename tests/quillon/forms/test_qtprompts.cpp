@@ -15,6 +15,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QWindow>
 
 #include <functional>
 
@@ -120,6 +121,7 @@ private Q_SLOTS:
     void aFolderIsChosenOrNothing();
     void aColourComesAsBlueGreenRed();
     void aModalFormIsShownOnItsTabAndUnloadedAfter();
+    void aModalFormBelongsAboveTheWindowInFront();
     void aModalFormOpenedTwiceIsShownOnce();
     void aModalFormThatIsUnloadedMeanwhileEndsTheWait();
     void aModalWindowThatIsNoDialogIsWaitedForToo();
@@ -434,6 +436,22 @@ void TestQtPrompts::aModalFormIsShownOnItsTabAndUnloadedAfter()
     m_prompts->showModalForm(u"frmPubOptions"_s, -1);
     QCOMPARE(tab, -1);
     QVERIFY(!m_forms->isLoaded(u"frmPubOptions"_s));
+}
+
+void TestQtPrompts::aModalFormBelongsAboveTheWindowInFront()
+{
+    QWidget main;
+    main.show();
+    main.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&main));
+    m_forms->add(u"frmPubOptions"_s, [] { return new TabForm; });
+    const QWindow *below = nullptr;
+    meet<TabForm>([&](TabForm *form) {
+        below = form->windowHandle()->transientParent();
+        form->close();
+    });
+    m_prompts->showModalForm(u"frmPubOptions"_s, 0);
+    QCOMPARE(below, main.windowHandle());
 }
 
 void TestQtPrompts::aModalFormOpenedTwiceIsShownOnce()
