@@ -1,5 +1,5 @@
 // Sends personal mails with nodemailer, one after the other, each over a connection of its own.
-//   node send.js '{"port":…,"count":…,"starttls":…,"authority":…,"document":…}'
+//   node send.js '{"port":…,"count":…,"starttls":…,"authority":…,"document":…,"text":…}'
 // Prints the seconds that it took. The time begins when everything is loaded.
 'use strict';
 
@@ -9,6 +9,7 @@ const nodemailer = require('nodemailer');
 async function main() {
     const wanted = JSON.parse(process.argv[2]);
     const document = fs.readFileSync(wanted.document, 'utf8');
+    const text = wanted.text ? fs.readFileSync(wanted.text, 'utf8') : undefined;
     const transport = nodemailer.createTransport({
         host: '127.0.0.1',
         port: wanted.port,
@@ -27,6 +28,7 @@ async function main() {
             from: { name: 'Ada King', address: 'ada@x.example' },
             to: { name, address: `r${i}@y.example` },
             subject: `News for ${name}`,
+            text: text?.replaceAll('{Full Name of The Recipient}', name),
             html: document.replaceAll('{Full Name of The Recipient}', name),
         });
     }
