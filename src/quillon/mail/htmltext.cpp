@@ -3,10 +3,12 @@
 #include "quillon/mail/htmlscanner.h"
 #include "quillon/mail/textlines.h"
 
-#include <QHash>
 #include <QList>
 
 #include <algorithm>
+#include <array>
+#include <optional>
+#include <string_view>
 
 using namespace Qt::StringLiterals;
 
@@ -32,53 +34,71 @@ enum class Element {
     Pre
 };
 
-const QHash<QString, Element> &elements()
+struct NamedElement {
+    std::string_view Name;
+    Element What;
+};
+
+// In the order of their names.
+constexpr std::array elements = std::to_array<NamedElement>({
+    {"a", Element::Link},
+    {"address", Element::Block},
+    {"article", Element::Block},
+    {"aside", Element::Block},
+    {"blockquote", Element::Quote},
+    {"br", Element::Break},
+    {"caption", Element::Block},
+    {"center", Element::Block},
+    {"dd", Element::Block},
+    {"dir", Element::UnorderedList},
+    {"div", Element::Block},
+    {"dl", Element::Paragraph},
+    {"dt", Element::Block},
+    {"fieldset", Element::Block},
+    {"figcaption", Element::Block},
+    {"figure", Element::Paragraph},
+    {"footer", Element::Block},
+    {"form", Element::Block},
+    {"h1", Element::Paragraph},
+    {"h2", Element::Paragraph},
+    {"h3", Element::Paragraph},
+    {"h4", Element::Paragraph},
+    {"h5", Element::Paragraph},
+    {"h6", Element::Paragraph},
+    {"header", Element::Block},
+    {"hr", Element::Rule},
+    {"img", Element::Picture},
+    {"li", Element::Entry},
+    {"listing", Element::Pre},
+    {"main", Element::Block},
+    {"menu", Element::UnorderedList},
+    {"nav", Element::Block},
+    {"ol", Element::OrderedList},
+    {"option", Element::Block},
+    {"p", Element::Paragraph},
+    {"pre", Element::Pre},
+    {"section", Element::Block},
+    {"table", Element::Paragraph},
+    {"td", Element::Cell},
+    {"th", Element::Cell},
+    {"tr", Element::Row},
+    {"ul", Element::UnorderedList},
+});
+
+constexpr qsizetype longestName = 10;
+
+/// What @p name, in lower case, is to a text; nothing where it only changes how things look.
+std::optional<Element> elementOf(QStringView name)
 {
-    static const QHash<QString, Element> table{
-        {u"address"_s, Element::Block},
-        {u"article"_s, Element::Block},
-        {u"aside"_s, Element::Block},
-        {u"center"_s, Element::Block},
-        {u"dd"_s, Element::Block},
-        {u"div"_s, Element::Block},
-        {u"dt"_s, Element::Block},
-        {u"fieldset"_s, Element::Block},
-        {u"footer"_s, Element::Block},
-        {u"form"_s, Element::Block},
-        {u"header"_s, Element::Block},
-        {u"main"_s, Element::Block},
-        {u"nav"_s, Element::Block},
-        {u"option"_s, Element::Block},
-        {u"section"_s, Element::Block},
-        {u"caption"_s, Element::Block},
-        {u"figcaption"_s, Element::Block},
-        {u"dl"_s, Element::Paragraph},
-        {u"figure"_s, Element::Paragraph},
-        {u"h1"_s, Element::Paragraph},
-        {u"h2"_s, Element::Paragraph},
-        {u"h3"_s, Element::Paragraph},
-        {u"h4"_s, Element::Paragraph},
-        {u"h5"_s, Element::Paragraph},
-        {u"h6"_s, Element::Paragraph},
-        {u"p"_s, Element::Paragraph},
-        {u"table"_s, Element::Paragraph},
-        {u"br"_s, Element::Break},
-        {u"hr"_s, Element::Rule},
-        {u"ul"_s, Element::UnorderedList},
-        {u"menu"_s, Element::UnorderedList},
-        {u"dir"_s, Element::UnorderedList},
-        {u"ol"_s, Element::OrderedList},
-        {u"li"_s, Element::Entry},
-        {u"blockquote"_s, Element::Quote},
-        {u"tr"_s, Element::Row},
-        {u"td"_s, Element::Cell},
-        {u"th"_s, Element::Cell},
-        {u"a"_s, Element::Link},
-        {u"img"_s, Element::Picture},
-        {u"pre"_s, Element::Pre},
-        {u"listing"_s, Element::Pre},
-    };
-    return table;
+    if (name.size() > longestName) {
+        return std::nullopt;
+    }
+    std::array<char, longestName> octets{};
+    std::transform(name.begin(), name.end(), octets.begin(), [](QChar c) { return c.toLatin1(); });
+    const std::string_view wanted(octets.data(), static_cast<size_t>(name.size()));
+    const auto *const found = std::lower_bound(elements.begin(), elements.end(), wanted,
+                                               [](const NamedElement &e, std::string_view n) { return e.Name < n; });
+    return found != elements.end() && found->Name == wanted ? std::optional(found->What) : std::nullopt;
 }
 
 class TextMaker {
@@ -166,8 +186,8 @@ private:
 
     void startTag(const HtmlToken &tag)
     {
-        const auto element = elements().constFind(tag.Name);
-        if (element == elements().constEnd()) {
+        const std::optional<Element> element = elementOf(tag.Name);
+        if (!element) {
             return;
         }
         switch (*element) {
@@ -219,8 +239,8 @@ private:
 
     void endTag(const HtmlToken &tag)
     {
-        const auto element = elements().constFind(tag.Name);
-        if (element == elements().constEnd()) {
+        const std::optional<Element> element = elementOf(tag.Name);
+        if (!element) {
             return;
         }
         switch (*element) {

@@ -22,6 +22,18 @@ bool isLineEnd(QByteArrayView bytes, qsizetype at)
     return bytes[at] == '\r' && at + 1 < bytes.size() && bytes[at + 1] == '\n';
 }
 
+/// How many characters from @p at on, at most @p most, stand for themselves wherever they are in a line: the last of a
+/// row of such characters is left out, as a blank there might end the line.
+qsizetype plainRun(QByteArrayView bytes, qsizetype at, qsizetype most)
+{
+    const qsizetype limit = std::min(bytes.size() - at - 1, most);
+    qsizetype count = 0;
+    while (count < limit && (isPlain(bytes[at + count]) || bytes[at + count] == ' ')) {
+        ++count;
+    }
+    return std::max<qsizetype>(count - 1, 0);
+}
+
 qint64 quotedPrintableEstimate(QByteArrayView bytes)
 {
     qint64 size = 0;
@@ -96,6 +108,11 @@ void appendQuotedPrintable(QByteArray &out, QByteArrayView bytes, bool closeLine
     char *to = out.data() + start;
     qsizetype column = 0;
     for (qsizetype i = 0; i < bytes.size(); ++i) {
+        if (const qsizetype count = plainRun(bytes, i, longestLine - 1 - column); count > 0 && column > 0) {
+            to = std::copy_n(bytes.begin() + i, count, to);
+            column += count;
+            i += count;
+        }
         const char c = bytes[i];
         if (isLineEnd(bytes, i)) {
             *to++ = '\r';
