@@ -2,6 +2,7 @@
 
 #include "macros/macrocatalogue.h"
 #include "macros/moments.h"
+#include "macros/orderedreplacement.h"
 
 #include <optional>
 
@@ -70,21 +71,15 @@ void ExpandMacros(const ApplicationGlobals &globals, quillon::MailMessage &messa
     if (message.Format == quillon::MailMessage::Html) {
         message.Content.remove(u"\r\n"_s);
     }
+    QStringList keys;
+    QList<QStringList> macros;
     const QStringList lines = globals.lines.ReadLines(globals.paths.macrosFile);
     for (const QString &line : lines) {
-        const QStringList fields = line.split(u'\t');
-        const QString &key = fields.constFirst();
-        if (key.isEmpty()) {
-            continue;
-        }
-        for (QString *text : {&message.Subject, &message.Content}) {
-            if (!text->contains(key)) {
-                continue;
-            }
-            if (const auto value = replacement(fields, values)) {
-                text->replace(key, *value);
-            }
-        }
+        macros.append(line.split(u'\t'));
+        keys.append(macros.constLast().constFirst());
+    }
+    for (QString *text : {&message.Subject, &message.Content}) {
+        replaceInOrder(*text, keys, [&](qsizetype index) { return replacement(macros.at(index), values); });
     }
 }
 

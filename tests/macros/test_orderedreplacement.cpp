@@ -1,0 +1,96 @@
+#include "macros/orderedreplacement.h"
+
+#include <QRandomGenerator>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace corvane;
+
+/// The one pass over a text against the plain way, one key after the other.
+class TestOrderedReplacement : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void eachKeyIsReplacedEverywhere();
+    void aValueMeetsOnlyTheKeysBehindItsOwn();
+    void aKeyThatStaysLeavesTheTurnToTheSameKeyBehindIt();
+    void theOutcomeIsAlwaysThatOfOneKeyAfterTheOther();
+    void theOutcomeIsAlwaysThatOfOneKeyAfterTheOther_data();
+
+private:
+    using Value = std::optional<QString>;
+
+    static QString replaced(QString text, const QStringList &keys, const QList<Value> &values)
+    {
+        replaceInOrder(text, keys, [&values](qsizetype index) { return values.at(index); });
+        return text;
+    }
+    static QString plainly(QString text, const QStringList &keys, const QList<Value> &values)
+    {
+        for (qsizetype i = 0; i < keys.size(); ++i) {
+            if (!keys[i].isEmpty() && values[i]) {
+                text.replace(keys[i], *values[i]);
+            }
+        }
+        return text;
+    }
+    static QString anyOf(QRandomGenerator &generator, const QStringList &pieces, int most)
+    {
+        QString text;
+        for (int left = generator.bounded(most + 1); left > 0; --left) {
+            text += pieces.at(generator.bounded(pieces.size()));
+        }
+        return text;
+    }
+};
+
+void TestOrderedReplacement::eachKeyIsReplacedEverywhere()
+{
+    QCOMPARE(replaced(u"{a} and {b}, {a}{b}, {c}"_s, {u"{a}"_s, QString(), u"{b}"_s}, {u"1"_s, u"never"_s, u""_s}),
+             u"1 and , 1, {c}"_s);
+}
+
+void TestOrderedReplacement::aValueMeetsOnlyTheKeysBehindItsOwn()
+{
+    const QStringList keys{u"{a}"_s, u"{b}"_s, u"{c}"_s};
+    QCOMPARE(replaced(u"{a} {b} {c}"_s, keys, {u"<{b}>"_s, u"[{a}{b}{c}]"_s, u"c{c}"_s}),
+             u"<[{a}{b}c{c}]> [{a}{b}c{c}] c{c}"_s);
+}
+
+void TestOrderedReplacement::aKeyThatStaysLeavesTheTurnToTheSameKeyBehindIt()
+{
+    QCOMPARE(replaced(u"{a}"_s, {u"{a}"_s, u"{a}"_s, u"{a}"_s}, {std::nullopt, u"x{a}"_s, u"y"_s}), u"xy"_s);
+}
+
+void TestOrderedReplacement::theOutcomeIsAlwaysThatOfOneKeyAfterTheOther_data()
+{
+    QTest::addColumn<QStringList>("keyPieces");
+    QTest::addColumn<QStringList>("textPieces");
+    const QStringList whole{u"{a}"_s, u"{b}"_s, u"{c}"_s, u"{ab}"_s, u"{}"_s};
+    const QStringList broken{u"{"_s, u"}"_s, u"a"_s, u"b"_s, u"{a}"_s, u"{b}"_s, u"{{a}}"_s};
+    QTest::newRow("placeholders only") << whole << (whole + QStringList{u"a"_s, u" "_s, u"b"_s});
+    QTest::newRow("braces alone in texts and values") << whole << broken;
+    QTest::newRow("braces alone in keys") << broken << broken;
+}
+
+void TestOrderedReplacement::theOutcomeIsAlwaysThatOfOneKeyAfterTheOther()
+{
+    QFETCH(QStringList, keyPieces);
+    QFETCH(QStringList, textPieces);
+    for (quint32 seed = 0; seed < 20000; ++seed) {
+        QRandomGenerator generator(seed);
+        QStringList keys;
+        QList<Value> values;
+        for (int count = generator.bounded(1, 6); count > 0; --count) {
+            keys.append(anyOf(generator, keyPieces, keyPieces.first() == u"{"_s ? 2 : 1));
+            values.append(generator.bounded(8) == 0 ? std::nullopt : Value(anyOf(generator, textPieces, 3)));
+        }
+        const QString text = anyOf(generator, textPieces, 8);
+        const QString outcome = replaced(text, keys, values);
+        QVERIFY2(outcome == plainly(text, keys, values),
+                 qPrintable(u"seed %1: \"%2\" became \"%3\""_s.arg(seed).arg(text, outcome)));
+    }
+}
+
+QTEST_APPLESS_MAIN(TestOrderedReplacement)
+#include "test_orderedreplacement.moc"
