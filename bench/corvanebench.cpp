@@ -1,9 +1,9 @@
 // The measurements of the program's own parts, one a call:
-//   corvane_bench transport|encoding|program|macros|prompts '{"port":…,"count":…,"starttls":…,"authority":…,"document":…}'
+//   corvane_bench transport|encoding|program|macros|prompts
+//   '{"port":…,"count":…,"starttls":…,"authority":…,"document":…}'
 // Prints the result as one line of JSON.
 
 #include "measures.h"
-
 #include "quillon/mail/smtptls.h"
 
 #include <QApplication>

@@ -19,7 +19,8 @@ QJsonObject measureTransport(const BenchTask &task);
 QJsonObject measureEncoding(const BenchTask &task);
 
 /// A whole run to @p count recipients with the main window, the progress dialog and the log: {"seconds", "first" and
-/// "last": seconds a mail at the run's two ends, "memoryEarly" and "memoryLate": KB after a hundred mails and at the end}.
+/// "last": seconds a mail at the run's two ends, "memoryEarly" and "memoryLate": KB after a hundred mails and at the
+/// end}.
 QJsonObject measureProgram(const BenchTask &task);
 
 /// One pass of 500 macros over a content of 1 MB: {"seconds"}.

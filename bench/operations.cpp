@@ -1,6 +1,5 @@
-#include "measures.h"
-
 #include "macros/expansion.h"
+#include "measures.h"
 #include "quillon/mail/mailmessage.h"
 #include "recipients/inputprompts.h"
 

@@ -3,11 +3,6 @@
 //   bench_relay TARGET-PORT MILLISECONDS
 
 #include <arpa/inet.h>
-#include <netinet/tcp.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -17,7 +12,11 @@
 #include <ctime>
 #include <deque>
 #include <list>
+#include <netinet/tcp.h>
+#include <poll.h>
 #include <string>
+#include <sys/socket.h>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -35,7 +34,7 @@ struct Direction {
     int from = -1;
     int to = -1;
     std::deque<Parcel> held;
-    bool ended = false;  ///< nothing more comes
+    bool ended = false;    ///< nothing more comes
     bool finished = false; ///< and all of it has gone
 
     void take(Clock::duration hold)
@@ -130,8 +129,8 @@ void run(int listener, int target, Clock::duration hold)
         }
         timespec wait{};
         if (next != Clock::time_point::max()) {
-            const auto left =
-                std::max<long long>(0, std::chrono::duration_cast<std::chrono::nanoseconds>(next - Clock::now()).count());
+            const auto left = std::max<long long>(
+                0, std::chrono::duration_cast<std::chrono::nanoseconds>(next - Clock::now()).count());
             wait = {static_cast<time_t>(left / 1'000'000'000), static_cast<long>(left % 1'000'000'000)};
         }
         ::ppoll(polled.data(), polled.size(), next == Clock::time_point::max() ? nullptr : &wait, nullptr);

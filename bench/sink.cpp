@@ -3,14 +3,7 @@
 //   bench_sink --certificate FILE --key FILE
 // XCOUNT answers "250 mails recipients octets" (recipients: different ones) since the last XRESET.
 
-#include <openssl/err.h>
-#include <openssl/ssl.h>
-
 #include <arpa/inet.h>
-#include <netinet/tcp.h>
-#include <sys/epoll.h>
-#include <unistd.h>
-
 #include <array>
 #include <csignal>
 #include <cstdio>
@@ -18,8 +11,13 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <netinet/tcp.h>
+#include <openssl/err.h>
+#include <openssl/ssl.h>
 #include <string>
 #include <string_view>
+#include <sys/epoll.h>
+#include <unistd.h>
 #include <unordered_set>
 
 namespace {

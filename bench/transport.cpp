@@ -1,5 +1,4 @@
 #include "measures.h"
-
 #include "quillon/mail/encodedmail.h"
 #include "quillon/mail/mailtransport.h"
 

@@ -1,10 +1,9 @@
-#include "measures.h"
-
 #include "composer/frmpubmain.h"
 #include "core/datatree.h"
 #include "core/settings.h"
 #include "core/texts.h"
 #include "macros/macrocatalogue.h"
+#include "measures.h"
 #include "quillon/forms/formregistry.h"
 #include "quillon/system/prompts.h"
 #include "records/accountrecords.h"

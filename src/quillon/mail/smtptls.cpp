@@ -4,10 +4,9 @@
 
 #include <QHash>
 
+#include <memory>
 #include <openssl/ssl.h>
 #include <openssl/x509.h>
-
-#include <memory>
 
 namespace quillon {
 
@@ -24,15 +23,16 @@ struct ContextFreer {
 using Session = std::shared_ptr<SSL_SESSION>;
 
 struct Shared {
-    QList<QSslCertificate> Authorities;            ///< empty: the system's
-    std::unique_ptr<SSL_CTX, ContextFreer> Context; ///< made when it is first needed: reading the system's takes a while
+    QList<QSslCertificate> Authorities; ///< empty: the system's
+    std::unique_ptr<SSL_CTX, ContextFreer>
+        Context; ///< made when it is first needed: reading the system's takes a while
     QHash<std::pair<QString, quint16>, Session> Sessions;
 };
 
 Shared &shared();
 
-// A server hands its session over when it likes: with TLS 1.2 in the handshake, with 1.3 behind it, and mostly more than
-// one. The last is kept; the peer was verified before.
+// A server hands its session over when it likes: with TLS 1.2 in the handshake, with 1.3 behind it, and mostly more
+// than one. The last is kept; the peer was verified before.
 int keepSession(SSL *connection, SSL_SESSION *session)
 {
     const auto *const client = static_cast<const TlsClient *>(SSL_get_ex_data(connection, SmtpTls::clientIndex));

@@ -55,8 +55,8 @@ void TextLines::addCollapsed(QStringView text)
     }
 }
 
-// Goes on with a line that is begun, to the end of @p text, which begins with a word. Written through a pointer, as most
-// of a document is such text.
+// Goes on with a line that is begun, to the end of @p text, which begins with a word. Written through a pointer, as
+// most of a document is such text.
 qsizetype TextLines::addWordsOfLine(QStringView text)
 {
     const qsizetype begin = m_text.size();

@@ -5,11 +5,10 @@
 
 #include <QHostAddress>
 
+#include <array>
 #include <openssl/err.h>
 #include <openssl/ssl.h>
 #include <openssl/x509v3.h>
-
-#include <array>
 
 using namespace Qt::StringLiterals;
 
