@@ -1,9 +1,8 @@
 // Whatever stands in a subject: decoding ends, and what was encoded comes back.
 
+#include "quillon/mail/charset.h"
 #include "quillon/mail/encodedword.h"
 #include "quillon/mail/subjectcodec.h"
-
-#include "quillon/mail/charset.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -146,14 +146,13 @@ void Program::showForm(const QString &form)
 
 bool Program::insertIntoSignature(const QString &macro)
 {
-    if (!m_forms.isLoaded(optionsForm)) {
-        return false;
-    }
-    if (auto *signature = m_forms.form(optionsForm)->findChild<QPlainTextEdit *>(u"utbSign"_s)) {
+    QWidget *options = m_forms.isLoaded(optionsForm) ? m_forms.form(optionsForm) : nullptr;
+    auto *signature = options && options->isVisible() ? options->findChild<QPlainTextEdit *>(u"utbSign"_s) : nullptr;
+    if (signature) {
         signature->insertPlainText(macro);
         signature->setFocus();
     }
-    return true;
+    return signature != nullptr;
 }
 
 bool Program::showProgress()

@@ -1,5 +1,8 @@
 #include "macros/macrocatalogue.h"
 
+#include "quillon/fault.h"
+#include "quillon/files/linefile.h"
+
 #include <array>
 
 using namespace Qt::StringLiterals;
@@ -55,7 +58,9 @@ QStringList predefinedMacroLines()
 
 void seedMacros(const ApplicationGlobals &globals)
 {
-    if (globals.lines.CountLines(globals.paths.macrosFile) < seedBelow) {
+    // A file that cannot be read tells nothing of its lines, so nothing is added to them.
+    const quillon::LineFile file(globals.paths.macrosFile);
+    if (file.readable() && file.count() < seedBelow) {
         globals.lines.AppendLines(globals.paths.macrosFile, predefinedMacroLines());
     }
 }
@@ -66,11 +71,11 @@ QStringList macroMenuCaptions(const ApplicationGlobals &globals)
     const QStringList lines = globals.lines.ReadLines(globals.paths.macrosFile);
     for (const QString &line : lines) {
         const QStringList fields = line.split(u'\t');
-        if (fields.size() <= MacroKind ||
-            (fields.at(MacroText).trimmed().isEmpty() && fields.at(MacroKind) == "U"_L1)) {
-            continue;
+        if (fields.size() <= MacroKind) {
+            quillon::reportFault(u"a macro's line is too short: '"_s + line + u'\'');
+        } else if (!fields.at(MacroText).trimmed().isEmpty() || fields.at(MacroKind) != "U"_L1) {
+            captions.append(fields.at(MacroKey));
         }
-        captions.append(fields.at(MacroKey));
     }
     return captions;
 }

@@ -1,6 +1,7 @@
 #include "recipients/inputprompts.h"
 
 #include "core/recipiententry.h"
+#include "quillon/files/linefile.h"
 
 #include <QSet>
 
@@ -24,8 +25,15 @@ void InputPrompts::upsSavePrompts(const QString &to, const QString &cc, const QS
         joined.chop(1);
     }
     // The file is read once for all pieces; the outcome is as if each piece were looked up and added by itself.
-    const QStringList lines = m_globals.lines.ReadLines(m_globals.paths.promptsFile);
-    QSet<QString> known(lines.begin(), lines.end());
+    const quillon::LineFile file(m_globals.paths.promptsFile);
+    if (!file.readable()) {
+        return; // who is known there cannot be told, and would be added once more
+    }
+    QSet<QString> known;
+    known.reserve(file.count());
+    for (qsizetype i = 0; i < file.count(); ++i) {
+        known.insert(file.at(i));
+    }
     QStringList added;
     const QStringList pieces = joined.split(u',');
     for (const QString &piece : pieces) {

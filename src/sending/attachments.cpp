@@ -56,7 +56,8 @@ void attach(quillon::MailMessage &message, const QString &path)
     attachment.Path = path;
 }
 
-void attachFolder(const ApplicationGlobals &globals, const QString &folder, quillon::MailMessage &message)
+void attachFolder(const ApplicationGlobals &globals, const QString &folder, quillon::MailMessage &message,
+                  const std::function<bool()> &goOn)
 {
     if (QDir(folder).isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System)) {
         globals.lines.AppendLine(folder + u'/' + emptyFolderMark, QString());
@@ -70,13 +71,17 @@ void attachFolder(const ApplicationGlobals &globals, const QString &folder, quil
         zip.AddPattern(pattern);
     }
     // The window is drawn meanwhile; what the user does waits, since the message is only half filled.
-    zip.Breathe = [] { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); };
+    zip.Breathe = [&goOn] {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        return !goOn || goOn();
+    };
     zip.Build();
 }
 
 } // namespace
 
-QString ResolveAttachments(const ApplicationGlobals &globals, const QStringList &paths, quillon::MailMessage &message)
+QString ResolveAttachments(const ApplicationGlobals &globals, const QStringList &paths, quillon::MailMessage &message,
+                           const std::function<bool()> &goOn)
 {
     emptyTemporaryFolder(globals.paths.zips);
     QStringList taken;
@@ -85,7 +90,7 @@ QString ResolveAttachments(const ApplicationGlobals &globals, const QStringList 
         if (info.isFile()) {
             attach(message, path);
         } else if (info.isDir()) {
-            attachFolder(globals, path, message);
+            attachFolder(globals, path, message, goOn);
         } else {
             continue;
         }

@@ -114,7 +114,11 @@ void fillMessage(quillon::MailMessage &message, const FillContext &context)
     fillReceipt(message, context);
     context.log.entry(u"One By One"_s, yesNo(values.oneByOne));
     context.log.entry(u"Sending Method"_s, u"Manual"_s);
-    logUnlessEmpty(context.log, u"Attachments"_s, ResolveAttachments(context.globals, values.attachments, message));
+    const QString attachments = ResolveAttachments(context.globals, values.attachments, message, context.goOn);
+    if (!context.goOn()) {
+        return;
+    }
+    logUnlessEmpty(context.log, u"Attachments"_s, attachments);
     message.Subject = values.subject;
     logUnlessEmpty(context.log, u"Subject"_s, message.Subject);
     message.Content = values.content;

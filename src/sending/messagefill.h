@@ -18,6 +18,7 @@ struct FillContext {
     const QString &accountRecord;
     const SendingLog &log;
     std::function<void()> rememberRecipients; ///< done between the BCC recipients and their log line
+    std::function<bool()> goOn;               ///< false when the program ends: the filling stops where it is
 };
 
 /// Fills a message field by field, and writes each field's line to the log.

@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -66,7 +67,7 @@ void waitForInterval(const OneByOneContext &context)
     const QString text = context.globals.settings.other[OboInterval];
     bool number = false;
     const double seconds = text.isEmpty() ? 0 : text.toDouble(&number);
-    if ((!number && !text.isEmpty()) || !std::isfinite(seconds) || std::abs(seconds) > longestInterval) {
+    if ((!number && !text.isEmpty()) || !std::isfinite(seconds)) {
         quillon::reportFault(u"not a number of seconds to wait: '"_s + text + u'\'');
         return;
     }
@@ -75,7 +76,8 @@ void waitForInterval(const OneByOneContext &context)
     }
     context.progress.setActivity(u"Making OBO sending interval: "_s + text + u" seconds..."_s);
     QCoreApplication::processEvents();
-    context.globals.system.WaitMilliseconds(static_cast<qint64>(seconds * millisecondsPerSecond));
+    const double bounded = std::clamp(seconds, 0.0, longestInterval);
+    context.globals.system.WaitMilliseconds(static_cast<qint64>(bounded * millisecondsPerSecond));
 }
 
 void cutLastSeparator(QString &list)
@@ -103,6 +105,7 @@ QString entryOf(const Outcome &outcome, int total)
 void report(Outcome outcome, int total, const OneByOneContext &context)
 {
     context.progress.setCounter(QString::fromUtf16(progressRestText));
+    context.progress.setProgress(0, 0);
     context.progress.setActivity(QString());
     cutLastSeparator(outcome.failures);
     cutLastSeparator(outcome.successes);

@@ -9,6 +9,8 @@
 #include "sending/messagefill.h"
 #include "sending/onebyone.h"
 
+#include <QCoreApplication>
+
 using namespace Qt::StringLiterals;
 
 namespace corvane {
@@ -63,10 +65,17 @@ void SendRun::carryOut(const RunValues &values)
     }
     if (connected) {
         quillon::MailMessage message;
-        fillMessage(message, {m_globals, m_window, values, accountRecord, log, [&] {
+        fillMessage(message, {m_globals, m_window, values, accountRecord, log,
+                              [&] {
                                   m_prompts.upsSavePrompts(values.to, values.cc, values.bcc);
                                   m_prompts.upsReadPrompts();
-                              }});
+                              },
+                              [this] { return !m_abandoned; }});
+        // What the user did while folders were packed has waited until here: a Cancel holds before the first mail.
+        QCoreApplication::processEvents();
+        if (m_abandoned) {
+            return;
+        }
         const Delivery delivery{values, log, accountRecord, proxyRecord, message};
         values.oneByOne ? deliverOneByOne(delivery) : deliverToAll(delivery);
     } else {
@@ -104,6 +113,7 @@ void SendRun::deliverToAll(const Delivery &delivery)
         return;
     }
     m_progress.setCounter(counterAtRest);
+    m_progress.setProgress(0, 0);
     m_progress.setActivity(QString());
     const QString key = sent ? u"SENT_SUCC"_s : u"SENT_UNSUCC"_s;
     delivery.log.line(LookupText(key));
@@ -147,6 +157,7 @@ void SendRun::finish(const SendingLog &log)
     m_window.pblnStop = false;
     m_progress.hide();
     m_progress.setCounter(counterAtRest);
+    m_progress.setProgress(0, 0);
     m_window.setStatusText(QString::fromUtf16(readyText));
     m_transport.reset();
 }

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void predefinedTextsAreASingleBlank();
     void userMacroWithoutTextIsNotInTheMenu();
     void shortLinesAreNotInTheMenu();
+    void unreadableFileIsNotSeededAndGivesAnEmptyMenu();
 
 private:
     [[nodiscard]] const QString &file() const { return m_tree->globals.paths.macrosFile; }
@@ -86,6 +87,16 @@ void TestMacroCatalogue::shortLinesAreNotInTheMenu()
 {
     writeFile(file(), "{one}\r\n{two}\tx\r\n{three}\tx\ty\r\n{four}\tx\ty\tU\r\n");
     QCOMPARE(macroMenuCaptions(m_tree->globals), QStringList{u"{four}"_s});
+}
+
+void TestMacroCatalogue::unreadableFileIsNotSeededAndGivesAnEmptyMenu()
+{
+    QVERIFY(QFile::remove(file()));
+    QVERIFY(QDir().mkpath(file())); // even an administrator cannot read a folder as a file
+    const int faults = quillon::faultCount();
+    seedMacros(m_tree->globals);
+    QCOMPARE(quillon::faultCount(), faults + 1); // the reading; nothing was tried to be written
+    QCOMPARE(macroMenuCaptions(m_tree->globals), QStringList());
 }
 
 QTEST_GUILESS_MAIN(TestMacroCatalogue)

@@ -52,6 +52,10 @@ private Q_SLOTS:
     void exitUnwindsWithoutAFurtherWord();
     void exitUnwindsWithoutAFurtherWord_data();
     void windowIsAliveBeforeTheWait();
+    void fractionsAreWaitedAndHugeIntervalsAreBounded();
+    void cancelWhileTheMessageIsFilledStopsBeforeTheFirstMail();
+    void largestCountableRollIsCounted();
+    void everyThirdRecipientRefusedIsToldByName();
     void lastConnectionIsEnded();
 
 private:
@@ -166,7 +170,7 @@ void TestOneByOne::intervalStandsInFrontOfEveryMail()
 void TestOneByOne::intervalThatIsNoNumberDoesNotWait()
 {
     const TestClock clock(QDateTime::currentDateTime());
-    for (const QString &text : {QString(), u"soon"_s, u"inf"_s, u"nan"_s, u"1e30"_s}) {
+    for (const QString &text : {QString(), u"soon"_s, u"inf"_s, u"nan"_s}) {
         m_bench->tree.globals.settings.other[OboInterval] = text;
         runAndExpect(3);
     }
@@ -276,7 +280,8 @@ void TestOneByOne::countersFollowTheRun()
     QCOMPARE(m_bench->progress.counters.filter(u"Sending "_s),
              (QStringList{u"Sending 1/3 emails..."_s, u"Sending 2/3 emails..."_s, u"Sending 3/3 emails..."_s,
                           u"Sending emails..."_s, u"Sending emails..."_s}));
-    QCOMPARE(m_bench->progress.steps.constLast(), (std::pair(3, 3)));
+    QCOMPARE(m_bench->progress.steps,
+             (QList<std::pair<int, int>>{{1, 3}, {2, 3}, {3, 3}, {0, 0}, {0, 0}})); // at rest for the next run
     QVERIFY(!m_bench->progress.visible);
 }
 
@@ -398,6 +403,74 @@ void TestOneByOne::windowIsAliveBeforeTheWait()
     clock.whileWaiting = [&] { handledBefore.append(handled); };
     runAndExpect(3);
     QCOMPARE(handledBefore, (QList<int>{1, 2, 3}));
+}
+
+void TestOneByOne::fractionsAreWaitedAndHugeIntervalsAreBounded()
+{
+    TestClock clock(QDateTime::currentDateTime());
+    for (const auto &[text, milliseconds] :
+         {std::pair(u"1.5"_s, 1500LL), std::pair(u"1e30"_s, 1'000'000'000LL), std::pair(u"-4"_s, 0LL)}) {
+        clock.waits.clear();
+        m_bench->tree.globals.settings.other[OboInterval] = text;
+        runAndExpect(3);
+        QCOMPARE(clock.waits, (QList<qint64>{milliseconds, milliseconds, milliseconds}));
+    }
+}
+
+void TestOneByOne::cancelWhileTheMessageIsFilledStopsBeforeTheFirstMail()
+{
+    /// Lets the user press Cancel at the moment that the message's date is filled in.
+    class CancellingClock : public TestClock {
+    public:
+        using TestClock::TestClock;
+        [[nodiscard]] QDateTime now() const override
+        {
+            if (++calls == 3) {
+                QMetaObject::invokeMethod(qApp, cancel, Qt::QueuedConnection);
+            }
+            return TestClock::now();
+        }
+        mutable int calls = 0;
+        std::function<void()> cancel;
+    } clock(QDateTime::currentDateTime());
+    clock.cancel = [this] { m_bench->window.pblnStop = true; };
+    const ExpectedPrompts asked;
+    m_bench->run();
+    QVERIFY(clock.calls > 3);
+    QCOMPARE(m_server->Mails.size(), 0);
+    QCOMPARE(result(), QStringList{u"End: (moment)"_s});
+}
+
+void TestOneByOne::largestCountableRollIsCounted()
+{
+    QStringList many;
+    for (int i = 0; i < 32767; ++i) {
+        many.append(u"a"_s + QString::number(i) + u"@y.org"_s);
+    }
+    m_bench->window.setText(Field::To, many.join(u','));
+    m_bench->window.setText(Field::BCC, QString());
+    m_bench->progress.afterCounter = [this](const QString &) { m_bench->window.pblnStop = true; };
+    const ExpectedPrompts asked;
+    m_bench->run();
+    QVERIFY(m_bench->progress.counters.contains(u"Sending 1/32767 emails..."_s));
+}
+
+void TestOneByOne::everyThirdRecipientRefusedIsToldByName()
+{
+    QStringList people;
+    for (int i = 1; i <= 9; ++i) {
+        people.append(u"a%1@y.org"_s.arg(i));
+    }
+    m_bench->window.setText(Field::To, people.join(u", "_s));
+    m_bench->window.setText(Field::BCC, QString());
+    for (const char *bad : {"a3@y.org", "a6@y.org", "a9@y.org"}) {
+        refuse(bad);
+    }
+    ExpectedPrompts asked([](const QString &) {});
+    m_bench->run();
+    QCOMPARE(result(), (QStringList{u"text of SENT_SUCCA 6 text of SENT_SUCCB:"_s,
+                                    u"a1@y.org, a2@y.org, a4@y.org, a5@y.org, a7@y.org, a8@y.org"_s,
+                                    u"text of FAIL_ADDR"_s, u"a3@y.org, a6@y.org, a9@y.org"_s, u"End: (moment)"_s}));
 }
 
 void TestOneByOne::lastConnectionIsEnded()

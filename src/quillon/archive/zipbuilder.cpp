@@ -65,7 +65,7 @@ std::vector<QByteArray> namesIn(const QByteArray &folder)
 /// Fills an archive from folders.
 class Packer {
 public:
-    Packer(archive *writer, std::function<void()> breathe)
+    Packer(archive *writer, std::function<bool()> breathe)
         : m_writer(writer), m_breathe(std::move(breathe)), m_chunk(chunkSize, Qt::Uninitialized)
     {
         m_sinceBreath.start();
@@ -76,7 +76,9 @@ public:
     bool addFolder(const QByteArray &folder, const QString &prefix, int levels)
     {
         for (const QByteArray &name : namesIn(folder)) {
-            breathe();
+            if (!breathe()) {
+                return false;
+            }
             const QByteArray path = folder + '/' + name;
             struct stat status {};
             if (::lstat(path.constData(), &status) != 0) {
@@ -151,21 +153,26 @@ private:
                 return false;
             }
             size -= count;
-            breathe();
+            if (!breathe()) {
+                return false;
+            }
         }
         return true;
     }
 
-    void breathe()
+    /// False when the work is to end.
+    bool breathe()
     {
-        if (m_breathe && m_sinceBreath.hasExpired(breathMilliseconds)) {
-            m_breathe();
-            m_sinceBreath.restart();
+        if (!m_breathe || !m_sinceBreath.hasExpired(breathMilliseconds)) {
+            return true;
         }
+        const bool goOn = m_breathe();
+        m_sinceBreath.restart();
+        return goOn;
     }
 
     archive *m_writer;
-    std::function<void()> m_breathe;
+    std::function<bool()> m_breathe;
     QElapsedTimer m_sinceBreath;
     QByteArray m_chunk;
     QSet<QString> m_names;
@@ -191,18 +198,20 @@ bool ZipBuilder::Build()
     }
     const QByteArray target = QFile::encodeName(ArchivePath);
     const QByteArray partial = target + ".part";
+    const int file = ::open(partial.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR);
     const Writer writer(archive_write_new());
     bool built = archive_write_set_format_zip(writer.get()) == ARCHIVE_OK &&
-                 archive_write_set_options(writer.get(), "zip:hdrcharset=UTF-8") == ARCHIVE_OK &&
-                 archive_write_open_filename(writer.get(), partial.constData()) == ARCHIVE_OK;
+                 archive_write_set_options(writer.get(), "zip:hdrcharset=UTF-8") == ARCHIVE_OK && file >= 0 &&
+                 archive_write_open_fd(writer.get(), file) == ARCHIVE_OK;
     if (built) {
         Packer packer(writer.get(), Breathe);
         for (const auto &[folder, levels] : levelsOf) {
             built = built && levels > 0 && packer.addFolder(QFile::encodeName(folder), QString(), levels);
         }
     }
-    built = archive_write_close(writer.get()) == ARCHIVE_OK && built &&
-            ::rename(partial.constData(), target.constData()) == 0;
+    const bool ended = archive_write_close(writer.get()) == ARCHIVE_OK;
+    const bool closed = file >= 0 && ::close(file) == 0;
+    built = built && ended && closed && ::rename(partial.constData(), target.constData()) == 0;
     if (!built) {
         const char *reason = archive_error_string(writer.get());
         reportFault(u"cannot write the archive '"_s + ArchivePath + u"': "_s +

@@ -13,8 +13,9 @@ namespace quillon {
 /// as that file, a link to a folder is left out, as are pipes, devices and what cannot be read.
 class ZipBuilder {
 public:
-    QString ArchivePath;           ///< where the archive goes
-    std::function<void()> Breathe; ///< called some twenty times a second while Build() is at work
+    QString ArchivePath; ///< where the archive goes
+    /// Called some twenty times a second while Build() is at work; false ends it without an archive.
+    std::function<bool()> Breathe;
 
     /// Adds what matches a path of a folder and one or more levels "/*": each level takes in the files and folders
     /// of one further level below that folder.

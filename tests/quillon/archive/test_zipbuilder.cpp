@@ -169,9 +169,19 @@ void TestZipBuilder::longWorkLetsOthersBreathe()
     zip.ArchivePath = path(u"a.zip"_s);
     zip.AddPattern(path(u"mine/*"_s));
     int breaths = 0;
-    zip.Breathe = [&] { ++breaths; };
+    zip.Breathe = [&] {
+        ++breaths;
+        return true;
+    };
     QVERIFY(zip.Build());
-    QVERIFY(breaths > 0);
+    QVERIFY(breaths > 1);
+    struct stat status {};
+    QCOMPARE(::stat(QFile::encodeName(path(u"a.zip"_s)).constData(), &status), 0);
+    QCOMPARE(static_cast<int>(status.st_mode & 0777), 0600);
+    zip.Breathe = [] { return false; };
+    zip.ArchivePath = path(u"b.zip"_s);
+    QVERIFY(!zip.Build());
+    QVERIFY(!QFile::exists(path(u"b.zip"_s)) && !QFile::exists(path(u"b.zip.part"_s)));
 }
 
 QTEST_GUILESS_MAIN(TestZipBuilder)
