@@ -46,7 +46,7 @@ void SyncMyInformation(const ApplicationGlobals &globals)
     if (!bytes) {
         return; // what cannot be read is not rewritten
     }
-    const QString name = record.at(senderNameField);
+    const QString &name = record.at(senderNameField);
     const QStringList words = name.split(u' ', Qt::SkipEmptyParts);
     QList<QByteArray> lines = quillon::splitLines(*bytes);
     bool changed = fill(lines, u"{My First Name}"_s, words.value(0));
