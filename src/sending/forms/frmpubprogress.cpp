@@ -17,6 +17,7 @@ namespace {
 constexpr int marginPixels = 6; // 90 twips
 constexpr int activityCharacters = 64;
 constexpr int activityLines = 2;
+constexpr std::chrono::milliseconds rest{40}; // nobody reads faster; each text costs a layout and a painting
 
 } // namespace
 
@@ -31,6 +32,12 @@ frmPubProgress::frmPubProgress(Hooks hooks) : m_hooks(std::move(hooks)), m_ui(st
     const QFontMetrics metrics = m_ui->lblProg->fontMetrics();
     m_ui->lblProg->setFixedSize(metrics.averageCharWidth() * activityCharacters, metrics.lineSpacing() * activityLines);
     new quillon::FormKeys(this);
+    m_activity.Text = m_ui->lblProg->text();
+    m_counter.Text = m_ui->lblQty->text();
+    m_activity.Rest.setSingleShot(true);
+    m_counter.Rest.setSingleShot(true);
+    connect(&m_activity.Rest, &QTimer::timeout, this, &frmPubProgress::showActivity);
+    connect(&m_counter.Rest, &QTimer::timeout, this, &frmPubProgress::showCounter);
     connect(m_ui->sbtCancel, &QPushButton::clicked, this, &frmPubProgress::cancel);
     layOutAnew();
 }
@@ -39,23 +46,45 @@ frmPubProgress::~frmPubProgress() = default;
 
 QString frmPubProgress::activity() const
 {
-    return m_ui->lblProg->text();
+    return m_activity.Text;
 }
 
 void frmPubProgress::setActivity(const QString &text)
 {
-    m_ui->lblProg->setText(text);
-    m_ui->lblProg->setToolTip(text);
+    m_activity.Text = text;
+    if (!m_activity.Rest.isActive()) {
+        showActivity();
+    }
+}
+
+void frmPubProgress::showActivity()
+{
+    if (m_ui->lblProg->text() != m_activity.Text) {
+        m_ui->lblProg->setText(m_activity.Text);
+        m_ui->lblProg->setToolTip(m_activity.Text);
+        m_activity.Rest.start(rest);
+    }
 }
 
 QString frmPubProgress::counter() const
 {
-    return m_ui->lblQty->text();
+    return m_counter.Text;
 }
 
 void frmPubProgress::setCounter(const QString &text)
 {
-    m_ui->lblQty->setText(text);
+    m_counter.Text = text;
+    if (!m_counter.Rest.isActive()) {
+        showCounter();
+    }
+}
+
+void frmPubProgress::showCounter()
+{
+    if (m_ui->lblQty->text() != m_counter.Text) {
+        m_ui->lblQty->setText(m_counter.Text);
+        m_counter.Rest.start(rest);
+    }
 }
 
 void frmPubProgress::setProgress(int i, int total)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -25,6 +26,7 @@ public:
     ~frmPubProgress() override;
 
     [[nodiscard]] QString activity() const;
+    /// Both show @p text, at the latest when the text before has stood for a moment.
     void setActivity(const QString &text);
     [[nodiscard]] QString counter() const;
     void setCounter(const QString &text);
@@ -37,12 +39,21 @@ protected:
 
 private:
     void cancel();
+    /// A line of text that is shown at most so often as it can be read.
+    struct RestingLine {
+        QString Text;
+        QTimer Rest; ///< while it runs, what is shown stays as it is
+    };
+    void showActivity();
+    void showCounter();
     /// Lays the controls out at their natural size, whatever size the form was given, and fits the form to them.
     void layOutAnew();
     /// The size that the contents ask for: up to the right of the activity line and the foot of Cancel, and a margin.
     void fitToContents();
 
     Hooks m_hooks;
+    RestingLine m_activity;
+    RestingLine m_counter;
     bool m_layingOut = false;
     std::unique_ptr<::Ui::frmPubProgress> m_ui;
 };
