@@ -12,6 +12,7 @@
 #include "sending/forms/frmpubprogress.h"
 #include "sending/sendrun.h"
 
+#include <QAbstractButton>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -68,6 +69,9 @@ public:
     void setProgress(int i, int total) override
     {
         FormProgressView::setProgress(i, total);
+        if (total <= 0) {
+            return; // the run is over
+        }
         const int stretch = qMin(1000, total / 2);
         if (i == 1) {
             m_timer.start();
@@ -116,14 +120,20 @@ void makeAccount(const ApplicationGlobals &globals, const BenchTask &task)
     }
 }
 
-void fill(MessageWindow &window, const BenchTask &task)
+void fill(frmPubMain &main, const BenchTask &task)
 {
     using Field = MessageWindow::Field;
+    MessageWindow &window = main.message();
     QStringList recipients;
     for (int i = 1; i <= task.count; ++i) {
         recipients.append(benchName(i) + u" <"_s + benchAddress(i) + u'>');
     }
+    // While there is no editor for it the choice is closed to the user, but the message can hold a document.
+    main.findChild<QAbstractButton *>(u"opt(8)"_s)->setEnabled(true);
     window.setFormat(MessageWindow::Format::Rich);
+    if (window.format() != MessageWindow::Format::Rich) {
+        qFatal("the message is not a document");
+    }
     window.setText(Field::Account, u"ada@x.example"_s);
     window.setText(Field::Sender, u"Ada King <ada@x.example>"_s);
     window.setText(Field::ReplyReceiver, u"ada@x.example"_s);
@@ -161,7 +171,7 @@ QJsonObject measureProgram(const BenchTask &task)
     main.load();
     main.show();
     forms.add(u"frmPubProgress"_s, [] { return new frmPubProgress({}); });
-    fill(main.message(), task);
+    fill(main, task);
 
     WatchedProgress progress(forms);
     InputPrompts prompts(globals);
