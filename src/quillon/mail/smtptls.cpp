@@ -76,8 +76,9 @@ std::unique_ptr<SSL_CTX, ContextFreer> makeContext(const QList<QSslCertificate> 
 
 Shared &shared()
 {
-    static Shared instance;
-    return instance;
+    // Never destroyed: the library cleans up after itself at the process's end, before a static of ours would go.
+    static auto *const instance = new Shared;
+    return *instance;
 }
 
 } // namespace

@@ -17,7 +17,7 @@ namespace {
 constexpr int marginPixels = 6; // 90 twips
 constexpr int activityCharacters = 64;
 constexpr int activityLines = 2;
-constexpr std::chrono::milliseconds rest{40}; // nobody reads faster; each text costs a layout and a painting
+constexpr std::chrono::milliseconds rest{40}; // nobody reads faster, and a fast run has several texts for each mail
 
 } // namespace
 
@@ -32,12 +32,8 @@ frmPubProgress::frmPubProgress(Hooks hooks) : m_hooks(std::move(hooks)), m_ui(st
     const QFontMetrics metrics = m_ui->lblProg->fontMetrics();
     m_ui->lblProg->setFixedSize(metrics.averageCharWidth() * activityCharacters, metrics.lineSpacing() * activityLines);
     new quillon::FormKeys(this);
-    m_activity.Text = m_ui->lblProg->text();
-    m_counter.Text = m_ui->lblQty->text();
-    m_activity.Rest.setSingleShot(true);
-    m_counter.Rest.setSingleShot(true);
-    connect(&m_activity.Rest, &QTimer::timeout, this, &frmPubProgress::showActivity);
-    connect(&m_counter.Rest, &QTimer::timeout, this, &frmPubProgress::showCounter);
+    m_drawn.setSingleShot(true);
+    connect(&m_drawn, &QTimer::timeout, this, [this] { drawTexts(true); });
     connect(m_ui->sbtCancel, &QPushButton::clicked, this, &frmPubProgress::cancel);
     layOutAnew();
 }
@@ -46,45 +42,39 @@ frmPubProgress::~frmPubProgress() = default;
 
 QString frmPubProgress::activity() const
 {
-    return m_activity.Text;
+    return m_ui->lblProg->text();
 }
 
 void frmPubProgress::setActivity(const QString &text)
 {
-    m_activity.Text = text;
-    if (!m_activity.Rest.isActive()) {
-        showActivity();
-    }
-}
-
-void frmPubProgress::showActivity()
-{
-    if (m_ui->lblProg->text() != m_activity.Text) {
-        m_ui->lblProg->setText(m_activity.Text);
-        m_ui->lblProg->setToolTip(m_activity.Text);
-        m_activity.Rest.start(rest);
-    }
+    m_ui->lblProg->setText(text);
+    m_ui->lblProg->setToolTip(text);
+    restFromDrawing();
 }
 
 QString frmPubProgress::counter() const
 {
-    return m_counter.Text;
+    return m_ui->lblQty->text();
 }
 
 void frmPubProgress::setCounter(const QString &text)
 {
-    m_counter.Text = text;
-    if (!m_counter.Rest.isActive()) {
-        showCounter();
+    m_ui->lblQty->setText(text);
+    restFromDrawing();
+}
+
+void frmPubProgress::restFromDrawing()
+{
+    if (!m_drawn.isActive()) {
+        drawTexts(false);
+        m_drawn.start(rest);
     }
 }
 
-void frmPubProgress::showCounter()
+void frmPubProgress::drawTexts(bool drawn)
 {
-    if (m_ui->lblQty->text() != m_counter.Text) {
-        m_ui->lblQty->setText(m_counter.Text);
-        m_counter.Rest.start(rest);
-    }
+    m_ui->lblProg->setUpdatesEnabled(drawn);
+    m_ui->lblQty->setUpdatesEnabled(drawn);
 }
 
 void frmPubProgress::setProgress(int i, int total)

@@ -26,7 +26,6 @@ public:
     ~frmPubProgress() override;
 
     [[nodiscard]] QString activity() const;
-    /// Both show @p text, at the latest when the text before has stood for a moment.
     void setActivity(const QString &text);
     [[nodiscard]] QString counter() const;
     void setCounter(const QString &text);
@@ -39,21 +38,17 @@ protected:
 
 private:
     void cancel();
-    /// A line of text that is shown at most so often as it can be read.
-    struct RestingLine {
-        QString Text;
-        QTimer Rest; ///< while it runs, what is shown stays as it is
-    };
-    void showActivity();
-    void showCounter();
+    /// Texts change at once, but are drawn no faster than they can be read: at a good pace the drawing would cost a run
+    /// a quarter of its time.
+    void restFromDrawing();
+    void drawTexts(bool drawn);
     /// Lays the controls out at their natural size, whatever size the form was given, and fits the form to them.
     void layOutAnew();
     /// The size that the contents ask for: up to the right of the activity line and the foot of Cancel, and a margin.
     void fitToContents();
 
     Hooks m_hooks;
-    RestingLine m_activity;
-    RestingLine m_counter;
+    QTimer m_drawn; ///< while it runs, the texts are not drawn anew
     bool m_layingOut = false;
     std::unique_ptr<::Ui::frmPubProgress> m_ui;
 };
