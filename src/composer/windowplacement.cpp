@@ -1,5 +1,6 @@
 #include "composer/windowplacement.h"
 
+#include "core/settings.h"
 #include "quillon/fault.h"
 #include "quillon/files/settingsfile.h"
 
@@ -130,10 +131,9 @@ void WindowPlacement::checkPosition()
     }
     const std::array<int, 2> present = {m_window->x(), m_window->y()};
     for (std::size_t i = 0; i < present.size(); ++i) {
-        QString &stored = m_globals.settings.position[i];
+        const QString &stored = m_globals.settings.position[i];
         if ((stored.isEmpty() ? u"0"_s : stored) != inTwips(present[i])) {
-            stored = inTwips(present[i]);
-            m_globals.system.WriteSetting(m_globals.paths.optionsFile, section, QString::fromUtf16(keys[i]), stored);
+            storeSetting(m_globals, section, QString::fromUtf16(keys[i]), inTwips(present[i]));
         }
     }
 }
