@@ -35,6 +35,20 @@ enum ProxyField {
 };
 inline constexpr int proxyFieldCount = 7;
 
+/// Fields of a custom sender's line, from 0.
+enum SenderField { SenderName, SenderAddress, SenderRemark };
+inline constexpr int senderFieldCount = 3;
+
+/// Fields of a signature's line, from 0. The path is empty for a signature whose text the program keeps.
+enum SignatureField { SignatureName, SignaturePath };
+
+/// What a text box's text is as a field: tabs, line ends and other control characters become blanks, the ends are
+/// trimmed.
+[[nodiscard]] QString fieldText(const QString &text);
+
+/// The line of a record: its fields as fieldText() gives them, a tab between each two.
+[[nodiscard]] QString recordLine(const QStringList &fields);
+
 /// One field of a record's line; empty when the line is too short.
 [[nodiscard]] QString recordField(const QString &record, int field);
 

@@ -11,8 +11,6 @@ namespace {
 
 using Field = MessageWindow::Field;
 
-enum SenderField { SenderName, SenderAddress };
-
 /// A box whose list is filled anew keeps the text that it showed.
 void replaceList(MessageWindow &window, Field field, const QStringList &entries)
 {
