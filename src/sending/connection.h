@@ -16,9 +16,6 @@ struct TransportEvents {
     std::function<void(const QString &text)> progress;
 };
 
-/// The security that an account's field asks for: "N" 0, "S" or "Y" 1, "T" 2; another value leaves @p standard.
-[[nodiscard]] int securityOf(const QString &field, int standard = quillon::MailTransport::NoSecurity);
-
 /// Makes a new transport in @p transport, dropping any earlier one with its events, configures it from the two record
 /// lines and connects. Whether the proxy is used is told by the settings, not by @p proxyRecord. True when it stands.
 bool ConnectTransport(const ApplicationGlobals &globals, const QString &accountRecord, const QString &proxyRecord,

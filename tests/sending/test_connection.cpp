@@ -25,7 +25,6 @@ private Q_SLOTS:
         m_tree.reset();
     }
 
-    void securityFieldYIsReadAsS();
     void accountsFieldsReachTheTransport();
     void userIsTakenOnlyWithAuthentication();
     void proxyIsTakenByTheSettingNotByTheRecord();
@@ -49,16 +48,6 @@ private:
     QStringList m_errors;
     std::unique_ptr<MailTransport> m_transport;
 };
-
-void TestConnection::securityFieldYIsReadAsS()
-{
-    QCOMPARE(securityOf(u"N"_s), 0);
-    QCOMPARE(securityOf(u"S"_s), 1);
-    QCOMPARE(securityOf(u"Y"_s), 1);
-    QCOMPARE(securityOf(u"T"_s), 2);
-    QCOMPARE(securityOf(u"y"_s, 7), 7);
-    QCOMPARE(securityOf(QString(), 7), 7);
-}
 
 void TestConnection::accountsFieldsReachTheTransport()
 {
