@@ -92,14 +92,23 @@ void WriteDefaultSettings(const ApplicationGlobals &globals)
 
 void storeSetting(ApplicationGlobals &globals, const QString &section, const QString &key, const QString &value)
 {
-    for (const SettingRow &row : rows) {
-        const bool named = section.compare(text(row.section), Qt::CaseInsensitive) == 0 &&
-                           key.compare(text(row.key), Qt::CaseInsensitive) == 0;
-        if (row.slot && named) {
-            row.slot(globals) = value;
+    storeSettings(globals, {{section, key, value}});
+}
+
+void storeSettings(ApplicationGlobals &globals, const QList<SettingChange> &changes)
+{
+    quillon::SettingsFile file(globals.paths.optionsFile);
+    for (const SettingChange &change : changes) {
+        for (const SettingRow &row : rows) {
+            const bool named = change.section.compare(text(row.section), Qt::CaseInsensitive) == 0 &&
+                               change.key.compare(text(row.key), Qt::CaseInsensitive) == 0;
+            if (row.slot && named) {
+                row.slot(globals) = change.value;
+            }
         }
+        file.setValue(change.section, change.key, change.value);
     }
-    globals.system.WriteSetting(globals.paths.optionsFile, section, key, value);
+    file.save();
 }
 
 bool proxyInUse(const ApplicationGlobals &globals)

@@ -2,6 +2,7 @@
 
 #include "core/globals.h"
 
+#include <QList>
 #include <QString>
 
 #include <span>
@@ -27,6 +28,16 @@ void WriteDefaultSettings(const ApplicationGlobals &globals);
 
 /// Writes one setting to memory and to the file.
 void storeSetting(ApplicationGlobals &globals, const QString &section, const QString &key, const QString &value);
+
+/// One value for a key of the settings file.
+struct SettingChange {
+    QString section;
+    QString key;
+    QString value;
+};
+
+/// Writes several settings to memory and, with one rewrite, to the file, which so never holds a part of them.
+void storeSettings(ApplicationGlobals &globals, const QList<SettingChange> &changes);
 
 /// Whether proxies are in use.
 [[nodiscard]] bool proxyInUse(const ApplicationGlobals &globals);

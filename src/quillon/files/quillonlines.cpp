@@ -7,6 +7,9 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
+
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -14,13 +17,14 @@ namespace quillon {
 
 namespace {
 
-bool lineMatches(const QString &line, const QString &key, const QString &delimiter, int field)
+/// What of a line is compared to a key: the line, or, with a delimiter, its field of that index if it has one.
+std::optional<QString> keyPart(const QString &line, const QString &delimiter, int field)
 {
     if (delimiter.isEmpty()) {
-        return line == key;
+        return line;
     }
     const QStringList fields = line.split(delimiter);
-    return field >= 0 && field < fields.size() && fields.at(field) == key;
+    return field >= 0 && field < fields.size() ? std::optional(fields.at(field)) : std::nullopt;
 }
 
 /// What an appended line finds at the end of its file.
@@ -81,8 +85,18 @@ int QuillonLines::CountLines(const QString &path) const
 
 void QuillonLines::DeleteLineByKey(const QString &path, const QString &key, const QString &delimiter, int field) const
 {
+    DeleteLinesByKeys(path, {key}, delimiter, field);
+}
+
+void QuillonLines::DeleteLinesByKeys(const QString &path, const QStringList &keys, const QString &delimiter,
+                                     int field) const
+{
+    const QSet<QString> doomed(keys.cbegin(), keys.cend());
     LineFile file(path);
-    const auto matches = [&](const QString &line) { return lineMatches(line, key, delimiter, field); };
+    const auto matches = [&](const QString &line) {
+        const std::optional<QString> part = keyPart(line, delimiter, field);
+        return part && doomed.contains(*part);
+    };
     if (file.removeIf(matches) > 0) {
         file.save();
     }
@@ -94,7 +108,7 @@ void QuillonLines::ReplaceLine(const QString &path, const QString &key, const QS
     LineFile file(path);
     for (qsizetype i = 0; i < file.count(); ++i) {
         const QString line = file.at(i);
-        if (!lineMatches(line, key, delimiter, field)) {
+        if (keyPart(line, delimiter, field) != key) {
             continue;
         }
         if (delimiter.isEmpty()) {

@@ -17,6 +17,8 @@ public:
     [[nodiscard]] int CountLines(const QString &path) const;
     /// Removes all lines that equal @p key, or, with a delimiter, whose field @p field (from 0) equals it.
     void DeleteLineByKey(const QString &path, const QString &key, const QString &delimiter, int field) const;
+    /// The same for several keys, with one rewrite.
+    void DeleteLinesByKeys(const QString &path, const QStringList &keys, const QString &delimiter, int field) const;
     /// Puts @p newLine in place of the first line that matches as in DeleteLineByKey(); with a delimiter only that
     /// field changes.
     void ReplaceLine(const QString &path, const QString &key, const QString &newLine, const QString &delimiter,
