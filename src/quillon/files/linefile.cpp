@@ -9,7 +9,8 @@ LineFile::LineFile(const QString &path) : m_path(path)
 {
     const auto bytes = readWholeFile(path);
     m_readable = bytes.has_value();
-    m_lines = splitLines(bytes.value_or(QByteArray()));
+    m_present = bytes.value_or(QByteArray());
+    m_lines = splitLines(m_present);
 }
 
 QString LineFile::at(qsizetype index) const
@@ -27,9 +28,19 @@ void LineFile::replace(qsizetype index, const QString &line)
     m_lines[index] = encodeText(line);
 }
 
+void LineFile::append(const QString &line)
+{
+    m_lines.append(encodeText(line));
+}
+
 bool LineFile::save() const
 {
     return m_readable && writeWholeFile(m_path, joinLines(m_lines));
+}
+
+bool LineFile::saveIfChanged() const
+{
+    return m_readable && (joinLines(m_lines) == m_present || save());
 }
 
 } // namespace quillon

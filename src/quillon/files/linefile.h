@@ -21,12 +21,17 @@ public:
     /// Removes every line that @p matches accepts and tells how many there were.
     qsizetype removeIf(const std::function<bool(const QString &line)> &matches);
     void replace(qsizetype index, const QString &line);
+    /// Adds a line at the end; without line breaks.
+    void append(const QString &line);
 
     /// Writes all lines, whole or not at all; false with a fault when that failed or the file was not readable().
     bool save() const;
+    /// The same, but a file that holds just these octets already is left as it is, and that is true.
+    bool saveIfChanged() const;
 
 private:
     QString m_path;
+    QByteArray m_present; ///< the file's octets as they were read
     QList<QByteArray> m_lines;
     bool m_readable = true;
 };

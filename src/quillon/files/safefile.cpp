@@ -127,7 +127,7 @@ QString existingPath(const QString &path)
     return path;
 }
 
-std::optional<QByteArray> readWholeFile(const QString &path)
+std::optional<QByteArray> readWholeFile(const QString &path, qint64 limit)
 {
     const QString found = existingPath(path);
     // Without waiting, so that a pipe of that name cannot hold the program.
@@ -142,6 +142,11 @@ std::optional<QByteArray> readWholeFile(const QString &path)
     struct stat status {};
     if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
         errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+        fault("cannot read", found);
+        return std::nullopt;
+    }
+    if (status.st_size > limit) {
+        errno = EFBIG;
         fault("cannot read", found);
         return std::nullopt;
     }

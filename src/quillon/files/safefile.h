@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <limits>
 #include <optional>
 
 namespace quillon {
@@ -16,8 +17,10 @@ void setTemporaryFolder(const QString &folder);
 [[nodiscard]] QString existingPath(const QString &path);
 
 /// The whole file. A missing file gives an empty array and is no fault; anything else that cannot be read (a folder,
-/// a pipe, no permission) gives nullopt and is a fault.
-[[nodiscard]] std::optional<QByteArray> readWholeFile(const QString &path);
+/// a pipe, no permission) gives nullopt and is a fault, and so does a file of more than @p limit octets, of which no
+/// octet is read.
+[[nodiscard]] std::optional<QByteArray> readWholeFile(const QString &path,
+                                                      qint64 limit = std::numeric_limits<qint64>::max());
 
 /// Replaces a file, whole or not at all: written aside, flushed to the disk, then renamed into place. A new file is
 /// made with mode 0600, a present one keeps its own. A file of the same name in another case gets the new case.
