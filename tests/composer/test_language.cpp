@@ -204,6 +204,7 @@ private Q_SLOTS:
     void textsBehindAValueGoOnInTheSentence();
     void placeholderRowsEqualNoEntry();
     void theFilesAreUtf8WithCrLf();
+    void siteSettingsLieBesideTheLanguageFiles();
     void everyCaptionKeyIsOnItsForm();
     void everyMenuCaptionIsInTheFile();
     void everyHelpLineBelongsToAMenuItem();
@@ -282,6 +283,13 @@ void TestLanguage::theFilesAreUtf8WithCrLf()
         QCOMPARE(bytes.count('\n'), bytes.count("\r\n"));
         QCOMPARE(QString::fromUtf8(bytes).toUtf8(), bytes);
     }
+}
+
+void TestLanguage::siteSettingsLieBesideTheLanguageFiles()
+{
+    const QByteArray bytes = contentOf(program + u"/site.dll"_s);
+    QVERIFY(bytes.contains("[Site]\r\n"));
+    QCOMPARE(bytes, contentOf(u"" TEST_SOURCE_DIR "/../../resources/site.dll"_s));
 }
 
 void TestLanguage::everyCaptionKeyIsOnItsForm()
