@@ -1,0 +1,211 @@
+#include "records/signaturefiles.h"
+
+#include "quillon/fault.h"
+#include "quillon/files/safefile.h"
+
+#include <QDirIterator>
+#include <QFile>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+namespace {
+
+constexpr qsizetype longestFileName = 255; // octets, on every file system of this platform
+constexpr mode_t fileMode = S_IRUSR | S_IWUSR;
+const QString ending = u".dll"_s;
+
+QString beginning(const QString &name)
+{
+    return u"sign_"_s + name;
+}
+
+/// The file name for a signature; empty when there can be none.
+QString fileName(const QString &name)
+{
+    const QString file = beginning(name) + ending;
+    const bool possible =
+        !name.contains(u'/') && !name.contains(QChar(u'\0')) && QFile::encodeName(file).size() <= longestFileName;
+    return possible ? file : QString();
+}
+
+/// What stands at a path; a link counts as itself.
+std::optional<struct stat> entryAt(const QString &path)
+{
+    struct stat status {};
+    const bool there = !path.isEmpty() && ::lstat(QFile::encodeName(path).constData(), &status) == 0;
+    return there ? std::optional(status) : std::nullopt;
+}
+
+bool isSame(const struct stat &one, const struct stat &other)
+{
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+void fault(const QString &what, const QString &path)
+{
+    quillon::reportFault(what + u" '"_s + path + u"': "_s + QString::fromLocal8Bit(std::strerror(errno)));
+}
+
+void removeFile(const QString &path)
+{
+    if (::unlink(QFile::encodeName(path).constData()) != 0 && errno != ENOENT) {
+        fault(u"cannot delete"_s, path);
+    }
+}
+
+bool move(const QString &from, const QString &to)
+{
+    return ::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
+} // namespace
+
+SignatureFiles::SignatureFiles(QString folder, const QStringList &names) : m_folder(std::move(folder)), m_names(names)
+{
+    for (const QString &name : names) {
+        m_own.insert(fileName(name));
+    }
+}
+
+QString SignatureFiles::target(const QString &name) const
+{
+    const QString file = fileName(name);
+    return file.isEmpty() ? QString() : m_folder + u'/' + file;
+}
+
+const QStringList &SignatureFiles::listing() const
+{
+    if (!m_listing) {
+        m_listing.emplace();
+        // Everything that is no folder, pipes and broken links too.
+        QDirIterator entries(m_folder, QDir::Files | QDir::Hidden | QDir::System);
+        while (entries.hasNext()) {
+            entries.next();
+            m_listing->append(entries.fileName());
+            m_byCase.insert(entries.fileName().toCaseFolded(), entries.fileName());
+        }
+    }
+    return *m_listing;
+}
+
+QString SignatureFiles::present(const QString &name) const
+{
+    const QString exact = target(name);
+    if (exact.isEmpty() || entryAt(exact)) {
+        return exact;
+    }
+    (void)listing();
+    const QStringList others = m_byCase.values(fileName(name).toCaseFolded());
+    for (const QString &other : others) {
+        if (!m_own.contains(other) && entryAt(m_folder + u'/' + other)) {
+            return m_folder + u'/' + other;
+        }
+    }
+    return {};
+}
+
+bool SignatureFiles::write(const QString &name, const QByteArray &octets) const
+{
+    const QString exact = target(name);
+    if (exact.isEmpty()) {
+        quillon::reportFault(u"no file can have the name of the signature '"_s + name + u'\'');
+        return false;
+    }
+    if (const QString found = present(name); !found.isEmpty() && found != exact) {
+        move(found, exact);
+    } else if (found.isEmpty() && quillon::existingPath(exact) != exact) {
+        // The file of a signature in another case is not this one's: it must not be taken for it.
+        const int made =
+            ::open(QFile::encodeName(exact).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, fileMode);
+        if (made < 0) {
+            fault(u"cannot make"_s, exact);
+            return false;
+        }
+        ::close(made);
+    }
+    return quillon::writeWholeFile(exact, octets);
+}
+
+void SignatureFiles::remove(const QString &name) const
+{
+    if (const QString found = present(name); !found.isEmpty()) {
+        removeFile(found);
+    }
+}
+
+void SignatureFiles::removeAllThatBeginWith(const QString &name) const
+{
+    remove(name);
+    if (name.isEmpty()) {
+        return; // all names begin with it, and it is none
+    }
+    const QString start = beginning(name);
+    for (const QString &file : listing()) {
+        if (file.size() >= start.size() + ending.size() && file.startsWith(start) &&
+            file.endsWith(ending, Qt::CaseInsensitive)) {
+            removeFile(m_folder + u'/' + file);
+        }
+    }
+}
+
+SignatureFiles::Move::Move(const SignatureFiles &files, const QString &name, const QString &newName)
+    : m_from(files.present(name)), m_to(files.target(newName))
+{
+    if (m_from.isEmpty() || m_to.isEmpty()) {
+        return;
+    }
+    const auto from = entryAt(m_from);
+    const auto to = entryAt(m_to);
+    if (from && to && isSame(*from, *to)) {
+        // A second name is left over from a move that was killed; with one name only it is told in another case.
+        m_how = from->st_nlink > 1 ? How::Linked : How::Later;
+    } else if (!makeRoom(files, name, newName)) {
+        quillon::reportFault(u"cannot move '"_s + m_from + u"': there is already '"_s + m_to + u'\'');
+    } else {
+        const bool linked = ::link(QFile::encodeName(m_from).constData(), QFile::encodeName(m_to).constData()) == 0;
+        m_how = linked ? How::Linked : How::Later;
+    }
+}
+
+bool SignatureFiles::Move::makeRoom(const SignatureFiles &files, const QString &name, const QString &newName)
+{
+    const auto there = entryAt(m_to);
+    if (!there) {
+        return true;
+    }
+    for (const QString &other : files.m_names) {
+        if (other == name || other.compare(newName, Qt::CaseInsensitive) != 0) {
+            continue;
+        }
+        if (const auto owned = entryAt(files.present(other)); owned && isSame(*owned, *there)) {
+            return false; // a file system that knows no case gives both names one file
+        }
+    }
+    return ::unlink(QFile::encodeName(m_to).constData()) == 0;
+}
+
+void SignatureFiles::Move::finish() const
+{
+    if (m_how == How::Linked) {
+        removeFile(m_from);
+    } else if (m_how == How::Later && !move(m_from, m_to)) {
+        fault(u"cannot move"_s, m_from);
+    }
+}
+
+void SignatureFiles::Move::takeBack() const
+{
+    if (m_how == How::Linked) {
+        removeFile(m_to);
+    }
+}
+
+} // namespace corvane

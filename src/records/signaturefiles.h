@@ -1,0 +1,67 @@
+#pragma once
+
+#include "core/globals.h"
+
+#include <QMultiHash>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace corvane {
+
+/// The files in which the texts of signatures are stored. A file is found without regard to the case of its name, as
+/// all files of the program are, unless another signature has just that name: two signatures whose names differ only in
+/// case never get into each other's file.
+class SignatureFiles {
+public:
+    /// @p names are those of all signatures.
+    SignatureFiles(QString folder, const QStringList &names);
+
+    /// Where the text of that signature belongs; empty for a name that a file name cannot hold.
+    [[nodiscard]] QString target(const QString &name) const;
+    /// What is there for that signature, of whatever kind; empty when there is nothing.
+    [[nodiscard]] QString present(const QString &name) const;
+
+    /// Writes the text of that signature, whole or not at all; true when it then stands there.
+    bool write(const QString &name, const QByteArray &octets) const;
+    void remove(const QString &name) const;
+    /// Deletes all stored texts whose names begin with this one, and this one's.
+    void removeAllThatBeginWith(const QString &name) const;
+
+    /// Moves a text to the name that its signature gets, in two steps with the change of signs.dll between them: at any
+    /// moment the text stands at least under the name that signs.dll holds.
+    class Move {
+    public:
+        /// Puts the text of @p name in the place of @p newName too. What stands there without a signature goes.
+        Move(const SignatureFiles &files, const QString &name, const QString &newName);
+        /// signs.dll holds the new name.
+        void finish() const;
+        /// signs.dll holds the old name.
+        void takeBack() const;
+
+    private:
+        enum class How {
+            Nothing, ///< there is no text, or no place for it
+            Linked,  ///< it stands under both names
+            Later    ///< the file system knows no second names
+        };
+        [[nodiscard]] bool makeRoom(const SignatureFiles &files, const QString &name, const QString &newName);
+
+        QString m_from;
+        QString m_to;
+        How m_how = How::Nothing;
+    };
+
+private:
+    [[nodiscard]] const QStringList &listing() const;
+
+    QString m_folder;
+    QStringList m_names;
+    QSet<QString> m_own; ///< the exact file names that belong to signatures
+    mutable std::optional<QStringList> m_listing;
+    mutable QMultiHash<QString, QString> m_byCase; ///< file names by their case-folded form
+};
+
+} // namespace corvane

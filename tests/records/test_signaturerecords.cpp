@@ -1,0 +1,736 @@
+#include "records/accountrecords.h"
+#include "records/signaturerecords.h"
+#include "support/temporarytree.h"
+
+#include <QFileInfo>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QTest>
+
+#include <csignal>
+#include <functional>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace corvane;
+
+class TestSignatureRecords : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_tree = std::make_unique<TemporaryTree>();
+        m_tree->prepare();
+    }
+    void cleanup() { m_tree.reset(); }
+
+    void addAppendsTheLineAndWritesTheText();
+    void addWithoutATextWritesNoFile();
+    void theAddCommandStartsWithAnEmptyFile();
+    void modifyMovesTheLineToTheEnd();
+    void modifyWithAPathDropsTheStoredText();
+    void aFileSignatureDropsTheTextsOfAllWhoseNamesBeginWithItsOwn();
+    void signsThatAreWildcardsElsewhereAreLettersInAName();
+    void aReadOnlyTextIsDroppedToo();
+    void otherLinesKeepTheirOctets();
+    void aSaveThatChangesNothingWritesNothing();
+    void deleteRemovesTheLineAndTheText();
+    void severalAreDeletedWithOneRewrite();
+    void renameKeepsThePlaceAndMovesTheText();
+    void renameKeepsThePathOfAFileSignature();
+    void renameToAnotherCaseKeepsTheText();
+    void renameReplacesATextThatWasLeftBehind();
+    void renameToATakenNameChangesNothing();
+    void renameThereAndBackOverANameThatNoFileCanHaveKeepsTheText();
+    void clearLeavesAnEmptyListAlone();
+    void clearDoesNotFollowALink();
+    void anotherModeChangesNothing();
+    void aNameThatNoFileCanHaveLeavesTheRowAndWritesNoText();
+    void aNameThatNoFileCanHaveLeavesTheRowAndWritesNoText_data();
+    void aNameIsKeptInOneLineWithoutTabs();
+    void namesThatDifferOnlyInCaseAreTwoSignatures();
+    void aTextIsFoundWithoutRegardToTheCaseOfItsFile();
+    void aTextSignatureShowsItsText();
+    void aFileSignatureShowsItsPath();
+    void aBlankPathIsATextSignature();
+    void aSignatureThatIsNotListedShowsNothing();
+    void aTextThatCannotBeReadIsNeitherShownNorWrittenOver();
+    void aTextThatCannotBeReadIsNeitherShownNorWrittenOver_data();
+    void unreadableListIsNotRewrittenAndNoTextGoes();
+    void aFullDiskLosesNothing();
+    void aKillLosesAtMostTheLastChange();
+    void aMessageGetsTheStoredTextBeforeTheFile();
+    void aMessageGetsTheTextOfTheFile();
+    void anHtmlFileIsToldByItsEnding();
+    void anHtmlFileIsToldByItsEnding_data();
+    void aMessageGetsNothingFromAFileThatIsGoneOrNoText();
+    void theFirstSignatureHasTheNumberZero();
+    void theFirstFreeNumberIsTakenAndTheNumberOfARenamedOneIsFree();
+    void withAThousandNumbersTakenThereIsNoName();
+    void namesAreThoseOfAllLines();
+
+private:
+    [[nodiscard]] ApplicationGlobals &globals() const { return m_tree->globals; }
+    [[nodiscard]] QByteArray list() const { return contentOf(globals().paths.signsFile); }
+    void setList(const QByteArray &octets) const { writeFile(globals().paths.signsFile, octets); }
+    [[nodiscard]] QString file(const QString &name) const
+    {
+        return globals().paths.signs + u"/sign_"_s + name + u".dll"_s;
+    }
+    [[nodiscard]] QByteArray stored(const QString &name) const { return contentOf(file(name)); }
+    void store(const QString &name, const QByteArray &octets) const { writeFile(file(name), octets); }
+    /// The names of all that lies in the folder beside signs.dll.
+    [[nodiscard]] QStringList storedFiles() const
+    {
+        QStringList files = QDir(globals().paths.signs)
+                                .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot | QDir::Hidden);
+        files.removeOne(u"signs.dll"_s);
+        return files;
+    }
+
+    void save(const QString &mode, const QString &name, const QString &newName, const QString &text = {},
+              const QString &path = {}) const
+    {
+        SaveSignatureRecord(globals(), mode, name, newName, text, path);
+    }
+    void modify(const QString &name, const QString &text, const QString &path = {}) const
+    {
+        save(u"M"_s, name, {}, text, path);
+    }
+
+    std::unique_ptr<TemporaryTree> m_tree;
+};
+
+namespace {
+
+/// What a whole write replaces.
+ino_t node(const QString &path)
+{
+    struct stat status {};
+    ::lstat(QFile::encodeName(path).constData(), &status);
+    return status.st_ino;
+}
+
+mode_t modeOf(const QString &path)
+{
+    struct stat status {};
+    ::lstat(QFile::encodeName(path).constData(), &status);
+    return status.st_mode & 07777U;
+}
+
+} // namespace
+
+void TestSignatureRecords::addAppendsTheLineAndWritesTheText()
+{
+    setList("a\t\r\n");
+    save(u"A"_s, {}, u"Öl"_s, u"Grüße\r\nAnn"_s);
+    save(u"A"_s, {}, u"page"_s, {}, u"/home/x/page.html"_s);
+    QCOMPARE(list(), QByteArray("a\t\r\n\xC3\x96l\t\r\npage\t/home/x/page.html\r\n"));
+    QCOMPARE(stored(u"Öl"_s), QByteArray("Gr\xC3\xBC\xC3\x9F"
+                                         "e\r\nAnn"));
+    QCOMPARE(modeOf(file(u"Öl"_s)), mode_t(0600));
+    QCOMPARE(storedFiles(), QStringList{u"sign_Öl.dll"_s});
+}
+
+void TestSignatureRecords::addWithoutATextWritesNoFile()
+{
+    save(u"A"_s, {}, u"a"_s);
+    QCOMPARE(list(), QByteArray("a\t\r\n"));
+    QCOMPARE(storedFiles(), QStringList());
+}
+
+void TestSignatureRecords::theAddCommandStartsWithAnEmptyFile()
+{
+    store(u"Signature #0"_s, "of one that is gone");
+    addSignature(globals(), u"Signature #0"_s);
+    QCOMPARE(list(), QByteArray("Signature #0\t\r\n"));
+    QCOMPARE(stored(u"Signature #0"_s), QByteArray(""));
+    QVERIFY(QFileInfo::exists(file(u"Signature #0"_s)));
+}
+
+void TestSignatureRecords::modifyMovesTheLineToTheEnd()
+{
+    setList("a\t\r\nb\t/b.txt\r\nc\t\r\n");
+    modify(u"a"_s, u"text"_s);
+    QCOMPARE(list(), QByteArray("b\t/b.txt\r\nc\t\r\na\t\r\n"));
+    QCOMPARE(stored(u"a"_s), QByteArray("text"));
+    modify(u"b"_s, u"own"_s);
+    QCOMPARE(list(), QByteArray("c\t\r\na\t\r\nb\t\r\n"));
+    QCOMPARE(stored(u"b"_s), QByteArray("own"));
+    modify(u"c"_s, {}, u"/c.txt"_s);
+    modify(u"a"_s, {}, u" /a.txt "_s);
+    QCOMPARE(list(), QByteArray("b\t\r\nc\t/c.txt\r\na\t/a.txt\r\n"));
+}
+
+void TestSignatureRecords::modifyWithAPathDropsTheStoredText()
+{
+    setList("a\t\r\nb\t\r\n");
+    store(u"a"_s, "A");
+    store(u"b"_s, "B");
+    modify(u"a"_s, u"is not stored"_s, u"/a.txt"_s);
+    QCOMPARE(list(), QByteArray("b\t\r\na\t/a.txt\r\n"));
+    QCOMPARE(storedFiles(), QStringList{u"sign_b.dll"_s});
+}
+
+void TestSignatureRecords::aFileSignatureDropsTheTextsOfAllWhoseNamesBeginWithItsOwn()
+{
+    setList("Work\t\r\nWork 2\t\r\nMy Work\t\r\nwork 3\t\r\n");
+    for (const QString &name : {u"Work"_s, u"Work 2"_s, u"My Work"_s, u"work 3"_s}) {
+        store(name, "text");
+    }
+    writeFile(globals().paths.signs + u"/sign_Work.txt"_s, "of somebody else");
+    modify(u"Work"_s, {}, u"/w.txt"_s);
+    QCOMPARE(list(), QByteArray("Work 2\t\r\nMy Work\t\r\nwork 3\t\r\nWork\t/w.txt\r\n"));
+    QCOMPARE(storedFiles(), (QStringList{u"sign_My Work.dll"_s, u"sign_work 3.dll"_s, u"sign_Work.txt"_s}));
+}
+
+void TestSignatureRecords::signsThatAreWildcardsElsewhereAreLettersInAName()
+{
+    setList("*\t\r\n?\t\r\n[a]\t\r\na\t\r\n*x\t\r\n");
+    for (const QString &name : {u"*"_s, u"?"_s, u"[a]"_s, u"a"_s, u"*x"_s}) {
+        store(name, "text");
+    }
+    modify(u"?"_s, {}, u"/q.txt"_s);
+    QCOMPARE(storedFiles().size(), 4);
+    modify(u"[a]"_s, {}, u"/q.txt"_s);
+    QCOMPARE(storedFiles().size(), 3);
+    modify(u"*"_s, {}, u"/q.txt"_s);
+    QCOMPARE(storedFiles(), QStringList{u"sign_a.dll"_s});
+}
+
+void TestSignatureRecords::aReadOnlyTextIsDroppedToo()
+{
+    setList("a\t\r\n");
+    store(u"a"_s, "A");
+    QVERIFY(QFile::setPermissions(file(u"a"_s), QFileDevice::ReadOwner));
+    modify(u"a"_s, {}, u"/a.txt"_s);
+    QCOMPARE(storedFiles(), QStringList());
+}
+
+void TestSignatureRecords::otherLinesKeepTheirOctets()
+{
+    setList("caf\xE9\t/caf\xE9.txt\r\nshort\r\n\r\na\t\r\nlong\t\tx\ty\r\n");
+    modify(u"a"_s, u"t"_s);
+    QCOMPARE(list(), QByteArray("caf\xE9\t/caf\xE9.txt\r\nshort\r\n\r\nlong\t\tx\ty\r\na\t\r\n"));
+    save(u"R"_s, u"long"_s, u"b"_s);
+    QCOMPARE(list(), QByteArray("caf\xE9\t/caf\xE9.txt\r\nshort\r\n\r\nb\t\tx\ty\r\na\t\r\n"));
+    save(u"D"_s, u"a"_s, {});
+    QCOMPARE(list(), QByteArray("caf\xE9\t/caf\xE9.txt\r\nshort\r\n\r\nb\t\tx\ty\r\n"));
+}
+
+void TestSignatureRecords::aSaveThatChangesNothingWritesNothing()
+{
+    setList("a\t\r\nb\t\r\n");
+    modify(u"b"_s, u"text"_s);
+    const ino_t listed = node(globals().paths.signsFile);
+    const ino_t text = node(file(u"b"_s));
+    modify(u"b"_s, u"text"_s);
+    QCOMPARE(node(file(u"b"_s)), text);
+    modify(u"b"_s, u"text!"_s);
+    QVERIFY(node(file(u"b"_s)) != text);
+    QCOMPARE(node(globals().paths.signsFile), listed);
+    modify(u"a"_s, u"text"_s);
+    QVERIFY(node(globals().paths.signsFile) != listed);
+}
+
+void TestSignatureRecords::deleteRemovesTheLineAndTheText()
+{
+    setList("a\t\r\nab\t\r\na\t/second.txt\r\n");
+    store(u"a"_s, "A");
+    store(u"ab"_s, "AB");
+    save(u"D"_s, u"a"_s, {});
+    QCOMPARE(list(), QByteArray("ab\t\r\n"));
+    QCOMPARE(storedFiles(), QStringList{u"sign_ab.dll"_s});
+    save(u"D"_s, u"not there"_s, {});
+    QCOMPARE(list(), QByteArray("ab\t\r\n"));
+}
+
+void TestSignatureRecords::severalAreDeletedWithOneRewrite()
+{
+    setList("a\t\r\nb\t\r\nA\t\r\nc\t/c.txt\r\nd\t\r\n");
+    for (const QString &name : {u"a"_s, u"b"_s, u"A"_s, u"d"_s}) {
+        store(name, "text");
+    }
+    deleteSignatures(globals(), {u"d"_s, u"c"_s, u"a"_s, u"not there"_s});
+    QCOMPARE(list(), QByteArray("b\t\r\nA\t\r\n"));
+    QCOMPARE(storedFiles().toList(), (QStringList{u"sign_A.dll"_s, u"sign_b.dll"_s}));
+}
+
+void TestSignatureRecords::renameKeepsThePlaceAndMovesTheText()
+{
+    setList("a\t\r\nb\t\r\na\t/second\r\n");
+    store(u"a"_s, "A");
+    save(u"R"_s, u"a"_s, u" new name "_s);
+    QCOMPARE(list(), QByteArray("new name\t\r\nb\t\r\na\t/second\r\n"));
+    QCOMPARE(storedFiles(), QStringList{u"sign_new name.dll"_s});
+    QCOMPARE(stored(u"new name"_s), QByteArray("A"));
+}
+
+void TestSignatureRecords::renameKeepsThePathOfAFileSignature()
+{
+    setList("a\t/a.txt\r\n");
+    store(u"b"_s, "left behind");
+    save(u"R"_s, u"a"_s, u"b"_s);
+    QCOMPARE(list(), QByteArray("b\t/a.txt\r\n"));
+    QCOMPARE(storedFiles(), QStringList());
+}
+
+void TestSignatureRecords::renameToAnotherCaseKeepsTheText()
+{
+    setList("work\t\r\n");
+    store(u"work"_s, "text");
+    save(u"R"_s, u"work"_s, u"Work"_s);
+    QCOMPARE(list(), QByteArray("Work\t\r\n"));
+    QCOMPARE(storedFiles(), QStringList{u"sign_Work.dll"_s});
+    QCOMPARE(stored(u"Work"_s), QByteArray("text"));
+}
+
+void TestSignatureRecords::renameReplacesATextThatWasLeftBehind()
+{
+    setList("a\t\r\n");
+    store(u"a"_s, "A");
+    store(u"b"_s, "left behind");
+    save(u"R"_s, u"a"_s, u"b"_s);
+    QCOMPARE(stored(u"b"_s), QByteArray("A"));
+    QCOMPARE(storedFiles(), QStringList{u"sign_b.dll"_s});
+    // A text that stands under both names is what a move leaves that was killed half-way.
+    QCOMPARE(::link(QFile::encodeName(file(u"b"_s)).constData(), QFile::encodeName(file(u"c"_s)).constData()), 0);
+    save(u"R"_s, u"b"_s, u"c"_s);
+    QCOMPARE(stored(u"c"_s), QByteArray("A"));
+    QCOMPARE(storedFiles(), QStringList{u"sign_c.dll"_s});
+}
+
+void TestSignatureRecords::renameToATakenNameChangesNothing()
+{
+    setList("a\t\r\nb\t\r\n");
+    store(u"a"_s, "A");
+    store(u"b"_s, "B");
+    for (const QString &newName : {u"b"_s, u"  "_s, u"a"_s}) {
+        save(u"R"_s, u"a"_s, newName);
+        QCOMPARE(list(), QByteArray("a\t\r\nb\t\r\n"));
+        QCOMPARE(stored(u"a"_s), QByteArray("A"));
+        QCOMPARE(stored(u"b"_s), QByteArray("B"));
+    }
+}
+
+void TestSignatureRecords::renameThereAndBackOverANameThatNoFileCanHaveKeepsTheText()
+{
+    setList("a\t\r\n");
+    store(u"a"_s, "A");
+    save(u"R"_s, u"a"_s, u"a/b"_s);
+    QCOMPARE(list(), QByteArray("a/b\t\r\n"));
+    save(u"R"_s, u"a/b"_s, u"a"_s);
+    QCOMPARE(list(), QByteArray("a\t\r\n"));
+    QCOMPARE(signatureContent(globals(), u"a"_s).text, u"A"_s);
+}
+
+void TestSignatureRecords::clearLeavesAnEmptyListAlone()
+{
+    setList("a\t\r\nb\t/b.txt\r\n");
+    store(u"a"_s, "A");
+    const QString deep = globals().paths.signs + u"/folder/in folder"_s;
+    QVERIFY(QDir().mkpath(deep));
+    writeFile(deep + u"/file"_s, "x");
+    writeFile(m_tree->path(u"kept"_s), "kept");
+    QVERIFY(QFile::link(m_tree->path(u"kept"_s), globals().paths.signs + u"/link"_s));
+    save(u"C"_s, {}, {});
+    QCOMPARE(storedFiles(), QStringList());
+    QCOMPARE(list(), QByteArray(""));
+    QCOMPARE(modeOf(globals().paths.signs), mode_t(0700));
+    QCOMPARE(modeOf(globals().paths.signsFile), mode_t(0600));
+    QCOMPARE(contentOf(m_tree->path(u"kept"_s)), QByteArray("kept"));
+    save(u"A"_s, {}, u"a"_s, u"text"_s);
+    QCOMPARE(list(), QByteArray("a\t\r\n"));
+}
+
+void TestSignatureRecords::clearDoesNotFollowALink()
+{
+    setList("a\t\r\n");
+    store(u"a"_s, "A");
+    const QString elsewhere = m_tree->path(u"elsewhere"_s);
+    QVERIFY(QDir().rename(globals().paths.signs, elsewhere));
+    QVERIFY(QFile::link(elsewhere, globals().paths.signs));
+    save(u"C"_s, {}, {});
+    QVERIFY(!QFileInfo(globals().paths.signs).isSymLink());
+    QCOMPARE(list(), QByteArray(""));
+    QCOMPARE(contentOf(elsewhere + u"/signs.dll"_s), QByteArray("a\t\r\n"));
+    QCOMPARE(contentOf(elsewhere + u"/sign_a.dll"_s), QByteArray("A"));
+}
+
+void TestSignatureRecords::anotherModeChangesNothing()
+{
+    setList("a\t\r\n");
+    for (const QString &mode : {u""_s, u"m"_s, u"EN"_s}) {
+        save(mode, u"a"_s, u"b"_s, u"text"_s, u"/path"_s);
+        QCOMPARE(list(), QByteArray("a\t\r\n"));
+        QCOMPARE(storedFiles(), QStringList());
+    }
+}
+
+void TestSignatureRecords::aNameThatNoFileCanHaveLeavesTheRowAndWritesNoText_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("slash") << u"/"_s;
+    QTest::newRow("inner slash") << u"a/b"_s;
+    QTest::newRow("up and out") << u"../data/smtp"_s;
+    QTest::newRow("up only") << u"/../../smtp"_s;
+    QTest::newRow("300 characters") << QString(300, u'n');
+    QTest::newRow("300 octets") << QString(100, QChar(0x20AC));
+}
+
+void TestSignatureRecords::aNameThatNoFileCanHaveLeavesTheRowAndWritesNoText()
+{
+    QFETCH(const QString, name);
+    writeFile(globals().paths.smtpFile, "account");
+    // A folder that would make the way out of the folder of signatures exist.
+    QVERIFY(QDir().mkpath(globals().paths.signs + u"/sign_.."_s));
+    const int faults = quillon::faultCount();
+    QCOMPARE(signatureFile(globals(), name), QString());
+    addSignature(globals(), name);
+    modify(name, u"text"_s);
+    QCOMPARE(list(), name.toUtf8() + "\t\r\n");
+    QCOMPARE(quillon::faultCount(), faults + 2);
+    const SignatureContent content = signatureContent(globals(), name);
+    QVERIFY(content.found);
+    QCOMPARE(content.text, QString());
+    QVERIFY(!signatureText(globals(), name).found);
+    modify(name, {}, u"/x.txt"_s);
+    QCOMPARE(list(), name.toUtf8() + "\t/x.txt\r\n");
+    save(u"R"_s, name, u"good"_s);
+    QCOMPARE(list(), QByteArray("good\t/x.txt\r\n"));
+    save(u"R"_s, u"good"_s, name);
+    save(u"D"_s, name, {});
+    QCOMPARE(list(), QByteArray(""));
+    QCOMPARE(storedFiles(), QStringList{u"sign_.."_s});
+    QCOMPARE(contentOf(globals().paths.smtpFile), QByteArray("account"));
+    QCOMPARE(QDir(globals().paths.data).entryList({u"*sign_*"_s}, QDir::AllEntries), QStringList());
+}
+
+void TestSignatureRecords::aNameIsKeptInOneLineWithoutTabs()
+{
+    const QString typed = u" a\tb\r\nc\x01 \xD800 "_s;
+    const QString name = signatureNameOf(typed);
+    QVERIFY2(name.startsWith(u"a b c  "_s) && name.size() == 8, qPrintable(name));
+    QCOMPARE(QString::fromUtf8(name.toUtf8()), name); // half a letter becomes one that a file can hold
+    addSignature(globals(), typed);
+    modify(typed, u"first"_s);
+    modify(name, u"second"_s);
+    QCOMPARE(signatureNames(globals()), QStringList{name});
+    QCOMPARE(list(), name.toUtf8() + "\t\r\n");
+    QCOMPARE(signatureContent(globals(), name).text, u"second"_s);
+    modify(name, {}, u"/a\tb.txt"_s);
+    QCOMPARE(list(), name.toUtf8() + "\t/a b.txt\r\n");
+    addSignature(globals(), u" \t"_s);
+    modify({}, u"text"_s);
+    QCOMPARE(list(), name.toUtf8() + "\t/a b.txt\r\n");
+}
+
+void TestSignatureRecords::namesThatDifferOnlyInCaseAreTwoSignatures()
+{
+    addSignature(globals(), u"Work"_s);
+    modify(u"Work"_s, u"capital"_s);
+    addSignature(globals(), u"work"_s);
+    modify(u"work"_s, u"small"_s);
+    QCOMPARE(list(), QByteArray("Work\t\r\nwork\t\r\n"));
+    QCOMPARE(signatureContent(globals(), u"Work"_s).text, u"capital"_s);
+    QCOMPARE(signatureContent(globals(), u"work"_s).text, u"small"_s);
+    modify(u"work"_s, {}, u"/w.txt"_s);
+    QCOMPARE(signatureContent(globals(), u"Work"_s).text, u"capital"_s);
+    QVERIFY(!signatureText(globals(), u"work"_s).found); // nor does it take the other's text
+    save(u"R"_s, u"work"_s, u"WORK"_s);
+    save(u"D"_s, u"WORK"_s, {});
+    QCOMPARE(list(), QByteArray("Work\t\r\n"));
+    QCOMPARE(stored(u"Work"_s), QByteArray("capital"));
+}
+
+void TestSignatureRecords::aTextIsFoundWithoutRegardToTheCaseOfItsFile()
+{
+    setList("Work\t\r\nB\t\r\nC\t\r\nD\t\r\n");
+    for (const QString &name : {u"WORK"_s, u"b"_s, u"c"_s, u"d"_s}) {
+        store(name, "text of " + name.toUtf8());
+    }
+    QCOMPARE(signatureContent(globals(), u"Work"_s).text, u"text of WORK"_s);
+    QCOMPARE(signatureText(globals(), u"Work"_s).text, u"text of WORK"_s);
+    modify(u"Work"_s, u"new"_s);
+    save(u"R"_s, u"B"_s, u"E"_s);
+    modify(u"C"_s, {}, u"/c.txt"_s);
+    save(u"D"_s, u"D"_s, {});
+    QCOMPARE(storedFiles(), (QStringList{u"sign_E.dll"_s, u"sign_Work.dll"_s}));
+    QCOMPARE(stored(u"Work"_s), QByteArray("new"));
+    QCOMPARE(stored(u"E"_s), QByteArray("text of b"));
+}
+
+void TestSignatureRecords::aTextSignatureShowsItsText()
+{
+    setList("a\t\r\nb\r\n");
+    store(u"a"_s, "Gr\xFC\xDF"
+                  "e\r\nAnn");
+    SignatureContent content = signatureContent(globals(), u"a"_s);
+    QVERIFY(content.found && content.readable);
+    QCOMPARE(content.text, u"Grüße\r\nAnn"_s);
+    QCOMPARE(content.path, QString());
+    content = signatureContent(globals(), u"b"_s); // a short line, and no file yet
+    QVERIFY(content.found && content.readable);
+    QCOMPARE(content.text, QString());
+}
+
+void TestSignatureRecords::aFileSignatureShowsItsPath()
+{
+    setList("a\t/not/there.txt\r\na\t\r\n");
+    store(u"a"_s, "stored");
+    const SignatureContent content = signatureContent(globals(), u"a"_s);
+    QVERIFY(content.found && content.readable);
+    QCOMPARE(content.path, u"/not/there.txt"_s);
+    QCOMPARE(content.text, QString());
+}
+
+void TestSignatureRecords::aBlankPathIsATextSignature()
+{
+    setList("a\t   \r\n");
+    store(u"a"_s, "stored");
+    const SignatureContent content = signatureContent(globals(), u"a"_s);
+    QCOMPARE(content.path, QString());
+    QCOMPARE(content.text, u"stored"_s);
+}
+
+void TestSignatureRecords::aSignatureThatIsNotListedShowsNothing()
+{
+    store(u"a"_s, "left behind");
+    setList("A\t\r\n");
+    const SignatureContent content = signatureContent(globals(), u"a"_s);
+    QVERIFY(!content.found);
+    QCOMPARE(content.text, QString());
+}
+
+void TestSignatureRecords::aTextThatCannotBeReadIsNeitherShownNorWrittenOver_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const char *kind : {"folder", "fifo", "1 GB", "no text", "broken link"}) {
+        QTest::newRow(kind) << QString::fromLatin1(kind);
+    }
+}
+
+void TestSignatureRecords::aTextThatCannotBeReadIsNeitherShownNorWrittenOver()
+{
+    QFETCH(const QString, kind);
+    setList("a\t\r\nb\t\r\n");
+    const QByteArray path = QFile::encodeName(file(u"a"_s));
+    if (kind == "folder"_L1) {
+        QVERIFY(QDir().mkpath(file(u"a"_s) + u"/x"_s));
+    } else if (kind == "fifo"_L1) {
+        QCOMPARE(::mkfifo(path.constData(), 0600), 0);
+    } else if (kind == "1 GB"_L1) {
+        store(u"a"_s, "x");
+        QCOMPARE(::truncate(path.constData(), 1 << 30), 0);
+    } else if (kind == "no text"_L1) {
+        store(u"a"_s, QByteArray("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16));
+    } else {
+        QVERIFY(QFile::link(m_tree->path(u"not there/x"_s), file(u"a"_s)));
+    }
+    const ino_t before = node(file(u"a"_s));
+    const bool shown = kind == "broken link"_L1; // as a file that does not exist yet
+    QCOMPARE(signatureContent(globals(), u"a"_s).readable, shown);
+    QCOMPARE(signatureContent(globals(), u"a"_s).text, QString());
+    QVERIFY(!signatureText(globals(), u"a"_s).found);
+    modify(u"a"_s, u"typed"_s);
+    QCOMPARE(node(file(u"a"_s)), before);
+    QCOMPARE(list(), QByteArray("a\t\r\nb\t\r\n"));
+    save(u"R"_s, u"a"_s, u"c"_s); // but it can be moved and deleted
+    QCOMPARE(storedFiles(), QStringList{u"sign_c.dll"_s});
+    QCOMPARE(node(file(u"c"_s)), before);
+    save(u"D"_s, u"c"_s, {});
+    QCOMPARE(list(), QByteArray("b\t\r\n"));
+    QCOMPARE(storedFiles().isEmpty(), kind != "folder"_L1);
+}
+
+void TestSignatureRecords::unreadableListIsNotRewrittenAndNoTextGoes()
+{
+    store(u"a"_s, "A");
+    QVERIFY(QFile::remove(globals().paths.signsFile));
+    QVERIFY(QDir().mkpath(globals().paths.signsFile + u"/x"_s));
+    modify(u"a"_s, u"new"_s);
+    modify(u"a"_s, {}, u"/a.txt"_s);
+    save(u"D"_s, u"a"_s, {});
+    save(u"R"_s, u"a"_s, u"b"_s);
+    save(u"A"_s, {}, u"a"_s, u"added"_s);
+    QCOMPARE(stored(u"a"_s), QByteArray("A"));
+    QVERIFY(!signatureContent(globals(), u"a"_s).found);
+}
+
+void TestSignatureRecords::aFullDiskLosesNothing()
+{
+    setList("a\t\r\nb\t/b.txt\r\n");
+    store(u"a"_s, "A");
+    const QByteArray before = list();
+    rlimit disk{};
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &disk), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const auto withRoomFor = [&](rlim_t octets, const std::function<void()> &change) {
+        rlimit full = disk;
+        full.rlim_cur = octets;
+        const bool limited = setrlimit(RLIMIT_FSIZE, &full) == 0;
+        change();
+        return setrlimit(RLIMIT_FSIZE, &disk) == 0 && limited;
+    };
+    QVERIFY(withRoomFor(100, [&] { modify(u"b"_s, QString(4000, u'x')); })); // for the list, but not for the text
+    QCOMPARE(list(), before);
+    QVERIFY(withRoomFor(4, [&] {
+        modify(u"a"_s, {}, u"/a.txt"_s);
+        save(u"R"_s, u"a"_s, u"c"_s);
+        save(u"D"_s, u"a"_s, {});
+    }));
+    std::signal(SIGXFSZ, handler);
+    QCOMPARE(list(), before);
+    QCOMPARE(storedFiles(), QStringList{u"sign_a.dll"_s});
+    QCOMPARE(stored(u"a"_s), QByteArray("A"));
+}
+
+void TestSignatureRecords::aKillLosesAtMostTheLastChange()
+{
+    QRandomGenerator random(11);
+    const QByteArray others = "caf\xE9\t/x.txt\r\nstays\t\r\n";
+    setList(others + "typed\t\r\nswitched\t\r\none\t\r\n");
+    store(u"typed"_s, "0x0");
+    store(u"switched"_s, "0x0");
+    store(u"one"_s, "the text");
+    const QString outside = m_tree->path(u"outside.txt"_s);
+    const auto isWhole = [](const QByteArray &text) {
+        const QByteArray mark = text.left(text.indexOf('x'));
+        return !mark.isEmpty() && text.startsWith(mark + 'x') && text.endsWith('x' + mark);
+    };
+    bool switchedToAFile = false;
+    bool renamed = false;
+    for (int round = 0; round < 60 || (round < 600 && !(switchedToAFile && renamed)); ++round) {
+        QProcess writer;
+        writer.start(QStringLiteral(WRITE_SIGNATURES), {m_tree->userFolder(), outside});
+        QVERIFY(writer.waitForReadyRead());
+        ::usleep(static_cast<useconds_t>(random.bounded(15000))); // the random moment, not a wait for anything
+        writer.kill();
+        QVERIFY(writer.waitForFinished());
+
+        const QByteArray now = list();
+        QVERIFY2(now.startsWith(others), now.constData());
+        QCOMPARE(now.count('\n'), 5);
+        QVERIFY2(isWhole(stored(u"typed"_s)), stored(u"typed"_s).constData());
+        const SignatureContent switched = signatureContent(globals(), u"switched"_s);
+        QVERIFY(switched.found);
+        QVERIFY(switched.path.isEmpty() ? isWhole(switched.text.toUtf8()) : switched.path == outside);
+        switchedToAFile |= !switched.path.isEmpty();
+        const bool other = signatureNames(globals()).contains(u"other"_s);
+        QCOMPARE(signatureContent(globals(), other ? u"other"_s : u"one"_s).text, u"the text"_s);
+        renamed |= other;
+        if (other) {
+            save(u"R"_s, u"other"_s, u"one"_s); // the writer begins with that name
+        }
+    }
+    QVERIFY(switchedToAFile && renamed); // the kills did meet the changes
+}
+
+void TestSignatureRecords::aMessageGetsTheStoredTextBeforeTheFile()
+{
+    writeFile(m_tree->path(u"a.html"_s), "<b>file</b>");
+    setList("a\t" + m_tree->path(u"a.html"_s).toUtf8() + "\r\n");
+    store(u"a"_s, "stored <b>");
+    SignatureText text = signatureText(globals(), u"a"_s);
+    QVERIFY(text.found && !text.html);
+    QCOMPARE(text.text, u"stored <b>"_s);
+    // A stored text needs no line; and a folder of that name is no file.
+    setList("");
+    QCOMPARE(signatureText(globals(), u"a"_s).text, u"stored <b>"_s);
+    setList("a\t" + m_tree->path(u"a.html"_s).toUtf8() + "\r\n");
+    QVERIFY(QFile::remove(file(u"a"_s)) && QDir().mkdir(file(u"a"_s)));
+    text = signatureText(globals(), u"a"_s);
+    QVERIFY(text.found && text.html);
+}
+
+void TestSignatureRecords::aMessageGetsTheTextOfTheFile()
+{
+    writeFile(m_tree->path(u"a.txt"_s), "\xEF\xBB\xBFGr\xC3\xBC\xC3\x9F"
+                                        "e");
+    writeFile(m_tree->path(u"w.txt"_s), QByteArray("\xFF\xFEH\0i\0", 6));
+    setList("a\t" + m_tree->path(u"a.txt"_s).toUtf8() + "\r\nw\t" + m_tree->path(u"w.txt"_s).toUtf8() + "\r\n");
+    const SignatureText text = signatureText(globals(), u"a"_s);
+    QVERIFY(text.found && !text.html);
+    QCOMPARE(text.text, u"Grüße"_s);
+    QCOMPARE(signatureText(globals(), u"w"_s).text, u"Hi"_s);
+}
+
+void TestSignatureRecords::anHtmlFileIsToldByItsEnding_data()
+{
+    QTest::addColumn<QString>("fileName");
+    QTest::addColumn<bool>("html");
+    QTest::newRow("htm") << u"a.htm"_s << true;
+    QTest::newRow("html") << u"a.html"_s << true;
+    QTest::newRow("HTML") << u"a.HTML"_s << true;
+    QTest::newRow("xhtml") << u"a.xhtml"_s << false;
+    QTest::newRow("txt") << u"a.html.txt"_s << false;
+}
+
+void TestSignatureRecords::anHtmlFileIsToldByItsEnding()
+{
+    QFETCH(const QString, fileName);
+    QFETCH(const bool, html);
+    writeFile(m_tree->path(fileName), "<p>Ann");
+    setList("a\t" + m_tree->path(fileName).toUtf8() + "\r\n");
+    const SignatureText text = signatureText(globals(), u"a"_s);
+    QCOMPARE(text.html, html);
+    QCOMPARE(text.text, u"<p>Ann"_s);
+}
+
+void TestSignatureRecords::aMessageGetsNothingFromAFileThatIsGoneOrNoText()
+{
+    const QString path = m_tree->path(u"signature.txt"_s);
+    setList("a\t" + path.toUtf8() + "\r\nblank\t\r\nshort\r\n");
+    QVERIFY(!signatureText(globals(), u"a"_s).found);
+    QVERIFY(!signatureText(globals(), u"blank"_s).found);
+    QVERIFY(!signatureText(globals(), u"short"_s).found);
+    QVERIFY(!signatureText(globals(), u"in neither place"_s).found);
+    QVERIFY(QDir().mkdir(path));
+    QVERIFY(!signatureText(globals(), u"a"_s).found);
+    QVERIFY(QDir().rmdir(path));
+    QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    QVERIFY(!signatureText(globals(), u"a"_s).found);
+    QVERIFY(QFile::remove(path));
+    writeFile(path, QByteArray("a\0b", 3));
+    QVERIFY(!signatureText(globals(), u"a"_s).found);
+    writeFile(path, "x");
+    QVERIFY(signatureText(globals(), u"a"_s).found);
+    QCOMPARE(::truncate(QFile::encodeName(path).constData(), 1 << 30), 0);
+    QVERIFY(!signatureText(globals(), u"a"_s).found);
+}
+
+void TestSignatureRecords::theFirstSignatureHasTheNumberZero()
+{
+    QCOMPARE(newSignatureName({}), u"Signature #0"_s);
+}
+
+void TestSignatureRecords::theFirstFreeNumberIsTakenAndTheNumberOfARenamedOneIsFree()
+{
+    QCOMPARE(newSignatureName({u"Signature #0"_s}), u"Signature #1"_s);
+    QCOMPARE(newSignatureName({u"x"_s, u"Signature #2"_s, u"Signature #1"_s}), u"Signature #3"_s);
+    QCOMPARE(newSignatureName({u"renamed"_s, u"Signature #2"_s}), u"Signature #1"_s);
+    QCOMPARE(newSignatureName({u"signature #1"_s}), u"Signature #1"_s);
+}
+
+void TestSignatureRecords::withAThousandNumbersTakenThereIsNoName()
+{
+    QStringList taken;
+    for (int number = 1; number < 1000; ++number) {
+        taken.append(u"Signature #"_s + QString::number(number));
+    }
+    QCOMPARE(newSignatureName(taken), u"Signature #1000"_s);
+    taken.append(u"Signature #1000"_s);
+    QCOMPARE(newSignatureName(taken), QString());
+}
+
+void TestSignatureRecords::namesAreThoseOfAllLines()
+{
+    setList("b\t/b.txt\r\na\t\r\n\r\nshort\r\nb\t\r\n");
+    QCOMPARE(signatureNames(globals()), (QStringList{u"b"_s, u"a"_s, u""_s, u"short"_s, u"b"_s}));
+}
+
+QTEST_GUILESS_MAIN(TestSignatureRecords)
+#include "test_signaturerecords.moc"

@@ -1,0 +1,34 @@
+// Changes signatures until it is killed; the test looks at what is then on the disk.
+#include "core/datatree.h"
+#include "quillon/files/safefile.h"
+#include "records/signaturerecords.h"
+
+#include <QString>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+int main(int count, char **values)
+{
+    if (count != 3) {
+        return 2;
+    }
+    corvane::ApplicationGlobals globals;
+    globals.paths = corvane::dataPathsBelow(QString::fromLocal8Bit(values[1]), QString());
+    const QString outside = QString::fromLocal8Bit(values[2]);
+    quillon::setTemporaryFolder(globals.paths.root);
+    const auto save = [&globals](const QString &mode, const QString &name, const QString &text, const QString &path) {
+        corvane::SaveSignatureRecord(globals, mode, name, mode == "R"_L1 ? text : QString(), text, path);
+    };
+    std::puts("begun");
+    std::fflush(stdout);
+    for (int i = 0;; ++i) {
+        const QString mark = QString::number(i);
+        save(u"M"_s, u"typed"_s, mark + QString(4000, u'x') + mark, {});
+        save(u"M"_s, u"switched"_s, {}, outside);
+        save(u"M"_s, u"switched"_s, mark + QString(4000, u'x') + mark, {});
+        save(u"R"_s, u"one"_s, u"other"_s, {});
+        save(u"R"_s, u"other"_s, u"one"_s, {});
+    }
+}
