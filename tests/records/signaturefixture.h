@@ -1,0 +1,64 @@
+#pragma once
+
+#include "records/signaturerecords.h"
+#include "support/temporarytree.h"
+
+#include <QFileInfo>
+
+#include <memory>
+#include <sys/stat.h>
+
+/// Signatures in a data tree that each test gets anew.
+class SignatureFixture {
+protected:
+    void makeTree()
+    {
+        m_tree = std::make_unique<TemporaryTree>();
+        m_tree->prepare();
+    }
+
+    [[nodiscard]] corvane::ApplicationGlobals &globals() const { return m_tree->globals; }
+    [[nodiscard]] QByteArray list() const { return contentOf(globals().paths.signsFile); }
+    void setList(const QByteArray &octets) const { writeFile(globals().paths.signsFile, octets); }
+    [[nodiscard]] QString file(const QString &name) const
+    {
+        return globals().paths.signs + QStringLiteral("/sign_") + name + QStringLiteral(".dll");
+    }
+    [[nodiscard]] QByteArray stored(const QString &name) const { return contentOf(file(name)); }
+    void store(const QString &name, const QByteArray &octets) const { writeFile(file(name), octets); }
+    /// The names of all that lies in the folder beside signs.dll.
+    [[nodiscard]] QStringList storedFiles() const
+    {
+        QStringList files = QDir(globals().paths.signs)
+                                .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot | QDir::Hidden);
+        files.removeOne(QStringLiteral("signs.dll"));
+        return files;
+    }
+
+    void save(const QString &mode, const QString &name, const QString &newName, const QString &text = {},
+              const QString &path = {}) const
+    {
+        corvane::SaveSignatureRecord(globals(), mode, name, newName, text, path);
+    }
+    void modify(const QString &name, const QString &text, const QString &path = {}) const
+    {
+        save(QStringLiteral("M"), name, {}, text, path);
+    }
+
+    std::unique_ptr<TemporaryTree> m_tree;
+};
+
+/// What a whole write replaces.
+inline ino_t node(const QString &path)
+{
+    struct stat status {};
+    ::lstat(QFile::encodeName(path).constData(), &status);
+    return status.st_ino;
+}
+
+inline mode_t modeOf(const QString &path)
+{
+    struct stat status {};
+    ::lstat(QFile::encodeName(path).constData(), &status);
+    return status.st_mode & 07777U;
+}
