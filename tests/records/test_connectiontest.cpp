@@ -213,8 +213,9 @@ void TestConnectionTest::secondTestWithinTheFirstIsRefused()
     const QString account = accountLine(server.port(), u"N"_s, noLogin);
     QString second;
     QString third;
+    bool isFirst = true;
     server.Responder = [&](const QByteArray &line) -> std::optional<QByteArray> {
-        if (line.startsWith("EHLO")) {
+        if (line.startsWith("EHLO") && std::exchange(isFirst, false)) {
             TestSmtpConnection(account, QString(), &second);
             TestProxyConnection(proxyLine(server.port()), readSite(m_folder.path()), &third);
         }
