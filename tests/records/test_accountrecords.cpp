@@ -1,5 +1,5 @@
 #include "records/accountrecords.h"
-#include "records/recordlists.h"
+#include "records/windowlists.h"
 #include "support/fakewindow.h"
 #include "support/temporarytree.h"
 

@@ -2,6 +2,7 @@
 
 #include "core/texts.h"
 #include "macros/forms/macroitem.h"
+#include "quillon/forms/columnsort.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formregistry.h"
 #include "quillon/text/quillontext.h"
@@ -53,9 +54,8 @@ frmPubMacro::~frmPubMacro() = default;
 void frmPubMacro::connectControls()
 {
     QHeaderView *header = m_ui->lsv->header();
-    header->setSectionsClickable(true);
     header->setStretchLastSection(true);
-    connect(header, &QHeaderView::sectionClicked, this, &frmPubMacro::sortBy);
+    m_sort = new quillon::ColumnSort(m_ui->lsv, Qt::DescendingOrder);
     connect(m_ui->lsv, &QTreeWidget::currentItemChanged, this,
             [this](const QTreeWidgetItem *current) { rowChosen(current); });
     connect(m_ui->lsv, &QTreeWidget::itemClicked, this, [this](const QTreeWidgetItem *item) { rowChosen(item); });
@@ -122,15 +122,6 @@ void frmPubMacro::selectFirstRow()
     rowChosen(first);
 }
 
-void frmPubMacro::sortBy(int column)
-{
-    m_order = m_order == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder;
-    m_sorted = true;
-    m_ui->lsv->header()->setSortIndicatorShown(true);
-    m_ui->lsv->header()->setSortIndicator(column, m_order);
-    m_ui->lsv->sortItems(column, m_order);
-}
-
 void frmPubMacro::add()
 {
     showDetail({frmPubMacroDetail::Mode::Add, {}, [this](const MacroRow &entered) { return saveAdded(entered); }});
@@ -162,9 +153,7 @@ MacroFault frmPubMacro::saveAdded(const MacroRow &entered)
     if (fault == MacroFault::None) {
         addMacro(m_globals, entered);
         m_ui->lsv->addTopLevelItem(new MacroItem(entered));
-        if (m_sorted) {
-            m_ui->lsv->sortItems(m_ui->lsv->sortColumn(), m_order);
-        }
+        m_sort->again();
     }
     return fault;
 }

@@ -15,6 +15,7 @@ class frmPubMacro;
 }
 
 namespace quillon {
+class ColumnSort;
 class FormRegistry;
 }
 
@@ -49,7 +50,6 @@ private:
     /// What follows a click on a row: a predefined one can be neither edited nor deleted.
     void rowChosen(const QTreeWidgetItem *item);
     void selectFirstRow();
-    void sortBy(int column);
 
     void add();
     void edit();
@@ -64,8 +64,7 @@ private:
     const ApplicationGlobals &m_globals;
     quillon::FormRegistry &m_forms;
     Hooks m_hooks;
-    Qt::SortOrder m_order = Qt::AscendingOrder;
-    bool m_sorted = false;
+    quillon::ColumnSort *m_sort = nullptr;
     std::unique_ptr<::Ui::frmPubMacro> m_ui;
 };
 

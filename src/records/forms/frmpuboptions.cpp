@@ -1,60 +1,311 @@
 #include "records/forms/frmpuboptions.h"
 
+#include "core/settings.h"
+#include "core/site.h"
 #include "core/texts.h"
+#include "quillon/forms/arraynames.h"
 #include "quillon/forms/formkeys.h"
+#include "quillon/forms/formregistry.h"
 #include "quillon/text/quillontext.h"
+#include "records/accountpresets.h"
+#include "records/connectiontest.h"
+#include "records/forms/recordtab.h"
+#include "records/forms/settingstab.h"
+#include "records/forms/signaturetab.h"
+#include "records/forms/tabcaptions.h"
+#include "ui_frmpuboptions.h"
 
-#include <QLabel>
-#include <QPushButton>
-#include <QTabWidget>
-#include <QVBoxLayout>
+#include <QAbstractButton>
+#include <QCloseEvent>
+#include <QMenu>
+#include <QPointer>
+#include <QStyle>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace corvane {
 
-frmPubOptions::frmPubOptions(const DataPaths &paths) : m_tabs(new QTabWidget(this))
+namespace {
+
+/// Which index of a row of buttons is which command.
+struct ButtonOrder {
+    int add, edit, copy, remove, clear, makeDefault;
+};
+constexpr int none = -1;
+constexpr ButtonOrder usualOrder = {0, 1, 2, 3, 4, 5};
+constexpr ButtonOrder proxyOrder = {0, 1, 5, 2, 3, 4};
+constexpr ButtonOrder signatureOrder = {none, none, none, 2, 3, 4}; // its editor adds and renames
+
+/// A key that presses a button of one tab.
+struct TabKey {
+    int tab;
+    QKeyCombination key;
+    const char16_t *button;
+};
+const std::array tabKeys = {
+    TabKey{frmPubOptions::ProxyTab, Qt::ALT | Qt::Key_A, u"sbtProxy(0)"},
+    TabKey{frmPubOptions::ProxyTab, Qt::ALT | Qt::Key_E, u"sbtProxy(1)"},
+    TabKey{frmPubOptions::ProxyTab, Qt::ALT | Qt::Key_C, u"sbtProxy(5)"},
+    TabKey{frmPubOptions::ProxyTab, Qt::ALT | Qt::Key_L, u"sbtProxy(3)"},
+    TabKey{frmPubOptions::ProxyTab, Qt::ALT | Qt::Key_D, u"sbtProxy(4)"},
+    TabKey{frmPubOptions::ProxyTab, Qt::Key_Delete, u"sbtProxy(2)"},
+    TabKey{frmPubOptions::AccountTab, Qt::ALT | Qt::Key_A, u"sbtSMTP(0)"},
+    TabKey{frmPubOptions::AccountTab, Qt::ALT | Qt::Key_E, u"sbtSMTP(1)"},
+    TabKey{frmPubOptions::AccountTab, Qt::ALT | Qt::Key_C, u"sbtSMTP(2)"},
+    TabKey{frmPubOptions::AccountTab, Qt::ALT | Qt::Key_L, u"sbtSMTP(4)"},
+    TabKey{frmPubOptions::AccountTab, Qt::ALT | Qt::Key_D, u"sbtSMTP(5)"},
+    TabKey{frmPubOptions::AccountTab, Qt::Key_Delete, u"sbtSMTP(3)"},
+    TabKey{frmPubOptions::SenderTab, Qt::ALT | Qt::Key_A, u"sbtSender(0)"},
+    TabKey{frmPubOptions::SenderTab, Qt::ALT | Qt::Key_E, u"sbtSender(1)"},
+    TabKey{frmPubOptions::SenderTab, Qt::ALT | Qt::Key_C, u"sbtSender(2)"},
+    TabKey{frmPubOptions::SenderTab, Qt::ALT | Qt::Key_L, u"sbtSender(4)"},
+    TabKey{frmPubOptions::SenderTab, Qt::ALT | Qt::Key_D, u"sbtSender(5)"},
+    TabKey{frmPubOptions::SenderTab, Qt::Key_Delete, u"sbtSender(3)"},
+    TabKey{frmPubOptions::SignaturesTab, Qt::ALT | Qt::Key_E, u"sbtSign(2)"},
+    TabKey{frmPubOptions::SignaturesTab, Qt::ALT | Qt::Key_L, u"sbtSign(3)"},
+    TabKey{frmPubOptions::SignaturesTab, Qt::ALT | Qt::Key_D, u"sbtSign(0)"},
+    TabKey{frmPubOptions::SignaturesTab, Qt::ALT | Qt::Key_R, u"sbtSign(1)"},
+    TabKey{frmPubOptions::SignaturesTab, Qt::ALT | Qt::Key_U, u"sbtSign(4)"},
+    TabKey{frmPubOptions::SignaturesTab, Qt::ALT | Qt::Key_M, u"sbtSign(7)"},
+};
+
+RecordButtons buttonsOf(const QWidget *form, const QString &group, const ButtonOrder &order)
 {
-    setObjectName(u"frmPubOptions"_s);
-    setWindowTitle(u"Options"_s);
-    m_tabs->setObjectName(u"sst"_s);
-
-    const auto addTab = [this](const QString &caption, const QString &what, const QString &file) {
-        auto *page = new QWidget;
-        auto *line = new QLabel(what + u" are kept in the file \""_s + file + u"\". This tab cannot edit them yet."_s);
-        line->setTextFormat(Qt::PlainText);
-        line->setWordWrap(true);
-        line->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-        line->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-        auto *column = new QVBoxLayout(page);
-        column->addWidget(line);
-        m_tabs->addTab(page, caption);
+    const auto button = [&](int index) {
+        return index == none ? nullptr : form->findChild<QAbstractButton *>(u"%1(%2)"_s.arg(group).arg(index));
     };
-    addTab(u"Proxy"_s, u"The proxy servers"_s, paths.proxyFile);
-    addTab(u"Accounts"_s, u"The SMTP accounts"_s, paths.smtpFile);
-    addTab(u"Senders"_s, u"The senders"_s, paths.sendersFile);
-    addTab(u"Signatures"_s, u"The signatures"_s, paths.signsFile);
-    addTab(u"Other settings"_s, u"The other settings"_s, paths.optionsFile);
+    return {button(order.add),    button(order.edit),  button(order.copy),
+            button(order.remove), button(order.clear), button(order.makeDefault)};
+}
 
-    auto *close = new QPushButton(u"&Close"_s);
-    close->setObjectName(u"sbt(2)"_s);
-    connect(close, &QPushButton::clicked, this, &QWidget::close);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(close);
+} // namespace
 
-    auto *column = new QVBoxLayout(this);
-    column->addWidget(m_tabs);
-    column->addLayout(buttons);
-
+frmPubOptions::frmPubOptions(ApplicationGlobals &globals, MessageWindow &window, quillon::FormRegistry &forms,
+                             OptionsHooks hooks)
+    : m_globals(globals), m_window(window), m_forms(forms), m_hooks(std::move(hooks)),
+      m_senders(senderKind(), {u"Display Name"_s, u"Email Address"_s, u"Remark"_s}, globals),
+      m_signatures(signatureKind(), {u"Signature"_s}, globals),
+      m_proxies(proxyKind(), {u"Address"_s, u"Port"_s, u"User"_s}, globals),
+      m_accounts(accountKind(), {u"Server"_s, u"Port"_s, u"Email Address"_s}, globals),
+      m_ui(std::make_unique<::Ui::frmPubOptions>())
+{
+    m_ui->setupUi(this);
+    quillon::adoptArrayNames(this);
+    makeTabs();
+    connectButtons();
+    addKeys();
     quillon::QuillonText().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
     quillon::QuillonText().ApplyMenuTexts(this, languageFolder() + u"/menus.dll"_s);
-    new quillon::FormKeys(this);
+    keepCaptions(this);
+    connect(m_ui->sst, &QTabWidget::currentChanged, this, &frmPubOptions::ShowOptionsTab);
+    m_ui->sst->setCurrentIndex(ProxyTab);
+    ShowOptionsTab(ProxyTab);
+    LoadOptionsForm();
+    loadLists();
+}
+
+frmPubOptions::~frmPubOptions() = default;
+
+void frmPubOptions::makeTabs()
+{
+    const auto dialog = [this](const QString &form) {
+        return [this, form](RecordDialog::Task task) {
+            if (auto *shown = m_forms.as<RecordDialog>(form)) {
+                shown->begin(std::move(task));
+                quillon::prompts().showModalForm(form, -1);
+            }
+        };
+    };
+    const auto tab = [this](RecordList &list, const QString &view, const QString &group, const ButtonOrder &order,
+                            RecordTab::ShowDialog show) {
+        return new RecordTab(list, findChild<QTreeView *>(view), buttonsOf(this, group, order), std::move(show));
+    };
+    tab(m_proxies, u"lsv(2)"_s, u"sbtProxy"_s, proxyOrder, dialog(u"frmPubProxy"_s));
+    makePresetMenu(tab(m_accounts, u"lsv(3)"_s, u"sbtSMTP"_s, usualOrder, dialog(u"frmPubSMTP"_s)));
+    tab(m_senders, u"lsv(0)"_s, u"sbtSender"_s, usualOrder, dialog(u"frmPubSender"_s));
+    tab(m_signatures, u"lsv(1)"_s, u"sbtSign"_s, signatureOrder, {});
+    m_signatureTab = new SignatureTab(this, m_signatures, m_globals, m_hooks.macroItems);
+    m_settings = new SettingsTab(
+        this, {m_hooks.encodingName, [this](const QString &displayName) { return codeOfEncoding(displayName); }});
+}
+
+void frmPubOptions::makePresetMenu(RecordTab *accounts)
+{
+    auto *mena = new QMenu(this);
+    mena->setObjectName(u"mena"_s);
+    const auto add = [&](const QString &name, const QString &caption, const QString &line) {
+        QAction *item = mena->addAction(caption);
+        item->setObjectName(name);
+        connect(item, &QAction::triggered, accounts, [accounts, line] { accounts->add(line); });
+    };
+    add(u"menan"_s, u"&New Account..."_s, {});
+    add(u"menag"_s, u"&Gmail Account..."_s, presetLine(menagPreset));
+    add(u"menah"_s, u"&Yahoo! Mail Account..."_s, presetLine(menahPreset));
+    auto *button = findChild<QAbstractButton *>(u"sbtSMTP(0)"_s);
+    connect(button, &QAbstractButton::clicked, mena,
+            [mena, button] { mena->popup(button->mapToGlobal(QPoint(0, button->height()))); });
+}
+
+void frmPubOptions::connectButtons()
+{
+    const auto onClick = [this](int index, void (frmPubOptions::*action)()) {
+        connect(findChild<QAbstractButton *>(u"sbt(%1)"_s.arg(index)), &QAbstractButton::clicked, this, action);
+    };
+    onClick(0, &frmPubOptions::save);
+    onClick(1, &frmPubOptions::restore);
+    onClick(15, &frmPubOptions::test);
+    connect(findChild<QAbstractButton *>(u"sbt(2)"_s), &QAbstractButton::clicked, this, &QWidget::close);
+    auto *help = findChild<QAbstractButton *>(u"sbt(3)"_s);
+    help->setEnabled(static_cast<bool>(m_hooks.help));
+    connect(help, &QAbstractButton::clicked, this, [this] { m_hooks.help(); });
+    findChild<QAbstractButton *>(u"sbtSign(5)"_s)->setIcon(style()->standardIcon(QStyle::SP_DirOpenIcon));
+    findChild<QAbstractButton *>(u"sbtSign(6)"_s)->setIcon(style()->standardIcon(QStyle::SP_FileIcon));
+}
+
+void frmPubOptions::addKeys()
+{
+    auto *keys = new quillon::FormKeys(this);
+    const auto onTab = [this](int tab) { return [this, tab] { return m_ui->sst->currentIndex() == tab; }; };
+    for (const TabKey &line : tabKeys) {
+        auto *button = findChild<QAbstractButton *>(QString::fromUtf16(line.button));
+        keys->on(
+            line.key, [button] { button->click(); }, onTab(line.tab));
+    }
+    keys->on(
+        Qt::CTRL | Qt::Key_A, [this] { m_signatureTab->selectAllText(); }, onTab(SignaturesTab));
+    keys->on(
+        Qt::Key_F2, [this] { m_signatureTab->rename(); },
+        [this] { return findChild<QWidget *>(u"lsv(1)"_s)->hasFocus(); });
+    keys->on(Qt::Key_F1, [this] { findChild<QAbstractButton *>(u"sbt(3)"_s)->click(); });
 }
 
 void frmPubOptions::showTab(int tab)
 {
-    m_tabs->setCurrentIndex(tab);
+    m_ui->sst->setCurrentIndex(tab);
+}
+
+void frmPubOptions::ShowOptionsTab(int tab)
+{
+    findChild<QWidget *>(u"sbt(15)"_s)->setVisible(tab == ProxyTab || tab == AccountTab);
+    showMnemonicsOfTab(m_ui->sst, tab);
+    if (tab == OtherTab) {
+        m_ui->lblFontSize->setText(u"F&ont Size"_s);
+        m_ui->lblObo->setText(u"Se&nding Interval (Seconds) for One-by-one Mode"_s);
+        findChild<QAbstractButton *>(u"cbx(1)"_s)
+            ->setText(u"Empty Folder &After Sent This Folder Attachment Successfully (ONLY for Automatic Mode)"_s);
+    }
+}
+
+void frmPubOptions::LoadOptionsForm()
+{
+    m_settings->load(m_globals);
+}
+
+void frmPubOptions::loadLists()
+{
+    for (RecordList *list : {&m_proxies, &m_accounts, &m_senders, &m_signatures}) {
+        list->load();
+    }
+    if (m_hooks.refillMainWindow) {
+        m_hooks.refillMainWindow();
+    }
+}
+
+void frmPubOptions::save()
+{
+    if (m_settings->usesProxy() && m_proxies.isEmpty()) {
+        showMessage(u"NEED_PROXY"_s, quillon::InformationBox);
+        showTab(ProxyTab);
+        return;
+    }
+    storeSettings(m_globals, m_settings->changes());
+    LoadSettings(m_globals);
+    showMessage(u"SAVE_SUCC"_s, quillon::InformationBox);
+}
+
+void frmPubOptions::restore()
+{
+    if (showMessage(u"RESTORE_SET"_s, quillon::YesNoCancelBox) == quillon::BoxAnswer::Yes) {
+        WriteDefaultSettings(m_globals);
+        LoadSettings(m_globals);
+        LoadOptionsForm();
+    }
+}
+
+void frmPubOptions::test()
+{
+    const bool ofAccount = m_ui->sst->currentIndex() == AccountTab;
+    const RecordList &list = ofAccount ? m_accounts : m_proxies;
+    if (!list.hasSelection()) {
+        showMessage(ofAccount ? u"NEED_SMTP_T"_s : u"NEED_PROXY_T"_s, quillon::InformationBox);
+        return;
+    }
+    const QString line = list.presentLine();
+    if (!ofAccount) {
+        const Site site = readSite(m_globals.programFolder);
+        showTest(u"CONN_PROXY"_s, [&](QString &reason) { return TestProxyConnection(line, site, &reason); });
+        return;
+    }
+    if (m_settings->usesProxy() && m_proxies.isEmpty()) {
+        showMessage(u"NEED_PROXY_TEST"_s, quillon::InformationBox);
+        showTab(ProxyTab);
+        return;
+    }
+    const QString proxy = m_settings->usesProxy() ? m_globals.settings.proxy[ProxyDefault] : QString();
+    showTest(u"CONN_SMTP"_s, [&](QString &reason) { return TestSmtpConnection(line, proxy, &reason); });
+}
+
+void frmPubOptions::showTest(const QString &key, const std::function<bool(QString &reason)> &connects)
+{
+    auto *status = findChild<QLabel *>(u"lbl(14)"_s);
+    m_ui->lblReason->clear();
+    status->setText(LookupText(key));
+    setCursor(Qt::WaitCursor);
+    setEnabled(false);
+    m_testing = true;
+    const QPointer<QWidget> focus = focusWidget();
+    const QPointer<frmPubOptions> alive = this;
+
+    QString reason;
+    const bool connected = connects(reason);
+    if (!alive || property(quillon::unloadedProperty).toBool()) {
+        return; // the program's exit has closed the form meanwhile
+    }
+    m_testing = false;
+    m_ui->lblReason->setText(reason);
+    showMessage(key + (connected ? u"_SUCC"_s : u"_UNSU"_s), connected ? quillon::InformationBox : quillon::WarningBox);
+    status->clear();
+    unsetCursor();
+    setEnabled(true);
+    if (focus) {
+        focus->setFocus();
+    }
+}
+
+QString frmPubOptions::codeOfEncoding(const QString &displayName)
+{
+    for (int i = 0; i < m_window.encodingCount(); ++i) {
+        m_window.selectEncoding(i);
+        const QString entry = m_window.selectedEncoding();
+        if (entry.section(u" | "_s, 1) == displayName) {
+            return entry.section(u" | "_s, 0, 0);
+        }
+    }
+    return {};
+}
+
+void frmPubOptions::closeEvent(QCloseEvent *event)
+{
+    if (m_testing && event->spontaneous()) {
+        event->ignore(); // a disabled form cannot be closed by its user
+        return;
+    }
+    QDialog::closeEvent(event);
+    if (event->isAccepted() && m_hooks.refillMainWindow) {
+        std::exchange(m_hooks.refillMainWindow, {})();
+    }
 }
 
 } // namespace corvane

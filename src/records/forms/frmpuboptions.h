@@ -1,25 +1,88 @@
 #pragma once
 
 #include "core/globals.h"
+#include "core/messagewindow.h"
 #include "quillon/forms/tabbedform.h"
+#include "records/recordlist.h"
 
 #include <QDialog>
 
-class QTabWidget;
+#include <array>
+#include <functional>
+#include <memory>
+
+class QAction;
+
+namespace Ui {
+class frmPubOptions;
+}
+
+namespace quillon {
+class FormRegistry;
+}
 
 namespace corvane {
 
-/// The options. For now each tab says which file holds its entries, so that they can be edited there.
+class RecordTab;
+class SettingsTab;
+class SignatureTab;
+
+/// What the options dialog asks of the rooms that it does not know. An empty hook is a service that is not there.
+struct OptionsHooks {
+    std::function<void()> refillMainWindow;       ///< accounts, senders and signatures, without marking a change
+    std::function<QString()> encodingName;        ///< display name of the encoding in the settings
+    std::function<QList<QAction *>()> macroItems; ///< the items that insert a macro
+    std::function<void()> help;                   ///< opens the manual
+};
+
+/// The options: four lists of records, whose changes are kept at once, and the settings, which wait for Save.
 class frmPubOptions : public QDialog, public quillon::TabbedForm {
     Q_OBJECT
 
 public:
-    explicit frmPubOptions(const DataPaths &paths);
+    enum Tab { ProxyTab, AccountTab, SenderTab, SignaturesTab, OtherTab };
+
+    /// @p forms knows the dialogs of the lists. All of the arguments outlive the dialog.
+    frmPubOptions(ApplicationGlobals &globals, MessageWindow &window, quillon::FormRegistry &forms, OptionsHooks hooks);
+    ~frmPubOptions() override;
 
     void showTab(int tab) override;
 
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
 private:
-    QTabWidget *m_tabs; ///< sst
+    /// Fits buttons and mnemonics to a tab.
+    void ShowOptionsTab(int tab);
+    /// Shows the settings as they are in memory.
+    void LoadOptionsForm();
+    void loadLists();
+
+    void makeTabs();
+    void makePresetMenu(RecordTab *accounts);
+    void connectButtons();
+    void addKeys();
+    void pressOn(Qt::Key key, const std::array<const char16_t *, 4> &buttons);
+
+    void save();
+    void restore();
+    void test();
+    /// Shows that a test is under way while @p connects runs, and then how it ended.
+    void showTest(const QString &key, const std::function<bool(QString &reason)> &connects);
+    [[nodiscard]] QString codeOfEncoding(const QString &displayName);
+
+    ApplicationGlobals &m_globals;
+    MessageWindow &m_window;
+    quillon::FormRegistry &m_forms;
+    OptionsHooks m_hooks;
+    RecordList m_senders;
+    RecordList m_signatures;
+    RecordList m_proxies;
+    RecordList m_accounts;
+    std::unique_ptr<::Ui::frmPubOptions> m_ui;
+    SettingsTab *m_settings = nullptr;
+    SignatureTab *m_signatureTab = nullptr;
+    bool m_testing = false;
 };
 
 } // namespace corvane

@@ -1,4 +1,4 @@
-#include "records/recordlists.h"
+#include "records/windowlists.h"
 
 #include "core/recipiententry.h"
 #include "records/accountrecords.h"

@@ -1,0 +1,52 @@
+#include "records/forms/numberfields.h"
+
+#include "core/texts.h"
+
+#include <QFocusEvent>
+#include <QRegularExpressionValidator>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+void NumberFields::add(QLineEdit *box, const char16_t *message, std::function<bool(double value)> isFault)
+{
+    box->setValidator(new QRegularExpressionValidator(QRegularExpression(u"[0-9]*"_s), box));
+    box->installEventFilter(this);
+    m_fields.push_back({box, message, std::move(isFault)});
+}
+
+bool NumberFields::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::FocusOut || m_checking) {
+        return false;
+    }
+    const Qt::FocusReason reason = static_cast<QFocusEvent *>(event)->reason();
+    if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason) {
+        return false; // the box has the focus again when the window has
+    }
+    for (const Field &field : m_fields) {
+        if (field.box == watched) {
+            // Once the focus has arrived where it goes: a box in the middle of its move would upset it.
+            QMetaObject::invokeMethod(
+                this, [this, field] { check(field); }, Qt::QueuedConnection);
+        }
+    }
+    return false;
+}
+
+void NumberFields::check(const Field &field)
+{
+    if (m_checking || field.box->text().isEmpty() || !field.isFault(valueOf(field.box))) {
+        return;
+    }
+    // Giving the focus back takes it from another box, which is not checked for that.
+    m_checking = true;
+    showMessage(QString::fromUtf16(field.message), quillon::InformationBox);
+    field.box->setFocus();
+    m_checking = false;
+}
+
+} // namespace corvane

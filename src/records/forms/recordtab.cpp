@@ -1,0 +1,95 @@
+#include "records/forms/recordtab.h"
+
+#include "quillon/forms/columnsort.h"
+
+#include <QAbstractButton>
+#include <QHeaderView>
+#include <QTreeView>
+
+#include <utility>
+
+namespace corvane {
+
+namespace {
+
+template <typename Action> void onClick(QAbstractButton *button, QObject *context, Action action)
+{
+    if (button) {
+        QObject::connect(button, &QAbstractButton::clicked, context, action);
+    }
+}
+
+} // namespace
+
+RecordTab::RecordTab(RecordList &list, QTreeView *view, const RecordButtons &buttons, ShowDialog showDialog)
+    : QObject(view), m_list(list), m_view(view), m_showDialog(std::move(showDialog))
+{
+    prepareView();
+    if (m_showDialog) {
+        onClick(buttons.add, this, [this] { add(); });
+        onClick(buttons.edit, this, [this] { edit(); });
+        onClick(buttons.copy, this, [this] { copy(); });
+        connect(view, &QTreeView::doubleClicked, this, [this] { edit(); });
+    }
+    onClick(buttons.remove, this, [this] { m_list.deleteSelected(); });
+    onClick(buttons.clear, this, [this] { m_list.clear(); });
+    onClick(buttons.makeDefault, this, [this] { m_list.makeDefault(); });
+}
+
+void RecordTab::prepareView()
+{
+    QFont bold = m_view->font();
+    bold.setBold(true);
+    m_list.model().setDefaultFont(bold);
+    m_view->setModel(&m_list.model());
+    m_view->setSelectionModel(&m_list.selection());
+    new quillon::ColumnSort(m_view);
+    m_view->header()->setStretchLastSection(true);
+    m_view->header()->setSectionsMovable(false);
+    const int letter = m_view->fontMetrics().averageCharWidth();
+    if (m_list.model().columnCount() > 1) {
+        m_view->setColumnWidth(0, letter * 28);
+        m_view->setColumnWidth(1, letter * 20);
+    }
+    // A row that is chosen by a command is to be seen.
+    connect(&m_list.selection(), &QItemSelectionModel::currentRowChanged, m_view,
+            [this](const QModelIndex &row) { m_view->scrollTo(row); });
+}
+
+void RecordTab::add(const QString &line)
+{
+    show(RecordDialog::Mode::Add, line);
+}
+
+void RecordTab::edit()
+{
+    if (const auto line = m_list.toEdit()) {
+        show(RecordDialog::Mode::Edit, *line);
+    }
+}
+
+void RecordTab::copy()
+{
+    if (const auto line = m_list.toCopy()) {
+        show(RecordDialog::Mode::Add, *line);
+    }
+}
+
+void RecordTab::show(RecordDialog::Mode mode, const QString &line)
+{
+    const bool editing = mode == RecordDialog::Mode::Edit;
+    RecordDialog::Task task;
+    task.mode = mode;
+    task.line = line;
+    task.exists = [this, editing](const QString &entered) { return m_list.taken(entered, editing); };
+    task.save = [this, editing](const QString &entered) {
+        if (editing) {
+            m_list.change(entered);
+        } else {
+            m_list.add(entered);
+        }
+    };
+    m_showDialog(std::move(task));
+}
+
+} // namespace corvane

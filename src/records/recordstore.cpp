@@ -1,0 +1,77 @@
+#include "records/recordstore.h"
+
+#include "core/settings.h"
+#include "records/accountrecords.h"
+
+using namespace Qt::StringLiterals;
+
+namespace corvane {
+
+namespace {
+
+/// How one kind's file is changed.
+struct Store {
+    const QString &path;
+    QString delimiter; ///< empty: a key is the whole line
+    int keyField;
+    void (*storeDefault)(ApplicationGlobals &globals, const QString &line);
+};
+
+void saveRecord(ApplicationGlobals &globals, const Store &store, const QString &mode, const QStringList &keys,
+                const RecordEdit &edit)
+{
+    if (mode == "D"_L1) {
+        globals.lines.DeleteLinesByKeys(store.path, keys, store.delimiter, store.keyField);
+        return;
+    }
+    globals.lines.ReplaceLine(store.path, edit.oldLine, edit.newLine, QString(), 0);
+    if (mode == "ED"_L1) {
+        store.storeDefault(globals, edit.newLine);
+    }
+}
+
+/// The section is spelled otherwise than where accounts are chosen; section names compare without regard to case.
+void storeEditedAccount(ApplicationGlobals &globals, const QString &line)
+{
+    storeSetting(globals, u"SMTP account"_s, u"Default"_s, line);
+}
+
+} // namespace
+
+void SaveSmtpRecord(ApplicationGlobals &globals, const QString &mode, const QStringList &keys, const RecordEdit &edit)
+{
+    saveRecord(globals, {globals.paths.smtpFile, {}, 0, &storeEditedAccount}, mode, keys, edit);
+}
+
+void SaveProxyRecord(ApplicationGlobals &globals, const QString &mode, const QStringList &keys, const RecordEdit &edit)
+{
+    saveRecord(globals, {globals.paths.proxyFile, {}, 0, &storeDefaultProxy}, mode, keys, edit);
+}
+
+void SaveSenderRecord(ApplicationGlobals &globals, const QString &mode, const QStringList &keys, const RecordEdit &edit)
+{
+    saveRecord(globals, {globals.paths.sendersFile, u"\t"_s, SenderAddress, &storeDefaultSender}, mode, keys, edit);
+}
+
+void storeDefaultAccount(ApplicationGlobals &globals, const QString &line)
+{
+    storeSetting(globals, u"SMTP Account"_s, u"Default"_s, line);
+}
+
+void storeDefaultProxy(ApplicationGlobals &globals, const QString &line)
+{
+    storeSetting(globals, u"Proxy Server"_s, u"Default"_s, line);
+}
+
+void storeDefaultSender(ApplicationGlobals &globals, const QString &line)
+{
+    storeSettings(globals, {{u"Sender"_s, u"Default.DispName"_s, recordField(line, SenderName)},
+                            {u"Sender"_s, u"Default.EmailAddr"_s, recordField(line, SenderAddress)}});
+}
+
+void storeDefaultSignature(ApplicationGlobals &globals, const QString &line)
+{
+    storeSetting(globals, u"Signature"_s, u"Default"_s, recordField(line, SignatureName));
+}
+
+} // namespace corvane
