@@ -42,6 +42,19 @@ private Q_SLOTS:
     void proxyThatStaysSilentFailsWhileTheEventLoopLives();
     void oddAddressFailsWithAReason();
     void oddAddressFailsWithAReason_data();
+
+private:
+    /// That a proxy with a login lets the right user through and refuses @p loginFields.
+    void verifyRefused(const QString &loginFields)
+    {
+        WebServer web;
+        ChildServer proxy;
+        QVERIFY2(proxy.startMicrosocks(u"pat"_s, password), qPrintable(proxy.fault()));
+        QVERIFY(!reach(proxyLine(proxy.port(), loginFields), web.port()));
+        verifyReason(u"proxy"_s);
+        QCOMPARE(web.Connections, 0);
+        QVERIFY2(reach(proxyLine(proxy.port(), u"Y\tpat\t"_s + password), web.port()), qPrintable(m_reason));
+    }
 };
 
 void TestProxyTest::webServerThatSaysNothingIsReachedThroughTheProxy()
@@ -126,23 +139,12 @@ void TestProxyTest::userAndPasswordReachTheProxy()
 
 void TestProxyTest::wrongPasswordFailsWithoutShowingIt()
 {
-    WebServer web;
-    ChildServer proxy;
-    QVERIFY2(proxy.startMicrosocks(u"pat"_s, password), qPrintable(proxy.fault()));
-    QVERIFY(!reach(proxyLine(proxy.port(), u"Y\tpat\tnot-"_s + password), web.port()));
-    verifyReason(u"proxy"_s);
-    QCOMPARE(web.Connections, 0);
-    QVERIFY2(reach(proxyLine(proxy.port(), u"Y\tpat\t"_s + password), web.port()), qPrintable(m_reason));
+    verifyRefused(u"Y\tpat\tnot-"_s + password);
 }
 
 void TestProxyTest::authenticationNSendsNoUser()
 {
-    WebServer web;
-    ChildServer proxy;
-    QVERIFY2(proxy.startMicrosocks(u"pat"_s, password), qPrintable(proxy.fault()));
-    QVERIFY(!reach(proxyLine(proxy.port(), u"N\tpat\t"_s + password), web.port()));
-    verifyReason(u"proxy"_s);
-    QCOMPARE(web.Connections, 0);
+    verifyRefused(u"N\tpat\t"_s + password);
 }
 
 void TestProxyTest::proxyThatIsNotThereFails()
