@@ -15,6 +15,7 @@
 #include "composer/menuitemarray.h"
 #include "composer/popups.h"
 #include "composer/richeditor.h"
+#include "composer/signatureinsertion.h"
 #include "composer/statushints.h"
 #include "composer/ui_frmpubmain.h"
 #include "composer/windowplacement.h"
@@ -65,7 +66,7 @@ frmPubMain::frmPubMain(ApplicationGlobals &globals, MainHooks hooks)
     captions.setPointSizeF(captions.pointSizeF() * toolbarFontScale);
     m_ui->tlb->setFont(captions);
     setMacroMenu({});
-    setSignatureMenu({});
+    setSignatureMenu({}, {});
     m_controls->txt[0]->setFocus();
 }
 
@@ -153,6 +154,8 @@ void frmPubMain::makeConcerns()
         AttachmentList::Hooks{[this] { m_message->pblnChanged = true; }, [this] { m_popUps->hide(); }});
     m_message = std::make_unique<MainWindowMessage>(
         c, MainWindowMessage::Rules{*m_account, *m_views, *m_layout, *m_attachments});
+    m_signatures = new SignatureInsertion(findChild<QMenu *>(u"menis"_s), findChild<QAction *>(u"menissa(0)"_s),
+                                          *m_message, *m_edit, m_hooks.findSignature);
     m_placement = new WindowPlacement(this, m_globals);
     new GrowingBoxes(c.txt, c.attachments, c.header, centralWidget());
     m_commands = new CommandTable(
@@ -230,7 +233,7 @@ void frmPubMain::fillNewMessage()
         m_message->setActual(choice, true);
     }
     fillFonts();
-    call(m_hooks.addSignature);
+    m_signatures->addAutomatic(m_globals.settings);
     const bool rich = m_globals.settings.other[Format] == u"Rich";
     m_message->setFormat(rich ? MessageWindow::Format::Rich : MessageWindow::Format::Plain);
     m_message->mblnReady = true;
@@ -285,12 +288,9 @@ void frmPubMain::insertMacro(const QString &macro)
     m_controls->utbContent->setFocus();
 }
 
-void frmPubMain::setSignatureMenu(const QStringList &captions)
+void frmPubMain::setSignatureMenu(const QStringList &names, const QString &defaultName)
 {
-    const Command *insert = m_commands->command(u"menissa(0)"_s);
-    auto *menu = findChild<QMenu *>(u"menis"_s);
-    rebuildItemArray(menu, findChild<QAction *>(u"menissa(0)"_s), captions, insert && insert->run);
-    menu->setEnabled(!captions.isEmpty());
+    m_signatures->setMenu(names, defaultName);
 }
 
 void frmPubMain::applyStartup()

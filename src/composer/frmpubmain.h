@@ -22,6 +22,7 @@ class ContentViews;
 class EditCommands;
 class EncodingChoice;
 class PopUps;
+class SignatureInsertion;
 class WindowPlacement;
 
 /// The main window. It owns the controls that are the message, and wires the classes that each look after some of
@@ -48,9 +49,10 @@ public:
     QString EncodingDisplayName();
     /// Priority Normal, format mark Plain, no receipt, not one by one.
     void ResetMessageOptions();
-    /// Makes the items of the menus of macros and of signatures, in this order of indexes: 1, 2 …
+    /// Make the items of the menus of macros and of signatures, in this order of indexes: 1, 2 … The default
+    /// signature's caption says so.
     void setMacroMenu(const QStringList &captions);
-    void setSignatureMenu(const QStringList &captions);
+    void setSignatureMenu(const QStringList &names, const QString &defaultName);
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -85,6 +87,7 @@ private:
     ContentLayout *m_layout = nullptr;
     ContentViews *m_views = nullptr;
     WindowPlacement *m_placement = nullptr;
+    SignatureInsertion *m_signatures = nullptr;
     std::unique_ptr<MainWindowMessage> m_message;
     CommandTable *m_commands = nullptr;
 };

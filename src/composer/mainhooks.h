@@ -1,5 +1,7 @@
 #pragma once
 
+#include "records/signaturerecords.h"
+
 #include <QString>
 
 #include <functional>
@@ -14,6 +16,8 @@ struct MainHooks {
     std::function<QString(const QString &)> findSmtpRecord; ///< the account's line for a text of the account box
     /// Puts a macro into the signature that the options dialog shows; false when that dialog is not open.
     std::function<bool(const QString &macro)> insertIntoSignature;
+    /// A signature as it goes into the content; without it none can be inserted.
+    std::function<SignatureText(const QString &name)> findSignature;
     std::function<void(const QString &form)> showForm; ///< a modal form
     std::function<bool()> optionsOpen;                 ///< frmPubOptions is open: its refills mark no change
     std::function<bool()> showProgress;                ///< a click on the status bar; true: it was used
@@ -21,7 +25,6 @@ struct MainHooks {
     // Steps of the loading, in this order.
     std::function<void()> checkForUpdate;
     std::function<void()> loadLists;    ///< accounts, senders, signatures, macros
-    std::function<void()> addSignature; ///< the automatic signature
     std::function<void()> checkAccount; ///< the question whether to set up an account
     std::function<void()> installTray;
     std::function<void()> readPrompts;

@@ -68,7 +68,11 @@ void TestMainMessage::loadStepsRunInTheirOrder()
     MainFixture main([&](MainFixture &m) {
         m.hooks.checkForUpdate = [&] { steps << u"update"_s; };
         m.hooks.loadLists = [&] { steps << u"lists"_s; };
-        m.hooks.addSignature = [&] { steps << u"signature"_s; };
+        m.globals().settings.signature[SignatureDefault] = u"Formal"_s;
+        m.hooks.findSignature = [&](const QString &name) {
+            steps << u"signature "_s + name;
+            return SignatureText{true, false, u"Ann"_s};
+        };
         m.hooks.checkAccount = [&] {
             steps << u"account"_s;
             changedBeforeTheEnd = m.message().pblnChanged;
@@ -76,7 +80,8 @@ void TestMainMessage::loadStepsRunInTheirOrder()
         m.hooks.installTray = [&] { steps << u"tray"_s; };
         m.hooks.readPrompts = [&] { steps << u"prompts"_s; };
     });
-    QCOMPARE(steps, QStringList({u"update"_s, u"lists"_s, u"signature"_s, u"account"_s, u"tray"_s, u"prompts"_s}));
+    QCOMPARE(steps,
+             QStringList({u"update"_s, u"lists"_s, u"signature Formal"_s, u"account"_s, u"tray"_s, u"prompts"_s}));
     QVERIFY2(changedBeforeTheEnd, "the filling is a change, which the end of the loading takes back");
     QVERIFY(!main.message().pblnChanged);
 }
@@ -321,11 +326,6 @@ void TestMainMessage::aMacroMenuKeepsItsCaptionsAsTheyAre()
     main.window->setMacroMenu({u"{D}"_s});
     QCOMPARE(main.item(u"menimsa(1)"_s)->data().toString(), u"{D}"_s);
     QVERIFY(!main.window->findChild<QAction *>(u"menimsa(2)"_s));
-    main.window->setSignatureMenu({});
-    QVERIFY(!main.get<QMenu>(u"menis"_s)->isEnabled());
-    main.window->setSignatureMenu({u"Formal (default)"_s});
-    QVERIFY(main.get<QMenu>(u"menis"_s)->isEnabled());
-    QCOMPARE(main.item(u"menissa(1)"_s)->text(), u"Formal (default)"_s);
 }
 
 void TestMainMessage::theTitleIsTheWindows()

@@ -103,7 +103,7 @@ std::optional<Element> elementOf(QStringView name)
 
 class TextMaker {
 public:
-    explicit TextMaker(QStringView html) : m_html(html) {}
+    TextMaker(QStringView html, HtmlExtras extras) : m_html(html), m_extras(extras == HtmlExtras::Told) {}
 
     QString make()
     {
@@ -222,11 +222,11 @@ private:
             break;
         case Element::Link:
             closeLink(); // a link cannot hold another
-            m_link = attribute(tag, u"href");
+            m_link = m_extras ? attribute(tag, u"href") : QString();
             m_linkBegin = m_lines.size();
             break;
         case Element::Picture:
-            if (const QString text = attribute(tag, u"alt"); !text.isEmpty()) {
+            if (const QString text = attribute(tag, u"alt"); m_extras && !text.isEmpty()) {
                 m_lines.addCollapsed(u'[' + text + u']');
             }
             break;
@@ -299,6 +299,7 @@ private:
     }
 
     QStringView m_html;
+    bool m_extras;
     TextLines m_lines;
     QList<int> m_lists; ///< the open lists: the next number, 0 for a list without numbers
     QString m_link;
@@ -308,9 +309,9 @@ private:
 
 } // namespace
 
-QString textOfHtml(QStringView html)
+QString textOfHtml(QStringView html, HtmlExtras extras)
 {
-    return TextMaker(html).make();
+    return TextMaker(html, extras).make();
 }
 
 } // namespace quillon

@@ -17,6 +17,7 @@ private Q_SLOTS:
     void brokenDocumentsGiveWhatABrowserShows();
     void brokenDocumentsGiveWhatABrowserShows_data();
     void entitiesAreDecoded();
+    void withoutExtrasThereIsOnlyWhatStandsOnThePage();
     void deepNestingCannotOutgrowTheSource();
     void hugeBrokenSourcesAreScannedToTheEnd();
     void piecesPutTogetherAreTheSource();
@@ -91,6 +92,14 @@ void TestHtmlText::entitiesAreDecoded()
              u"<>&\"€ä€€€€\u200CΑ"_s);
     QCOMPARE(decodeHtmlText(u"&#0;&#xD800;&#99999999999;"), u"\uFFFD\uFFFD\uFFFD"_s);
     QCOMPARE(decodeHtmlText(u"?a=1&copy=2 &unknown; &eur;"), u"?a=1&copy=2 &unknown; &eur;"_s);
+}
+
+void TestHtmlText::withoutExtrasThereIsOnlyWhatStandsOnThePage()
+{
+    const QString html = u"<p><a href='https://example.com'>Site</a> <img alt='Logo'>and <a "
+                         "href='mailto:a@x.org'>mail</a><ul><li>one</ul>"_s;
+    QCOMPARE(textOfHtml(html), u"Site <https://example.com> [Logo]and mail <a@x.org>\r\n\r\n- one\r\n"_s);
+    QCOMPARE(textOfHtml(html, HtmlExtras::LeftOut), u"Site and mail\r\n\r\n- one\r\n"_s);
 }
 
 void TestHtmlText::deepNestingCannotOutgrowTheSource()

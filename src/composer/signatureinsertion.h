@@ -1,0 +1,45 @@
+#pragma once
+
+#include "core/globals.h"
+#include "records/signaturerecords.h"
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+class QAction;
+class QMenu;
+
+namespace corvane {
+
+class EditCommands;
+class MainWindowMessage;
+
+/// The signatures of the main window: their menu, and how one gets into the content.
+class SignatureInsertion : public QObject {
+    Q_OBJECT
+
+public:
+    using Find = std::function<SignatureText(const QString &name)>;
+
+    /// @p menu is menis, @p base its item menissa(0). Without @p find no signature can be inserted.
+    SignatureInsertion(QMenu *menu, QAction *base, MainWindowMessage &message, EditCommands &edit, Find find);
+
+    /// Makes an item for each name; that of the default says so. Without names the menu is disabled.
+    void setMenu(const QStringList &names, const QString &defaultName);
+    /// Makes the default signature the content of a message that is being filled at the start, if it is to be added.
+    void addAutomatic(const SettingsMemory &settings);
+
+private:
+    void insert(const QString &caption);
+
+    QMenu *m_menu;
+    QAction *m_base;
+    MainWindowMessage &m_message;
+    EditCommands &m_edit;
+    Find m_find;
+};
+
+} // namespace corvane
