@@ -34,7 +34,8 @@ struct ButtonOrder {
     int add, edit, copy, remove, clear, makeDefault;
 };
 constexpr int none = -1;
-constexpr ButtonOrder usualOrder = {0, 1, 2, 3, 4, 5};
+constexpr ButtonOrder senderOrder = {0, 1, 2, 3, 4, 5};
+constexpr ButtonOrder accountOrder = {none, 1, 2, 3, 4, 5}; // a menu adds
 constexpr ButtonOrder proxyOrder = {0, 1, 5, 2, 3, 4};
 constexpr ButtonOrder signatureOrder = {none, none, none, 2, 3, 4}; // its editor adds and renames
 
@@ -123,8 +124,8 @@ void frmPubOptions::makeTabs()
         return new RecordTab(list, findChild<QTreeView *>(view), buttonsOf(this, group, order), std::move(show));
     };
     tab(m_proxies, u"lsv(2)"_s, u"sbtProxy"_s, proxyOrder, dialog(u"frmPubProxy"_s));
-    makePresetMenu(tab(m_accounts, u"lsv(3)"_s, u"sbtSMTP"_s, usualOrder, dialog(u"frmPubSMTP"_s)));
-    tab(m_senders, u"lsv(0)"_s, u"sbtSender"_s, usualOrder, dialog(u"frmPubSender"_s));
+    makePresetMenu(tab(m_accounts, u"lsv(3)"_s, u"sbtSMTP"_s, accountOrder, dialog(u"frmPubSMTP"_s)));
+    tab(m_senders, u"lsv(0)"_s, u"sbtSender"_s, senderOrder, dialog(u"frmPubSender"_s));
     tab(m_signatures, u"lsv(1)"_s, u"sbtSign"_s, signatureOrder, {});
     m_signatureTab = new SignatureTab(this, m_signatures, m_globals, m_hooks.macroItems);
     m_settings = new SettingsTab(
