@@ -9,14 +9,18 @@
 #include "macros/macrocatalogue.h"
 #include "recipients/forms/frmpubprompt.h"
 #include "records/accountrecords.h"
-#include "records/forms/frmpuboptions.h"
-#include "records/recordlists.h"
+#include "records/forms/frmpubproxy.h"
+#include "records/forms/frmpubsender.h"
+#include "records/forms/frmpubsmtp.h"
+#include "records/signaturerecords.h"
+#include "records/windowlists.h"
 #include "sending/forms/frmpubprogress.h"
 #include "shell/trayicon.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QEvent>
+#include <QMenu>
 #include <QPixmap>
 #include <QPlainTextEdit>
 #include <QTimer>
@@ -65,7 +69,11 @@ void Program::addForms()
         return new frmPubProgress(
             {[this] { m_main->message().pblnStop = true; }, [this] { m_forms.unload(progressForm); }});
     });
-    m_forms.add(optionsForm, [this] { return new frmPubOptions(m_globals.paths); });
+    m_forms.add(optionsForm,
+                [this] { return new frmPubOptions(m_globals, m_main->message(), m_forms, optionsHooks()); });
+    m_forms.add(u"frmPubSMTP"_s, [] { return new frmPubSMTP; });
+    m_forms.add(u"frmPubProxy"_s, [] { return new frmPubProxy; });
+    m_forms.add(u"frmPubSender"_s, [] { return new frmPubSender; });
     m_forms.add(u"frmPubMacro"_s, [this] {
         return new frmPubMacro(m_globals, m_forms, {[this] { loadMacroMenu(); }, {}});
     });
@@ -79,9 +87,10 @@ void Program::makeMainWindow()
     hooks.send = [this] { m_run->run(); };
     hooks.exitProgram = [this](bool stopScheduler) { exit(stopScheduler); };
     hooks.findSmtpRecord = [this](const QString &text) { return FindSmtpRecord(m_globals, text); };
-    hooks.showForm = [this](const QString &form) { showForm(form); };
+    hooks.showForm = [this](const QString &form, int tab) { showForm(form, tab); };
+    hooks.findSignature = [this](const QString &name) { return signatureText(m_globals, name); };
     hooks.insertIntoSignature = [this](const QString &macro) { return insertIntoSignature(macro); };
-    hooks.optionsOpen = [this] { return m_forms.isLoaded(optionsForm); };
+    hooks.optionsOpen = [this] { return m_refilling || m_forms.isLoaded(optionsForm); };
     hooks.showProgress = [this] { return showProgress(); };
     hooks.loadLists = [this] { loadLists(); };
     hooks.checkAccount = [this] { checkAccount(); };
@@ -118,9 +127,26 @@ void Program::handOverFromSplash()
 
 void Program::loadLists()
 {
-    LoadSmtpLists(m_globals, m_main->message());
-    LoadSenderLists(MainWindowBoxes, m_globals, m_main->message());
+    refillMainWindow();
     loadMacroMenu();
+}
+
+void Program::refillMainWindow()
+{
+    m_refilling = true;
+    LoadSenderLists(MainWindowBoxes, m_globals, m_main->message());
+    m_main->setSignatureMenu(signatureNames(m_globals), m_globals.settings.signature[SignatureDefault]);
+    LoadSmtpLists(m_globals, m_main->message());
+    m_refilling = false;
+}
+
+OptionsHooks Program::optionsHooks()
+{
+    OptionsHooks hooks;
+    hooks.refillMainWindow = [this] { refillMainWindow(); };
+    hooks.encodingName = [this] { return m_main->EncodingDisplayName(); };
+    hooks.macroItems = [this] { return m_main->findChild<QMenu *>(u"menim"_s)->actions(); };
+    return hooks;
 }
 
 void Program::loadMacroMenu()
@@ -136,9 +162,9 @@ void Program::checkAccount() const
     }
 }
 
-void Program::showForm(const QString &form)
+void Program::showForm(const QString &form, int tab)
 {
-    quillon::prompts().showModalForm(form, -1);
+    quillon::prompts().showModalForm(form, tab);
     if (form == promptsForm) {
         m_recipients.upsReadPrompts();
     }
@@ -149,7 +175,9 @@ bool Program::insertIntoSignature(const QString &macro)
     QWidget *options = m_forms.isLoaded(optionsForm) ? m_forms.form(optionsForm) : nullptr;
     auto *signature = options && options->isVisible() ? options->findChild<QPlainTextEdit *>(u"utbSign"_s) : nullptr;
     if (signature) {
-        signature->insertPlainText(macro);
+        if (!signature->isReadOnly()) {
+            signature->insertPlainText(macro);
+        }
         signature->setFocus();
     }
     return signature != nullptr;

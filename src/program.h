@@ -5,6 +5,7 @@
 #include "quillon/forms/qtopener.h"
 #include "quillon/forms/qtprompts.h"
 #include "recipients/inputprompts.h"
+#include "records/forms/frmpuboptions.h"
 #include "sending/forms/formprogressview.h"
 #include "sending/sendrun.h"
 
@@ -39,7 +40,10 @@ private:
     void loadLists();
     void loadMacroMenu();
     void checkAccount() const;
-    void showForm(const QString &form);
+    /// The main window's boxes and menus of accounts, senders and signatures, without marking a change.
+    void refillMainWindow();
+    [[nodiscard]] OptionsHooks optionsHooks();
+    void showForm(const QString &form, int tab);
     bool insertIntoSignature(const QString &macro);
     bool showProgress();
     void exit(bool stopScheduler);
@@ -58,6 +62,7 @@ private:
     std::unique_ptr<frmPubMain> m_main;
     std::unique_ptr<TrayIcon> m_tray;
     std::unique_ptr<SendRun> m_run;
+    bool m_refilling = false; ///< what changes in the main window is no doing of the user's
 };
 
 } // namespace corvane

@@ -22,6 +22,11 @@ using Field = MessageWindow::Field;
 
 constexpr int maximised = 3;
 
+// Tabs of a form that a command opens.
+constexpr int noTab = -1; ///< the one that the form begins with
+constexpr int accountsTab = 1;
+constexpr int sendersTab = 2;
+
 /// The command is the item's own check mark, which has turned already.
 void turnCheckMark() {}
 
@@ -135,6 +140,7 @@ std::vector<Command> formatCommands(const CommandTargets &t)
 std::vector<Command> toolCommands(const CommandTargets &t)
 {
     const ApplicationGlobals *globals = &t.globals;
+    const QString options = u"frmPubOptions"_s;
     return {
         {u"mentr"_s, {}, {}, turnCheckMark},
         {u"mentsk"_s, {}, {u"sbt(0)"_s}, {}},
@@ -144,12 +150,12 @@ std::vector<Command> toolCommands(const CommandTargets &t)
         {u"mentv"_s, {}, {}, [globals] { viewLog(*globals); }},
         {u"mentl"_s, {}, {}, [globals] { globals->system.OpenTarget(globals->paths.logs, maximised); }},
         {u"mentt"_s, u"tlbTemplate"_s, {}, {}},
-        {u"menti"_s, {}, {}, from(t.hooks.showForm, u"frmPubPrompt"_s)},
-        {u"mentm"_s, u"tlbMacro"_s, {}, from(t.hooks.showForm, u"frmPubMacro"_s)},
-        {u"mento"_s, u"tlbOptions"_s, {}, {}},
-        {{}, {}, {u"sbtMain(0)"_s}, {}},
-        {{}, {}, {u"sbtMain(1)"_s}, {}},
-        {{}, {}, {u"sbtMain(2)"_s}, {}},
+        {u"menti"_s, {}, {}, from(t.hooks.showForm, u"frmPubPrompt"_s, noTab)},
+        {u"mentm"_s, u"tlbMacro"_s, {}, from(t.hooks.showForm, u"frmPubMacro"_s, noTab)},
+        {u"mento"_s, u"tlbOptions"_s, {}, from(t.hooks.showForm, options, noTab)},
+        {{}, {}, {u"sbtMain(0)"_s}, from(t.hooks.showForm, options, accountsTab)},
+        {{}, {}, {u"sbtMain(1)"_s}, from(t.hooks.showForm, options, sendersTab)},
+        {{}, {}, {u"sbtMain(2)"_s}, from(t.hooks.showForm, options, sendersTab)},
     };
 }
 

@@ -18,9 +18,10 @@ struct MainHooks {
     std::function<bool(const QString &macro)> insertIntoSignature;
     /// A signature as it goes into the content; without it none can be inserted.
     std::function<SignatureText(const QString &name)> findSignature;
-    std::function<void(const QString &form)> showForm; ///< a modal form
-    std::function<bool()> optionsOpen;                 ///< frmPubOptions is open: its refills mark no change
-    std::function<bool()> showProgress;                ///< a click on the status bar; true: it was used
+    /// Shows a modal form, on the tab of that index when it is 0 or more.
+    std::function<void(const QString &form, int tab)> showForm;
+    std::function<bool()> optionsOpen;  ///< frmPubOptions is open: its refills mark no change
+    std::function<bool()> showProgress; ///< a click on the status bar; true: it was used
 
     // Steps of the loading, in this order.
     std::function<void()> checkForUpdate;
