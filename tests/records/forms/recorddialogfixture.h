@@ -69,11 +69,11 @@ public:
         return widget ? widget->objectName() : QString();
     }
 
-    /// Presses the buttons @p saves, one after the other, and sees each told off with that message: nothing is stored,
-    /// the focus is in @p control, and all its text is selected if that belongs to the message.
-    void verifyFault(const QStringList &saves, const QString &key, int style, const QString &control, bool selected)
+    /// Presses each of the buttons that save, and sees that message come: nothing is stored, the focus is in @p
+    /// control, and all its text is selected if that belongs to the message.
+    void verifyFault(const QString &key, int style, const QString &control, bool selected)
     {
-        for (const QString &save : saves) {
+        for (const QString &save : std::as_const(saves)) {
             // The focus comes from elsewhere, so that it has to move and brings no selection of its own at once.
             button(saves.constFirst())->setFocus();
             box(control)->deselect();
@@ -104,6 +104,7 @@ public:
     quillon::FormRegistry forms;
     std::function<void()> help;
     std::function<bool(const QString &line)> taken;
+    QStringList saves; ///< the buttons that save
     QStringList asked; ///< lines that were looked for in the list
     QStringList saved; ///< lines that were stored
 };

@@ -10,7 +10,6 @@ using Mode = RecordDialog::Mode;
 
 namespace {
 
-const QStringList saves = {u"sbtSA"_s, u"sbtSC"_s};
 const QString storedProxy = u"Socks5\tproxy.example.com\t1081\tY\tann\tsecret\t/PSEND"_s;
 
 } // namespace
@@ -19,7 +18,11 @@ class TestProxyDialog : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { d = std::make_unique<RecordDialogFixture>(u"frmPubProxy"_s); }
+    void init()
+    {
+        d = std::make_unique<RecordDialogFixture>(u"frmPubProxy"_s);
+        d->saves = {u"sbtSA"_s, u"sbtSC"_s};
+    }
     void cleanup() { d.reset(); }
 
     void aNewProxyHasItsStartValues();
@@ -130,21 +133,21 @@ void TestProxyDialog::anEmptyAddressIsTold()
 {
     d->begin(Mode::Add, storedProxy);
     d->txt(0)->setText(u"  "_s);
-    d->verifyFault(saves, u"NEED_ADDR"_s, 64, u"txt(0)"_s, false);
+    d->verifyFault(u"NEED_ADDR"_s, 64, u"txt(0)"_s, false);
 }
 
 void TestProxyDialog::anEmptyPortIsTold()
 {
     d->begin(Mode::Add, storedProxy);
     d->txt(1)->clear();
-    d->verifyFault(saves, u"NEED_PORT"_s, 64, u"txt(1)"_s, false);
+    d->verifyFault(u"NEED_PORT"_s, 64, u"txt(1)"_s, false);
 }
 
 void TestProxyDialog::anEmptyUserIsToldWhileAuthenticationIsOn()
 {
     d->begin(Mode::Add, storedProxy);
     d->txt(2)->setText(u"  "_s);
-    d->verifyFault(saves, u"NEED_USER"_s, 64, u"txt(2)"_s, false);
+    d->verifyFault(u"NEED_USER"_s, 64, u"txt(2)"_s, false);
 }
 
 void TestProxyDialog::anEmptyUserPassesWithoutAuthentication()
@@ -160,7 +163,7 @@ void TestProxyDialog::aTakenProxyIsToldWithTheFocusInTheAddress()
 {
     d->taken = [](const QString &) { return true; };
     d->begin(Mode::Add, storedProxy);
-    d->verifyFault(saves, u"PROXY_EXISTS"_s, 64, u"txt(0)"_s, false);
+    d->verifyFault(u"PROXY_EXISTS"_s, 64, u"txt(0)"_s, false);
 }
 
 void TestProxyDialog::aTakenProxyIsToldWithoutASelection()
@@ -184,14 +187,14 @@ void TestProxyDialog::theFirstFaultInOrderIsTold()
     d->begin();
     d->txt(1)->clear();
     cbx()->click();
-    d->verifyFault(saves, u"NEED_ADDR"_s, 64, u"txt(0)"_s, false);
+    d->verifyFault(u"NEED_ADDR"_s, 64, u"txt(0)"_s, false);
     d->txt(0)->setText(u"proxy"_s);
-    d->verifyFault(saves, u"NEED_PORT"_s, 64, u"txt(1)"_s, false);
+    d->verifyFault(u"NEED_PORT"_s, 64, u"txt(1)"_s, false);
     d->txt(1)->setText(u"1080"_s);
-    d->verifyFault(saves, u"NEED_USER"_s, 64, u"txt(2)"_s, false);
+    d->verifyFault(u"NEED_USER"_s, 64, u"txt(2)"_s, false);
     QCOMPARE(d->asked, QStringList());
     d->txt(2)->setText(u"ann"_s);
-    d->verifyFault(saves, u"PROXY_EXISTS"_s, 64, u"txt(0)"_s, false);
+    d->verifyFault(u"PROXY_EXISTS"_s, 64, u"txt(0)"_s, false);
 }
 
 void TestProxyDialog::anotherUserIsAnotherProxy()
@@ -202,7 +205,7 @@ void TestProxyDialog::anotherUserIsAnotherProxy()
                recordField(line, ProxyUser) == "ann"_L1;
     };
     d->begin(Mode::Add, storedProxy);
-    d->verifyFault(saves, u"PROXY_EXISTS"_s, 64, u"txt(0)"_s, false);
+    d->verifyFault(u"PROXY_EXISTS"_s, 64, u"txt(0)"_s, false);
     d->txt(2)->setText(u"bob"_s);
     d->click(u"sbtSC"_s);
     QCOMPARE(d->saved, QStringList{QString(storedProxy).replace(u"ann"_s, u"bob"_s)});

@@ -6,7 +6,6 @@ using Mode = RecordDialog::Mode;
 
 namespace {
 
-const QStringList saves = {u"sbt(0)"_s, u"sbt(1)"_s};
 const QString storedSender = u"Ann Lee\tann@example.com\tat work"_s;
 
 } // namespace
@@ -15,7 +14,11 @@ class TestSenderDialog : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { d = std::make_unique<RecordDialogFixture>(u"frmPubSender"_s); }
+    void init()
+    {
+        d = std::make_unique<RecordDialogFixture>(u"frmPubSender"_s);
+        d->saves = {u"sbt(0)"_s, u"sbt(1)"_s};
+    }
     void cleanup() { d.reset(); }
 
     void aNewSenderIsEmpty();
@@ -96,7 +99,7 @@ void TestSenderDialog::anEmptyAddressIsTold()
     d->begin(Mode::Add, storedSender);
     for (const QString &blank : {QString(), u"  "_s}) {
         email()->setText(blank);
-        d->verifyFault(saves, u"CHECK_ADDRESS"_s, 64, u"txtEmail"_s, false);
+        d->verifyFault(u"CHECK_ADDRESS"_s, 64, u"txtEmail"_s, false);
     }
 }
 
@@ -104,26 +107,26 @@ void TestSenderDialog::anInvalidAddressIsAWarningAndSelected()
 {
     d->begin(Mode::Add, storedSender);
     email()->setText(u"Ann <ann@example.com>"_s);
-    d->verifyFault(saves, u"VALID_ADDRESS"_s, 48, u"txtEmail"_s, true);
+    d->verifyFault(u"VALID_ADDRESS"_s, 48, u"txtEmail"_s, true);
 }
 
 void TestSenderDialog::aTakenSenderIsToldAndItsNameSelected()
 {
     d->taken = [](const QString &) { return true; };
     d->begin(Mode::Add, storedSender);
-    d->verifyFault(saves, u"SEND_EXISTS"_s, 64, u"txtDisp"_s, true);
+    d->verifyFault(u"SEND_EXISTS"_s, 64, u"txtDisp"_s, true);
 }
 
 void TestSenderDialog::theFirstFaultInOrderIsTold()
 {
     d->taken = [](const QString &) { return true; };
     d->begin();
-    d->verifyFault(saves, u"CHECK_ADDRESS"_s, 64, u"txtEmail"_s, false);
+    d->verifyFault(u"CHECK_ADDRESS"_s, 64, u"txtEmail"_s, false);
     email()->setText(u"ann"_s);
-    d->verifyFault(saves, u"VALID_ADDRESS"_s, 48, u"txtEmail"_s, true);
+    d->verifyFault(u"VALID_ADDRESS"_s, 48, u"txtEmail"_s, true);
     QCOMPARE(d->asked, QStringList());
     email()->setText(u"ann@example.com"_s);
-    d->verifyFault(saves, u"SEND_EXISTS"_s, 64, u"txtDisp"_s, true);
+    d->verifyFault(u"SEND_EXISTS"_s, 64, u"txtDisp"_s, true);
 }
 
 void TestSenderDialog::theDisplayNameMayStayEmpty()
@@ -138,7 +141,7 @@ void TestSenderDialog::oneAddressMayStandUnderTwoNames()
 {
     d->taken = [](const QString &line) { return line.startsWith("Ann Lee\tann@example.com\t"_L1); };
     d->begin(Mode::Add, storedSender);
-    d->verifyFault(saves, u"SEND_EXISTS"_s, 64, u"txtDisp"_s, true);
+    d->verifyFault(u"SEND_EXISTS"_s, 64, u"txtDisp"_s, true);
     disp()->setText(u"Ann"_s);
     d->click(u"sbt(1)"_s);
     QCOMPARE(d->saved, QStringList{u"Ann\tann@example.com\tat work"_s});
