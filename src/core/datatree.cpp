@@ -76,18 +76,30 @@ void createFile(const QString &path)
     ::close(file);
 }
 
-/// The owner may read and write, and enter folders.
-void setAttributesNormal(const QString &path)
+/// Sets the mode of a file or folder of this user's to what @p wantedMode makes of the present one.
+void changeMode(const QString &path, mode_t (*wantedMode)(mode_t present))
 {
     struct stat status {};
     const QByteArray name = QFile::encodeName(path);
     if (::stat(name.constData(), &status) != 0 || status.st_uid != ::geteuid()) {
         return;
     }
-    const mode_t wanted = (status.st_mode & 07777U) | (S_ISDIR(status.st_mode) ? folderMode : fileMode);
+    const mode_t wanted = wantedMode(status.st_mode) & 07777U;
     if (wanted != (status.st_mode & 07777U) && ::chmod(name.constData(), wanted) != 0) {
         quillon::reportFault(u"cannot change the mode of '"_s + path + u'\'');
     }
+}
+
+/// The owner may read and write, and enter folders.
+void setAttributesNormal(const QString &path)
+{
+    changeMode(path, [](mode_t present) { return present | (S_ISDIR(present) ? folderMode : fileMode); });
+}
+
+/// Nobody else reads a file that holds passwords, also one that was copied here from elsewhere.
+void keepPrivate(const QString &path)
+{
+    changeMode(quillon::existingPath(path), [](mode_t) { return fileMode; });
 }
 
 /// Copies a folder over another, file by file, each whole or not at all. A link to a folder is not followed.
@@ -236,6 +248,9 @@ void PrepareDataFolder(ApplicationGlobals &globals)
         for (const QFileInfo &entry : entries) {
             setAttributesNormal(entry.filePath());
         }
+    }
+    for (const QString &file : {paths.smtpFile, paths.proxyFile, paths.optionsFile}) {
+        keepPrivate(file);
     }
 }
 

@@ -48,6 +48,7 @@ private Q_SLOTS:
     void everyFolderAndFileOfTheTreeIsMadeWritable();
     void subjectThatIsEncodedAlreadyIsNotEncodedAgain();
     void readOnlyFileInSignsIsWritableAgain();
+    void filesWithPasswordsAreReadByTheirOwnerOnly();
     void subFoldersAreNotWalkedForAttributes();
     void templateNamesAreTestedOnFiveLowerCasedCharacters();
     void oldSenderGetsItsAccountsAddress();
@@ -214,6 +215,20 @@ void TestDataTree::readOnlyFileInSignsIsWritableAgain()
     QCOMPARE(::chmod(QFile::encodeName(file).constData(), 0400), 0);
     corvane::PrepareDataFolder(m_tree->globals);
     QCOMPARE(modeOf(file), 0600);
+}
+
+void TestDataTree::filesWithPasswordsAreReadByTheirOwnerOnly()
+{
+    corvane::PrepareDataFolder(m_tree->globals);
+    const corvane::DataPaths &paths = m_tree->globals.paths;
+    for (const QString &file : {paths.smtpFile, paths.proxyFile, paths.optionsFile, paths.macrosFile}) {
+        QCOMPARE(::chmod(QFile::encodeName(file).constData(), 0644), 0);
+    }
+    corvane::PrepareDataFolder(m_tree->globals);
+    QCOMPARE(modeOf(paths.smtpFile), 0600);
+    QCOMPARE(modeOf(paths.proxyFile), 0600);
+    QCOMPARE(modeOf(paths.optionsFile), 0600);
+    QCOMPARE(modeOf(paths.macrosFile), 0644);
 }
 
 void TestDataTree::subFoldersAreNotWalkedForAttributes()
