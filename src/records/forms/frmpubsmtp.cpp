@@ -73,16 +73,9 @@ frmPubSMTP::~frmPubSMTP() = default;
 
 void frmPubSMTP::connectProposals()
 {
-    const auto onChange = [this](QLineEdit *box, const std::function<void()> &propose) {
-        connect(box, &QLineEdit::textChanged, this, [this, propose] {
-            if (!showingRecord()) {
-                propose();
-            }
-        });
-    };
-    onChange(m_txt[2], [this] { userChanged(); });
-    onChange(m_txt[4], [this] { m_txt[6]->setText(m_txt[4]->text()); });
-    onChange(m_txt[5], [this] { m_txt[7]->setText(m_txt[5]->text()); });
+    connect(m_txt[2], &QLineEdit::textChanged, this, &frmPubSMTP::userChanged);
+    connect(m_txt[4], &QLineEdit::textChanged, this, [this] { m_txt[6]->setText(m_txt[4]->text()); });
+    connect(m_txt[5], &QLineEdit::textChanged, this, [this] { m_txt[7]->setText(m_txt[5]->text()); });
 }
 
 void frmPubSMTP::userChanged()

@@ -10,7 +10,6 @@
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScopedValueRollback>
 
 #include <limits>
 #include <utility>
@@ -86,7 +85,6 @@ void RecordDialog::setCaption()
 
 void RecordDialog::showRecord(const QString &line)
 {
-    const QScopedValueRollback showing(m_showingRecord, true);
     for (int i = 0; i < m_form.fields.size(); ++i) {
         m_form.fields.at(i).show(recordField(line, i));
     }

@@ -74,10 +74,12 @@ protected:
         QString what; ///< the kind of record, as the caption names it after "Add " and "Edit "
         std::function<QString(const QString &line)> nameOf; ///< what an edit's caption names the record by
         QString newRecord;                                  ///< the line with which a new record begins
-        QList<RecordFieldView> fields;                      ///< in the order of the line
-        QList<FieldCheck> checks;                           ///< in the order in which they are made
-        FieldFault duplicate;                               ///< what a record gives that exists already
-        QLineEdit *first;                                   ///< where a new record is begun
+        /// In the order of the line. They are shown in this order, so a field that a form proposes from an earlier one
+        /// ends as the record has it.
+        QList<RecordFieldView> fields;
+        QList<FieldCheck> checks; ///< in the order in which they are made
+        FieldFault duplicate;     ///< what a record gives that exists already
+        QLineEdit *first;         ///< where a new record is begun
     };
 
     RecordDialog();
@@ -86,9 +88,6 @@ protected:
     /// the form its texts, keys and buttons, and shows a new record. @p help opens the manual; without it the help
     /// button is disabled.
     void setUp(Form form, std::function<void()> help);
-
-    /// True while a record's fields are put in, when what is in a box follows from no other box.
-    [[nodiscard]] bool showingRecord() const { return m_showingRecord; }
 
     // Fields as most forms have them.
     [[nodiscard]] static RecordFieldView textField(QLineEdit *box);
@@ -114,7 +113,6 @@ private:
 
     Form m_form{};
     Task m_task;
-    bool m_showingRecord = false;
 };
 
 } // namespace corvane

@@ -21,6 +21,7 @@ private Q_SLOTS:
     void enterAndEscapeDoNothing();
     void f1AndTheButtonOpenTheHelpOnceThereIsOne();
     void withoutATaskNothingIsSaved();
+    void anEditThatMeetsAnotherRecordIsStopped();
     void aListThatCannotBeAskedHoldsNoDuplicate();
     void aTranslatedCaptionLeavesTheModeAlone();
     void portsCountAsTheirValue_data();
@@ -171,6 +172,21 @@ void TestRecordDialogs::withoutATaskNothingIsSaved()
         d.dialog()->begin({Mode::Add, facts.record, {}, {}});
         d.click(facts.saveAndAdd);
         QVERIFY(!d.box(facts.boxes.constFirst())->text().isEmpty()); // what was entered stays
+    }
+}
+
+void TestRecordDialogs::anEditThatMeetsAnotherRecordIsStopped()
+{
+    QStringList messages = {u"SMTP_EXISTS"_s, u"PROXY_EXISTS"_s, u"SEND_EXISTS"_s};
+    for (const FormFacts &facts : allForms()) {
+        RecordDialogFixture d(facts.name);
+        d.taken = [](const QString &) { return true; };
+        d.begin(Mode::Edit, facts.record);
+        ExpectedPrompts prompts;
+        prompts.expectBox(messages.takeFirst(), 64);
+        d.click(facts.saveAndAdd);
+        QCOMPARE(d.asked, QStringList{facts.record});
+        QVERIFY(d.saved.isEmpty());
     }
 }
 
