@@ -3,6 +3,7 @@
 #include "core/texts.h"
 
 #include <QFocusEvent>
+#include <QKeyEvent>
 #include <QRegularExpressionValidator>
 
 #include <utility>
@@ -10,6 +11,17 @@
 using namespace Qt::StringLiterals;
 
 namespace corvane {
+
+namespace {
+
+/// A key that would write something other than a digit.
+bool writesNoDigit(const QKeyEvent *key)
+{
+    const QString text = key->text();
+    return !text.isEmpty() && text.front().isPrint() && (text.front() < u'0' || text.front() > u'9');
+}
+
+} // namespace
 
 void NumberFields::add(QLineEdit *box, const char16_t *message, std::function<bool(double value)> isFault)
 {
@@ -20,6 +32,10 @@ void NumberFields::add(QLineEdit *box, const char16_t *message, std::function<bo
 
 bool NumberFields::eventFilter(QObject *watched, QEvent *event)
 {
+    // The validator would let everything pass once the box shows a stored text that is no number.
+    if (event->type() == QEvent::KeyPress) {
+        return writesNoDigit(static_cast<QKeyEvent *>(event));
+    }
     if (event->type() != QEvent::FocusOut || m_checking) {
         return false;
     }
