@@ -20,6 +20,7 @@ private Q_SLOTS:
     void aSignatureThatIsNotListedShowsNothing();
     void aTextThatCannotBeReadIsNeitherShownNorWrittenOver();
     void aTextThatCannotBeReadIsNeitherShownNorWrittenOver_data();
+    void aTextIsShownAndInsertedUpToASize();
     void aMessageGetsTheStoredTextBeforeTheFile();
     void aMessageGetsTheTextOfTheFile();
     void anHtmlFileIsToldByItsEnding();
@@ -112,6 +113,21 @@ void TestSignatureContent::aTextThatCannotBeReadIsNeitherShownNorWrittenOver()
     save(u"D"_s, u"c"_s, {});
     QCOMPARE(list(), QByteArray("b\t\r\n"));
     QCOMPARE(storedFiles().isEmpty(), kind != "folder"_L1);
+}
+
+void TestSignatureContent::aTextIsShownAndInsertedUpToASize()
+{
+    setList("a\t\r\n");
+    const auto shown = [this] { return signatureContent(globals(), u"a"_s).readable; };
+    const auto inserted = [this] { return signatureText(globals(), u"a"_s).found; };
+    store(u"a"_s, QByteArray(signatureEditLimit, 'x'));
+    QVERIFY(shown() && inserted());
+    store(u"a"_s, QByteArray(signatureEditLimit + 1, 'x'));
+    QVERIFY(!shown() && inserted());
+    store(u"a"_s, QByteArray(signatureTextLimit, 'x'));
+    QVERIFY(!shown() && inserted());
+    store(u"a"_s, QByteArray(signatureTextLimit + 1, 'x'));
+    QVERIFY(!shown() && !inserted());
 }
 
 void TestSignatureContent::aMessageGetsTheStoredTextBeforeTheFile()

@@ -1,4 +1,4 @@
-// Changes signatures until it is killed; the test looks at what is then on the disk.
+// Changes signatures until it is killed, and tells each change; the test looks at what is then on the disk.
 #include "core/datatree.h"
 #include "quillon/files/safefile.h"
 #include "records/signaturerecords.h"
@@ -20,9 +20,9 @@ int main(int count, char **values)
     quillon::setTemporaryFolder(globals.paths.root);
     const auto save = [&globals](const QString &mode, const QString &name, const QString &text, const QString &path) {
         corvane::SaveSignatureRecord(globals, mode, name, mode == "R"_L1 ? text : QString(), text, path);
+        std::putchar('.');
+        std::fflush(stdout);
     };
-    std::puts("begun");
-    std::fflush(stdout);
     for (int i = 0;; ++i) {
         const QString mark = QString::number(i);
         save(u"M"_s, u"typed"_s, mark + QString(4000, u'x') + mark, {});
