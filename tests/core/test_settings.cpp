@@ -23,6 +23,10 @@ private Q_SLOTS:
     void everySettingHasItsPlaceInMemory();
     void defaultAccountIsFoundUnderEitherFormOfItsSection();
     void storingWritesMemoryAndFile();
+    void severalAreStoredInMemoryAndFile();
+    void aSectionKeepsItsSpellingWhenItIsNamedInAnotherCase();
+    void aKeyThatMemoryDoesNotHoldIsStoredInTheFile();
+    void aFileThatCannotBeReadKeepsTheNewValuesInMemoryOnly();
 
 private:
     [[nodiscard]] const QString &options() const { return m_tree->globals.paths.optionsFile; }
@@ -127,6 +131,47 @@ void TestSettings::storingWritesMemoryAndFile()
     storeSetting(m_tree->globals, u"Position"_s, u"Left"_s, u"150"_s);
     QCOMPARE(m_tree->globals.settings.position[0], u"150"_s);
     QCOMPARE(stored(u"Position"_s, u"Left"_s), u"150"_s);
+}
+
+void TestSettings::severalAreStoredInMemoryAndFile()
+{
+    storeSettings(m_tree->globals, {{u"Sender"_s, u"Default.DispName"_s, u"Ann"_s},
+                                    {u"Sender"_s, u"Default.EmailAddr"_s, u"ann@x.example"_s},
+                                    {u"Other"_s, u"Font Size"_s, u" 12 "_s}});
+    QCOMPARE(m_tree->globals.sender.DispName, u"Ann"_s);
+    QCOMPARE(m_tree->globals.sender.EmailAddr, u"ann@x.example"_s);
+    QCOMPARE(m_tree->globals.settings.other[FontSize], u" 12 "_s);
+    const SettingsMemory before = m_tree->globals.settings;
+    LoadSettings(m_tree->globals);
+    QCOMPARE(m_tree->globals.sender.EmailAddr, u"ann@x.example"_s);
+    QCOMPARE(m_tree->globals.settings.other, before.other);
+}
+
+void TestSettings::aSectionKeepsItsSpellingWhenItIsNamedInAnotherCase()
+{
+    writeFile(options(), "[SMTP Account]\r\nDefault=old\r\n");
+    storeSetting(m_tree->globals, u"SMTP account"_s, u"Default"_s, u"new"_s);
+    QCOMPARE(m_tree->globals.settings.smtp[0], u"new"_s);
+    QCOMPARE(contentOf(options()), QByteArray("[SMTP Account]\r\nDefault=new\r\n"));
+}
+
+void TestSettings::aKeyThatMemoryDoesNotHoldIsStoredInTheFile()
+{
+    const SettingsMemory before = m_tree->globals.settings;
+    storeSetting(m_tree->globals, u"Other"_s, u"Upgraded"_s, u"True"_s);
+    storeSetting(m_tree->globals, u"Nobody"_s, u"knows"_s, u"this"_s);
+    QCOMPARE(stored(u"Other"_s, u"Upgraded"_s), u"True"_s);
+    QCOMPARE(stored(u"Nobody"_s, u"knows"_s), u"this"_s);
+    QCOMPARE(m_tree->globals.settings.other, before.other);
+}
+
+void TestSettings::aFileThatCannotBeReadKeepsTheNewValuesInMemoryOnly()
+{
+    QVERIFY(QFile::remove(options()));
+    QVERIFY(QDir().mkpath(options() + u"/kept"_s));
+    storeSetting(m_tree->globals, u"Other"_s, u"Times"_s, u"7"_s);
+    QCOMPARE(m_tree->globals.settings.other[Times], u"7"_s);
+    QVERIFY(QFileInfo(options() + u"/kept"_s).isDir());
 }
 
 QTEST_GUILESS_MAIN(TestSettings)

@@ -25,6 +25,9 @@ private Q_SLOTS:
     void deleteByWholeLineRemovesAllThatMatch();
     void deleteByFieldComparesThatFieldOnly();
     void deleteWithoutAMatchLeavesTheFileUntouched();
+    void deleteTakesSeveralKeysAtOnce();
+    void deleteWithoutKeysLeavesTheFileUntouched();
+    void deleteByTheEmptyKeyTakesBlankLinesOrEmptyFields();
     void replaceChangesTheFirstMatchOnly();
     void replaceWithFieldChangesOnlyThatField();
     void lineExistsIsExact();
@@ -132,6 +135,32 @@ void TestLines::deleteWithoutAMatchLeavesTheFileUntouched()
     m_lines.DeleteLineByKey(path(), u"c"_s, QString(), 0);
     m_lines.ReplaceLine(path(), u"c"_s, u"d"_s, QString(), 0);
     QCOMPARE(content(), QByteArray("a\nb"));
+}
+
+void TestLines::deleteTakesSeveralKeysAtOnce()
+{
+    write("a\tx\r\nb\ty\nW\xfc\tz\nc\tx\nx");
+    m_lines.DeleteLinesByKeys(path(), {u"x"_s, u"y"_s, u"not there"_s, u"x"_s}, u"\t"_s, 1);
+    QCOMPARE(content(), QByteArray("W\xfc\tz\r\nx\r\n"));
+    m_lines.DeleteLinesByKeys(path(), {u"x"_s, u"Wü\tz"_s}, QString(), 0);
+    QCOMPARE(content(), QByteArray(""));
+}
+
+void TestLines::deleteWithoutKeysLeavesTheFileUntouched()
+{
+    write("a\n\nb");
+    m_lines.DeleteLinesByKeys(path(), {}, QString(), 0);
+    m_lines.DeleteLinesByKeys(path(), {u"A"_s, u"a "_s, u"a\n"_s}, QString(), 0);
+    QCOMPARE(content(), QByteArray("a\n\nb"));
+}
+
+void TestLines::deleteByTheEmptyKeyTakesBlankLinesOrEmptyFields()
+{
+    write("a\t\tb\r\n\r\na\r\n\t\r\n");
+    m_lines.DeleteLinesByKeys(path(), {QString()}, QString(), 0);
+    QCOMPARE(content(), QByteArray("a\t\tb\r\na\r\n\t\r\n"));
+    m_lines.DeleteLinesByKeys(path(), {QString()}, u"\t"_s, 1);
+    QCOMPARE(content(), QByteArray("a\r\n"));
 }
 
 void TestLines::replaceChangesTheFirstMatchOnly()
