@@ -11,14 +11,13 @@ namespace {
 
 using Field = MessageWindow::Field;
 
-/// A box whose list is filled anew keeps the text that it showed.
+/// A box whose list is filled anew keeps the text that it showed. It is put back as a pick would: behind the same
+/// address there may be another record by now.
 void replaceList(MessageWindow &window, Field field, const QStringList &entries)
 {
     const QString shown = window.text(field);
     window.setList(field, entries);
-    if (window.text(field) != shown) {
-        window.setText(field, shown);
-    }
+    window.setText(field, shown);
 }
 
 } // namespace

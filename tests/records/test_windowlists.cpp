@@ -29,6 +29,7 @@ private Q_SLOTS:
     void addressesInAnyScriptAreOffered();
     void filesThatCannotBeReadGiveEmptyListsAndStay();
     void sendersBoxesThatKeepTheirTextMarkNoChange();
+    void anAccountBoxThatKeepsItsTextLooksUpItsRecordAfresh();
 };
 
 void TestWindowLists::accountBoxGetsTheAddressesAndKeepsItsText()
@@ -182,6 +183,24 @@ void TestWindowLists::sendersBoxesThatKeepTheirTextMarkNoChange()
     LoadSenderLists(MainWindowBoxes, m_tree->globals, window);
     QCOMPARE(window.text(Field::Sender), QString()); // the default sender is not put in here
     QVERIFY(!window.pblnChanged);
+}
+
+void TestWindowLists::anAccountBoxThatKeepsItsTextLooksUpItsRecordAfresh()
+{
+    class PickedWindow : public FakeWindow {
+    public:
+        void setText(Field field, const QString &text) override
+        {
+            picked.append(text);
+            FakeWindow::setText(field, text);
+        }
+        QStringList picked;
+    };
+    accounts({ada});
+    PickedWindow window;
+    window.texts.insert(Field::Account, u"ada@x.org"_s);
+    LoadSmtpLists(m_tree->globals, window);
+    QCOMPARE(window.picked, QStringList{u"ada@x.org"_s});
 }
 
 QTEST_GUILESS_MAIN(TestWindowLists)
