@@ -6,7 +6,8 @@ is shown on standard output in a short readable form. The first line printed is 
 or SIGINT.
 
 Where a file named "hold" stands in the folder, a mail is answered only when that file has gone; a recipient whose
-address is a line of a file named "refuse" there is refused.
+address is a line of a file named "refuse" there is refused. A client that takes its leave without having brought a
+mail, as the test of an account does, gets a line on standard output too.
 
 Usage: catcher.py FOLDER
 """
@@ -75,7 +76,13 @@ class Keeper:
         envelope.rcpt_tos.append(address)
         return "250 OK"
 
+    async def handle_QUIT(self, server, session, envelope):
+        if not getattr(session, "brought_mail", False):
+            print("catcher: a visit without a mail", flush=True)
+        return "221 Bye"
+
     async def handle_DATA(self, server, session, envelope):
+        session.brought_mail = True
         if os.path.exists(os.path.join(self.folder, "hold")):
             print("catcher: holding a mail", flush=True)
             while os.path.exists(os.path.join(self.folder, "hold")):

@@ -14,9 +14,9 @@ def data_root(data_home):
     return os.path.join(data_home, "Lanthorn", "Corvane")
 
 
-def account_line(port):
-    """The account of the loopback server at that port: no encryption, no login."""
-    fields = ["127.0.0.1", str(port), "N", "N", "", "", SENDER_NAME, SENDER_ADDRESS, "", "", "/SAEND"]
+def account_line(port, server="127.0.0.1"):
+    """The account of the server at that port, a loopback one by default: no encryption, no login."""
+    fields = [server, str(port), "N", "N", "", "", SENDER_NAME, SENDER_ADDRESS, "", "", "/SAEND"]
     return "\t".join(fields)
 
 
@@ -48,11 +48,11 @@ def write_text(path, lines):
         file.write("".join(line + "\r\n" for line in lines).encode())
 
 
-def prepare(data_home, port):
-    """Writes the account and the settings into a data tree, new or from an earlier run."""
+def prepare(data_home, port, server="127.0.0.1"):
+    """Writes the account of that server and the settings into a data tree, new or from an earlier run."""
     data = os.path.join(data_root(data_home), "data")
     os.makedirs(data, mode=0o700, exist_ok=True)
-    account = account_line(port)
+    account = account_line(port, server)
     write_text(os.path.join(data, "smtp.dll"), [account])
     lines = []
     for section, values in options(account).items():

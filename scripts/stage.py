@@ -155,6 +155,13 @@ class Stage:
         return self.wait("the tray", lambda: self.xdotool("search", "--onlyvisible", "--class", "^trayer$"),
                          tray).split()[0]
 
+    def geometry(self, window):
+        """Left, top, width and height of a window in pixels."""
+        facts = dict(line.split("=") for line in (self.xdotool("getwindowgeometry", "--shell", window) or "").split())
+        if "HEIGHT" not in facts:
+            raise StageError(f"no window {window}")
+        return tuple(int(facts[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
+
     def click(self, window, x, y, button=1):
         """Clicks into a window, at pixels from its corner."""
         if self.xdotool("mousemove", "--window", window, x, y, "click", button) is None:
@@ -289,7 +296,7 @@ class Stage:
     # Mail
 
     def catcher(self):
-        """Starts the mail catcher and returns its port; mails() lists what it keeps."""
+        """Starts the mail catcher and returns its port, catcher_port; mails() lists what it keeps."""
         arguments = [PYTHON, os.path.join(SCRIPTS, "catcher.py"), self.mail_folder]
         child = self.start("catcher", arguments, stdout=subprocess.PIPE, text=True)
         first = child.stdout.readline()
@@ -298,7 +305,8 @@ class Stage:
             raise StageError(f"no mail catcher: see {self.path('catcher.log')}")
         self.catcher_said = []
         threading.Thread(target=self._hear_catcher, args=(child,), daemon=True).start()
-        return int(found.group(1))
+        self.catcher_port = int(found.group(1))
+        return self.catcher_port
 
     def _hear_catcher(self, child):
         with child.stdout as pipe:

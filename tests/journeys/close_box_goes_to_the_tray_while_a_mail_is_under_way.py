@@ -62,15 +62,10 @@ def close(stage, child, window):
 
 def bring_back(stage, child, tray):
     def back():
-        width, height = geometry(stage, tray)
+        _, _, width, height = stage.geometry(tray)
         stage.click(tray, width - ICON // 2, height // 2)
         return stage.windows(child.pid, journey.stages.MAIN_TITLE)
     stage.wait("the window to come back", back, child)
-
-
-def geometry(stage, window):
-    facts = dict(line.split("=") for line in (stage.xdotool("getwindowgeometry", "--shell", window) or "").splitlines())
-    return int(facts["WIDTH"]), int(facts["HEIGHT"])
 
 
 journey.set_out(close_box)
