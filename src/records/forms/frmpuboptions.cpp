@@ -264,9 +264,9 @@ void frmPubOptions::showTest(const QString &key, const std::function<bool(QStrin
     m_ui->lblReason->clear();
     status->setText(LookupText(key));
     setCursor(Qt::WaitCursor);
+    const QPointer<QWidget> focus = focusWidget(); // a form that is disabled loses it
     setEnabled(false);
     m_testing = true;
-    const QPointer<QWidget> focus = focusWidget();
     const QPointer<frmPubOptions> alive = this;
 
     QString reason;
@@ -303,6 +303,7 @@ void frmPubOptions::closeEvent(QCloseEvent *event)
         event->ignore(); // a disabled form cannot be closed by its user
         return;
     }
+    m_signatureTab->finishRename();
     QDialog::closeEvent(event);
     if (event->isAccepted() && m_hooks.refillMainWindow) {
         std::exchange(m_hooks.refillMainWindow, {})();

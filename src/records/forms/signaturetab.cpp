@@ -8,6 +8,7 @@
 #include "records/signaturerecords.h"
 
 #include <QAbstractButton>
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMenu>
@@ -47,14 +48,13 @@ SignatureTab::SignatureTab(QWidget *form, RecordList &list, ApplicationGlobals &
     : QObject(form), m_list(list), m_globals(globals), m_macroItems(std::move(macroItems)),
       m_opt(quillon::controlArray<QRadioButton, 2>(form, u"opt"_s)),
       m_buttons(quillon::controlArray<QAbstractButton, 8>(form, u"sbtSign"_s)),
-      m_view(form->findChild<QTreeView *>(u"lsv(1)"_s)), m_text(form->findChild<QPlainTextEdit *>(u"utbSign"_s)),
-      m_path(form->findChild<QLineEdit *>(u"txt(11)"_s))
+      m_view(form->findChild<QTreeView *>(u"lsv(1)"_s)), m_delegate(new RenameDelegate(m_view)),
+      m_text(form->findChild<QPlainTextEdit *>(u"utbSign"_s)), m_path(form->findChild<QLineEdit *>(u"txt(11)"_s))
 {
     keepOneLine(m_path);
     m_list.model().setEditable(true);
-    auto *delegate = new RenameDelegate(m_view);
-    m_view->setItemDelegate(delegate);
-    connect(delegate, &RenameDelegate::edited, this, &SignatureTab::renamed);
+    m_view->setItemDelegate(m_delegate);
+    connect(m_delegate, &RenameDelegate::edited, this, &SignatureTab::renamed);
     connectControls();
     show();
 }
@@ -119,7 +119,7 @@ void SignatureTab::kindChosen()
         textChanged();
         m_text->setFocus();
     } else {
-        pathChanged();
+        pathChanged(m_path->text());
     }
 }
 
@@ -131,10 +131,10 @@ void SignatureTab::textChanged()
     }
 }
 
-void SignatureTab::pathChanged()
+void SignatureTab::pathChanged(const QString &path)
 {
-    const QString path = m_path->text();
-    if (m_showing || path.isEmpty()) {
+    // A text of several lines has been put on one line before it comes here; that change was told by itself.
+    if (m_showing || path.isEmpty() || path != m_path->text()) {
         return;
     }
     if (!QFileInfo(path).isFile()) {
@@ -168,6 +168,17 @@ void SignatureTab::rename()
     }
 }
 
+void SignatureTab::finishRename()
+{
+    m_finishing = true;
+    if (QWidget *editor = m_view->indexWidget(m_view->currentIndex())) {
+        Q_EMIT m_delegate->commitData(editor);
+        Q_EMIT m_delegate->closeEditor(editor);
+    }
+    QCoreApplication::sendPostedEvents(m_delegate, QEvent::MetaCall); // what it hands over later
+    m_finishing = false;
+}
+
 void SignatureTab::renamed(const QPersistentModelIndex &index, const QString &typed)
 {
     const QString old = m_list.model().line(index.row());
@@ -194,7 +205,7 @@ void SignatureTab::refuseName(const QPersistentModelIndex &index, const char16_t
                               const std::optional<QString> &value)
 {
     showMessage(QString::fromUtf16(key), quillon::WarningBox, value);
-    if (index.isValid()) {
+    if (index.isValid() && !m_finishing) {
         m_view->edit(index);
     }
 }

@@ -17,6 +17,8 @@ class QTreeView;
 
 namespace corvane {
 
+class RenameDelegate;
+
 /// The editor of signatures beside their list. What is typed or chosen is kept at once, in the files of the present
 /// row's signature; nothing waits for a Save button.
 class SignatureTab : public QObject {
@@ -31,6 +33,8 @@ public:
 
     /// Begins to edit the name of the present row in place.
     void rename();
+    /// Takes the name that is being edited, if one is, since the form closes.
+    void finishRename();
     /// Selects all of the text box.
     void selectAllText();
 
@@ -45,7 +49,7 @@ private:
     void enableKind();
     void kindChosen();
     void textChanged();
-    void pathChanged();
+    void pathChanged(const QString &path);
 
     void add();
     void renamed(const QPersistentModelIndex &index, const QString &typed);
@@ -64,10 +68,12 @@ private:
     std::array<QRadioButton *, 2> m_opt;
     std::array<QAbstractButton *, 8> m_buttons;
     QTreeView *m_view;
+    RenameDelegate *m_delegate;
     QPlainTextEdit *m_text;
     QLineEdit *m_path;
-    bool m_showing = false;  ///< a row is being shown: what changes in the boxes is not kept
-    bool m_writable = false; ///< there is a row, and what its text box shows is its text
+    bool m_showing = false;   ///< a row is being shown: what changes in the boxes is not kept
+    bool m_finishing = false; ///< no name is edited again
+    bool m_writable = false;  ///< there is a row, and what its text box shows is its text
 };
 
 } // namespace corvane

@@ -49,7 +49,7 @@ public:
         forms.add(QStringLiteral("frmPubOptions"), [this] {
             return new corvane::frmPubOptions(
                 globals(), window, forms,
-                {[this] { ++refills; }, [this] { return encodingName(); }, [this] { return macroItems; }, help});
+                {[this] { refill(); }, [this] { return encodingName(); }, [this] { return macroItems; }, help});
         });
         forms.add(QStringLiteral("frmPubProxy"), [] { return new corvane::frmPubProxy; });
         forms.add(QStringLiteral("frmPubSMTP"), [] { return new corvane::frmPubSMTP; });
@@ -187,10 +187,18 @@ public:
     EncodingWindow window;
     std::function<void()> help;
     QList<QAction *> macroItems;
-    int refills = 0; ///< how often the main window's boxes were filled
+    int refills = 0;                ///< how often the main window's boxes were filled
+    std::function<void()> refilled; ///< runs at each time
     quillon::FormRegistry forms;
 
 private:
+    void refill()
+    {
+        ++refills;
+        if (refilled) {
+            refilled();
+        }
+    }
     [[nodiscard]] QString encodingName() const
     {
         const QString code = tree.globals.settings.other[corvane::Encoding];
