@@ -137,8 +137,9 @@ class Stage:
     def display(self):
         """Starts a virtual display with a window manager on it."""
         reader, writer = os.pipe()
-        server = self.start("xvfb", ["Xvfb", "-displayfd", str(writer), "-screen", "0", SCREEN, "-nolisten", "tcp"],
-                            pass_fds=[writer])
+        # A server that starts afresh when its last client goes would turn away whoever comes at that moment.
+        server = self.start("xvfb", ["Xvfb", "-displayfd", str(writer), "-screen", "0", SCREEN, "-nolisten", "tcp",
+                                     "-noreset"], pass_fds=[writer])
         os.close(writer)
         with os.fdopen(reader) as pipe:
             number = pipe.readline().strip()  # comes when the display stands, empty if the server gave up
@@ -156,11 +157,14 @@ class Stage:
                          tray).split()[0]
 
     def geometry(self, window):
-        """Left, top, width and height of a window in pixels."""
-        facts = dict(line.split("=") for line in (self.xdotool("getwindowgeometry", "--shell", window) or "").split())
-        if "HEIGHT" not in facts:
+        """Left, top, width and height of what a window holds, without its frame, in pixels of the display."""
+        done = subprocess.run(["xwininfo", "-id", window], env=self.environment, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, check=False)
+        found = [re.search(rf"^ *{fact}: +(-?\d+)$", done.stdout, re.MULTILINE)
+                 for fact in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")]
+        if None in found:
             raise StageError(f"no window {window}")
-        return tuple(int(facts[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
+        return tuple(int(match.group(1)) for match in found)
 
     def click(self, window, x, y, button=1):
         """Clicks into a window, at pixels from its corner."""
@@ -221,9 +225,10 @@ class Stage:
             if line and self.xdotool("type", "--clearmodifiers", "--delay", "2", "--", line) is None:
                 raise StageError("could not type")
 
-    def picture(self, path):
-        """A picture of the whole display."""
-        subprocess.run(["scrot", "--overwrite", "--silent", path], env=self.environment, check=True,
+    def picture(self, path, part=None):
+        """A picture of the whole display, or of a part of it: left, top, width and height in pixels."""
+        only = [] if part is None else ["--autoselect", ",".join(map(str, part))]
+        subprocess.run(["scrot", "--overwrite", "--silent", *only, path], env=self.environment, check=True,
                        stdin=subprocess.DEVNULL)
 
     def settled_picture(self, path):

@@ -67,15 +67,19 @@ def wait_until_gone(stage, child, title):
 def press_for_box(stage, child, *keys):
     """Presses keys that make one message box come, and gives it the keyboard; returns its window. The splash bears the
     title of the boxes too while the question about the account stands."""
-    before = stage.windows(child.pid, stages.BOX_TITLE)
+    before = boxes(stage, child)
     stage.press(*keys)
     return new_box(stage, child, before)
 
 
-def new_box(stage, child, before=()):
+def boxes(stage, child):
+    return stage.windows(child.pid, stages.BOX_TITLE)
+
+
+def new_box(stage, child, before):
     """Waits for a message box that is not among those before, and gives it the keyboard; returns its window."""
     def new():
-        return [box for box in stage.windows(child.pid, stages.BOX_TITLE) if box not in before]
+        return [box for box in boxes(stage, child) if box not in before]
     box = stage.wait("a message box", new, child)[0]
     stage.focus(box, child)
     return box
@@ -84,7 +88,7 @@ def new_box(stage, child, before=()):
 def answer_box(stage, child, box, key="Return"):
     """Answers a box and waits until it has gone."""
     stage.press(key)
-    stage.wait("the box to go", lambda: box not in stage.windows(child.pid, stages.BOX_TITLE), child)
+    stage.wait("the box to go", lambda: box not in boxes(stage, child), child)
 
 
 def sender_of(path):
