@@ -26,6 +26,8 @@ private Q_SLOTS:
     void saveAndAddWhileEditingReplacesTheRecordAgain();
     void copyNeedsAChange_data() { addTabs(); }
     void copyNeedsAChange();
+    void aCopyHasAllFieldsOfItsRecord_data();
+    void aCopyHasAllFieldsOfItsRecord();
     void closedDialogChangesNothing_data() { addTabs(); }
     void closedDialogChangesNothing();
 
@@ -189,6 +191,35 @@ void TestOptionLists::copyNeedsAChange()
     QCOMPARE(bench.file(), octetsOf(bench.facts.kind.records + QStringList{bench.lines().last()}));
     QVERIFY(bench.lines().last().contains(u"new.example"_s));
     QCOMPARE(bench.bold(), QStringList{bench.firstCell(bench.facts.kind.records[0])});
+}
+
+void TestOptionLists::aCopyHasAllFieldsOfItsRecord_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("box");
+    QTest::addColumn<int>("field");
+    QTest::newRow("proxies") << u"proxies"_s << u"txt(0)"_s << 1;
+    QTest::newRow("accounts") << u"accounts"_s << u"txt(5)"_s << 7;
+    QTest::newRow("senders") << u"senders"_s << u"txtEmail"_s << 1;
+}
+
+void TestOptionLists::aCopyHasAllFieldsOfItsRecord()
+{
+    QFETCH(QString, box);
+    QFETCH(int, field);
+    ListBench bench(kindOfRow());
+    bench.startAll();
+    bench.inDialog([&] {
+        bench.enter({{box, u"dora@new.example"_s}});
+        if (QLineEdit *receipt = bench.box(u"txt(7)"_s)) {
+            receipt->clear(); // it follows the sender's address, and the record has none
+        }
+        bench.saveAndClose();
+    });
+    bench.press(bench.facts.copy);
+    QStringList fields = bench.facts.kind.records[0].split(u'\t');
+    fields[field] = u"dora@new.example"_s;
+    QCOMPARE(bench.file(), octetsOf(bench.facts.kind.records + QStringList{fields.join(u'\t')}));
 }
 
 void TestOptionLists::closedDialogChangesNothing()
