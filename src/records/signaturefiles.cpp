@@ -5,6 +5,7 @@
 
 #include <QDirIterator>
 #include <QFile>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <cstring>
@@ -141,6 +142,24 @@ void SignatureFiles::remove(const QString &name) const
     }
 }
 
+bool SignatureFiles::setAside(const QString &name) const
+{
+    const QString left = present(name);
+    const auto entry = entryAt(left);
+    if (!entry || m_own.contains(QFileInfo(left).fileName())) {
+        return !entry;
+    }
+    if (entry->st_size == 0) {
+        return ::unlink(QFile::encodeName(left).constData()) == 0;
+    }
+    for (int number = 1;; ++number) {
+        const QString aside = m_folder + u"/left_%1.dll"_s.arg(number);
+        if (!entryAt(aside)) {
+            return move(left, aside);
+        }
+    }
+}
+
 void SignatureFiles::removeAllThatBeginWith(const QString &name) const
 {
     remove(name);
@@ -189,7 +208,7 @@ bool SignatureFiles::Move::makeRoom(const SignatureFiles &files, const QString &
             return false; // a file system that knows no case gives both names one file
         }
     }
-    return ::unlink(QFile::encodeName(m_to).constData()) == 0;
+    return files.setAside(newName);
 }
 
 void SignatureFiles::Move::finish() const

@@ -27,6 +27,9 @@ public:
     /// Writes the text of that signature, whole or not at all; true when it then stands there.
     bool write(const QString &name, const QByteArray &octets) const;
     void remove(const QString &name) const;
+    /// Takes what stands in the place of @p name, and belongs to no signature, out of the way of a new one: a text goes
+    /// on under a name of its own in the folder, an empty file is deleted. False when it could not.
+    [[nodiscard]] bool setAside(const QString &name) const;
     /// Deletes all stored texts whose names begin with this one, and this one's.
     void removeAllThatBeginWith(const QString &name) const;
 
@@ -34,7 +37,7 @@ public:
     /// moment the text stands at least under the name that signs.dll holds.
     class Move {
     public:
-        /// Puts the text of @p name in the place of @p newName too. What stands there without a signature goes.
+        /// Puts the text of @p name in the place of @p newName too. What stands there without a signature is set aside.
         Move(const SignatureFiles &files, const QString &name, const QString &newName);
         /// signs.dll holds the new name.
         void finish() const;

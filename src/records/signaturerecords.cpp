@@ -82,19 +82,23 @@ std::optional<QByteArray> textOctets(const QString &path, qint64 limit)
     return octets;
 }
 
-void add(const ApplicationGlobals &globals, const QString &typed, const QString &path,
+bool add(const ApplicationGlobals &globals, const QString &typed, const QString &path,
          const std::optional<QByteArray> &text)
 {
     const QString name = signatureNameOf(typed);
     const Signatures present(globals);
     if (name.isEmpty() || !present.lines.readable()) {
         quillon::reportFault(u"cannot add the signature '"_s + typed + u'\'');
-        return;
+        return false;
+    }
+    if (!present.names.contains(name) && !present.files.setAside(name)) {
+        return false; // the text of an earlier signature is still in its place
     }
     if (text) {
         present.files.write(name, *text); // where there can be none, the signature stands without it
     }
     globals.lines.AppendLine(globals.paths.signsFile, recordLine({name, path}));
+    return globals.lines.LineExists(globals.paths.signsFile, recordLine({name, path}));
 }
 
 /// Stores a text unless it is what stands there. False when it could not be stored, though there is a place for it.
@@ -110,7 +114,7 @@ bool storeText(const SignatureFiles &files, const QString &name, const QString &
     return files.write(name, octets) || files.target(name).isEmpty();
 }
 
-void modify(const ApplicationGlobals &globals, const QString &given, const QString &text, const QString &givenPath)
+bool modify(const ApplicationGlobals &globals, const QString &given, const QString &text, const QString &givenPath)
 {
     Signatures present(globals);
     const QString name = present.key(given);
@@ -118,30 +122,34 @@ void modify(const ApplicationGlobals &globals, const QString &given, const QStri
     const bool known = present.names.contains(name);
     if (!present.lines.readable() || (name.isEmpty() && !known) || (path.isEmpty() && !givenPath.isEmpty())) {
         quillon::reportFault(u"cannot change the signature '"_s + given + u'\'');
-        return;
+        return false;
     }
     if (path.isEmpty() && !storeText(present.files, name, text)) {
-        return;
+        return false;
     }
     present.removeLines({name});
     present.lines.append(name + u'\t' + path);
-    if (present.lines.saveIfChanged() && !path.isEmpty()) {
+    if (!present.lines.saveIfChanged()) {
+        return false;
+    }
+    if (!path.isEmpty()) {
         present.files.removeAllThatBeginWith(name);
     }
+    return true;
 }
 
-void rename(const ApplicationGlobals &globals, const QString &given, const QString &typed)
+bool rename(const ApplicationGlobals &globals, const QString &given, const QString &typed)
 {
     Signatures present(globals);
     const QString name = present.key(given);
     const QString newName = signatureNameOf(typed);
     const qsizetype index = present.names.indexOf(name);
     if (index < 0 || newName == name) {
-        return;
+        return index >= 0;
     }
     if (newName.isEmpty() || present.names.contains(newName)) {
         quillon::reportFault(u"cannot rename the signature '"_s + name + u"' to '"_s + newName + u'\'');
-        return;
+        return false;
     }
     const QString path = recordField(present.lines.at(index), SignaturePath);
     const bool stored = !present.files.present(name).isEmpty();
@@ -151,12 +159,13 @@ void rename(const ApplicationGlobals &globals, const QString &given, const QStri
     const SignatureFiles::Move text(present.files, name, newName);
     if (!present.lines.save()) {
         text.takeBack();
-        return;
+        return false;
     }
     text.finish();
     if (!stored && !path.trimmed().isEmpty() && !present.names.contains(newName, Qt::CaseInsensitive)) {
         present.files.remove(newName); // a text that was left there would be taken for the signature's
     }
+    return true;
 }
 
 void clear(const ApplicationGlobals &globals)
@@ -210,20 +219,24 @@ QString signatureFile(const ApplicationGlobals &globals, const QString &name)
     return SignatureFiles(globals.paths.signs, {}).target(name);
 }
 
-void SaveSignatureRecord(const ApplicationGlobals &globals, const QString &mode, const QString &name,
+bool SaveSignatureRecord(const ApplicationGlobals &globals, const QString &mode, const QString &name,
                          const QString &newName, const QString &text, const QString &path)
 {
     if (mode == "A"_L1) {
-        add(globals, newName, path, text.isEmpty() ? std::nullopt : std::optional(octetsOf(text)));
-    } else if (mode == "M"_L1) {
-        modify(globals, name, text, path);
-    } else if (mode == "D"_L1) {
+        return add(globals, newName, path, text.isEmpty() ? std::nullopt : std::optional(octetsOf(text)));
+    }
+    if (mode == "M"_L1) {
+        return modify(globals, name, text, path);
+    }
+    if (mode == "R"_L1) {
+        return rename(globals, name, newName);
+    }
+    if (mode == "D"_L1) {
         deleteSignatures(globals, {name});
-    } else if (mode == "R"_L1) {
-        rename(globals, name, newName);
     } else if (mode == "C"_L1) {
         clear(globals);
     }
+    return true;
 }
 
 void addSignature(const ApplicationGlobals &globals, const QString &name)
@@ -255,6 +268,7 @@ SignatureContent signatureContent(const ApplicationGlobals &globals, const QStri
     SignatureContent content;
     const std::optional<QString> path = present.path(name);
     content.found = path.has_value();
+    content.readable = present.lines.readable();
     if (!content.found) {
         return content;
     }

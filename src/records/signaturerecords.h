@@ -37,7 +37,8 @@ inline constexpr qint64 signatureTextLimit = 16 * 1024 * 1024;
 /// Each change of signs.dll is one rewrite, and one that would change nothing is left out, of the text's file as well.
 /// A stored text goes only when signs.dll says that it is no longer there, so that a kill at any moment loses no more
 /// than this change. A text that cannot be read is not written over. Failures are faults; another mode changes nothing.
-void SaveSignatureRecord(const ApplicationGlobals &globals, const QString &mode, const QString &name,
+/// True unless signs.dll could not be changed as told.
+bool SaveSignatureRecord(const ApplicationGlobals &globals, const QString &mode, const QString &name,
                          const QString &newName, const QString &text, const QString &path);
 
 /// Adds a signature with an empty text file, which replaces one that a deleted signature may have left.

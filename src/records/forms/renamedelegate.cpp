@@ -1,5 +1,6 @@
 #include "records/forms/renamedelegate.h"
 
+#include <QKeyEvent>
 #include <QLineEdit>
 
 namespace corvane {
@@ -13,6 +14,21 @@ void RenameDelegate::setModelData(QWidget *editor, QAbstractItemModel *model, co
     // Later: a box shown from here would take the focus from the editor, which would hand over the text once more.
     QMetaObject::invokeMethod(
         const_cast<RenameDelegate *>(this), [this, row, text] { Q_EMIT edited(row, text); }, Qt::QueuedConnection);
+}
+
+bool RenameDelegate::eventFilter(QObject *editor, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        auto *widget = qobject_cast<QWidget *>(editor);
+        if (widget && (key == Qt::Key_Tab || key == Qt::Key_Backtab)) {
+            // These keys would go on to edit the next row's name.
+            Q_EMIT commitData(widget);
+            Q_EMIT closeEditor(widget);
+            return true;
+        }
+    }
+    return QStyledItemDelegate::eventFilter(editor, event);
 }
 
 } // namespace corvane

@@ -14,6 +14,7 @@ public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
     void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override;
+    bool eventFilter(QObject *editor, QEvent *event) override;
 
 Q_SIGNALS:
     void edited(const QPersistentModelIndex &index, const QString &text) const;

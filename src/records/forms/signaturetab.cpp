@@ -2,12 +2,14 @@
 
 #include "core/texts.h"
 #include "quillon/forms/arraynames.h"
+#include "quillon/forms/boxtext.h"
 #include "records/accountrecords.h"
 #include "records/forms/fieldboxes.h"
 #include "records/forms/renamedelegate.h"
 #include "records/signaturerecords.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QLineEdit>
@@ -62,6 +64,8 @@ SignatureTab::SignatureTab(QWidget *form, RecordList &list, ApplicationGlobals &
 void SignatureTab::connectControls()
 {
     connect(&m_list.selection(), &QItemSelectionModel::currentRowChanged, this, &SignatureTab::show);
+    // Also the present row's: its text comes back when the box was emptied, which is not kept.
+    connect(m_view, &QTreeView::clicked, this, &SignatureTab::show);
     connect(&m_list.model(), &RecordModel::modelReset, this, &SignatureTab::show);
     connect(&m_list, &RecordList::emptied, this, &SignatureTab::emptied);
     connect(m_opt[Text], &QRadioButton::toggled, this, &SignatureTab::enableKind);
@@ -125,9 +129,9 @@ void SignatureTab::kindChosen()
 
 void SignatureTab::textChanged()
 {
-    const QString text = m_text->toPlainText();
+    const QString text = quillon::textOf(m_text);
     if (!m_showing && m_writable && !text.trimmed().isEmpty()) {
-        SaveSignatureRecord(m_globals, u"M"_s, name(), {}, QString(text).replace(u"\n"_s, u"\r\n"_s), {});
+        SaveSignatureRecord(m_globals, u"M"_s, name(), {}, text, {});
     }
 }
 
@@ -146,8 +150,9 @@ void SignatureTab::pathChanged(const QString &path)
 
 void SignatureTab::add()
 {
+    // A text that cannot be shown is no unfinished one.
     if (!m_list.isEmpty() && m_path->text().trimmed().isEmpty() && m_text->toPlainText().trimmed().isEmpty() &&
-        !m_text->isReadOnly()) {
+        m_writable) {
         showMessage(u"NEED_TEXT"_s, quillon::WarningBox);
         kind() == Text ? m_text->setFocus() : m_path->setFocus();
         return;
@@ -166,6 +171,12 @@ void SignatureTab::rename()
         m_view->setFocus();
         m_view->edit(m_list.model().index(m_list.present(), 0));
     }
+}
+
+bool SignatureTab::isRenaming() const
+{
+    const QWidget *focus = QApplication::focusWidget();
+    return focus && focus != m_view && m_view->isAncestorOf(focus);
 }
 
 void SignatureTab::finishRename()
@@ -192,7 +203,9 @@ void SignatureTab::renamed(const QPersistentModelIndex &index, const QString &ty
         refuseName(index, u"SENDER_EXISTS", next);
     } else {
         const bool standard = m_globals.settings.signature[SignatureDefault] == old;
-        SaveSignatureRecord(m_globals, u"R"_s, old, next, {}, {});
+        if (!SaveSignatureRecord(m_globals, u"R"_s, old, next, {}, {})) {
+            return; // the list goes on to say what the file says
+        }
         m_list.model().replace(index.row(), next);
         show();
         if (standard) {
@@ -206,6 +219,7 @@ void SignatureTab::refuseName(const QPersistentModelIndex &index, const char16_t
 {
     showMessage(QString::fromUtf16(key), quillon::WarningBox, value);
     if (index.isValid() && !m_finishing) {
+        m_list.select(index.row());
         m_view->edit(index);
     }
 }

@@ -35,6 +35,8 @@ public:
     void rename();
     /// Takes the name that is being edited, if one is, since the form closes.
     void finishRename();
+    /// Whether a name is being edited in place.
+    [[nodiscard]] bool isRenaming() const;
     /// Selects all of the text box.
     void selectAllText();
 
@@ -44,7 +46,6 @@ private:
     void connectControls();
     /// Shows the present row's signature.
     void show();
-    void showEmpty();
     void choose(Kind kind);
     void enableKind();
     void kindChosen();
