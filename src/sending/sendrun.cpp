@@ -58,8 +58,7 @@ void SendRun::carryOut(const RunValues &values)
     m_window.setStatusText(QString::fromUtf16(sendingText));
 
     const QString accountRecord = FindSmtpRecord(m_globals, values.account.trimmed());
-    const QString proxyRecord = proxyInUse(m_globals) ? m_globals.settings.proxy[ProxyDefault] : QString();
-    const bool connected = connectTransport(accountRecord, proxyRecord);
+    const bool connected = connectTransport(accountRecord);
     if (m_abandoned) {
         return;
     }
@@ -76,7 +75,7 @@ void SendRun::carryOut(const RunValues &values)
         if (m_abandoned) {
             return;
         }
-        const Delivery delivery{values, log, accountRecord, proxyRecord, message};
+        const Delivery delivery{values, log, accountRecord, message};
         values.oneByOne ? deliverOneByOne(delivery) : deliverToAll(delivery);
     } else {
         reportFailedConnection(accountRecord, log);
@@ -86,8 +85,11 @@ void SendRun::carryOut(const RunValues &values)
     }
 }
 
-bool SendRun::connectTransport(const QString &accountRecord, const QString &proxyRecord)
+bool SendRun::connectTransport(const QString &accountRecord)
 {
+    // Looked up for each connection, together with the flag: one that was turned on between two mails of a run must
+    // not find an empty record, which would lead around the proxy.
+    const QString proxyRecord = proxyInUse(m_globals) ? m_globals.settings.proxy[ProxyDefault] : QString();
     return ConnectTransport(m_globals, accountRecord, proxyRecord,
                             {[this](const QString &text) { transportFailed(text); },
                              [this](const QString &text) { transportProgressed(text); }},
@@ -125,7 +127,7 @@ void SendRun::deliverOneByOne(const Delivery &delivery)
 {
     sendOneByOne(delivery.message, {m_globals, m_window, m_progress, delivery.values, delivery.log},
                  {[this] { m_transport->Quit(); },
-                  [&] { connectTransport(delivery.accountRecord, delivery.proxyRecord); },
+                  [&] { connectTransport(delivery.accountRecord); },
                   [this](const quillon::MailMessage &message) { return m_transport->Send(message); },
                   [this] { return m_abandoned; }});
 }

@@ -37,12 +37,11 @@ private:
         const RunValues &values;
         const SendingLog &log;
         const QString &accountRecord;
-        const QString &proxyRecord;
         quillon::MailMessage &message;
     };
 
     void carryOut(const RunValues &values);
-    bool connectTransport(const QString &accountRecord, const QString &proxyRecord);
+    bool connectTransport(const QString &accountRecord);
     void reportFailedConnection(const QString &accountRecord, const SendingLog &log) const;
     void deliverToAll(const Delivery &delivery);
     void deliverOneByOne(const Delivery &delivery);
