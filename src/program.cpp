@@ -3,6 +3,7 @@
 #include "composer/frmpubmain.h"
 #include "core/forms/frmpubsplash.h"
 #include "core/launcher.h"
+#include "core/site.h"
 #include "core/texts.h"
 #include "macros/forms/frmpubmacro.h"
 #include "macros/forms/frmpubmacrodetail.h"
@@ -33,6 +34,7 @@ namespace {
 
 constexpr int accountsTab = 1;
 constexpr int closeMessage = 16;
+constexpr int maximised = 3;
 
 const QString splashForm = u"frmPubSplash"_s;
 const QString progressForm = u"frmPubProgress"_s;
@@ -71,9 +73,9 @@ void Program::addForms()
     });
     m_forms.add(optionsForm,
                 [this] { return new frmPubOptions(m_globals, m_main->message(), m_forms, optionsHooks()); });
-    m_forms.add(u"frmPubSMTP"_s, [] { return new frmPubSMTP; });
-    m_forms.add(u"frmPubProxy"_s, [] { return new frmPubProxy; });
-    m_forms.add(u"frmPubSender"_s, [] { return new frmPubSender; });
+    m_forms.add(u"frmPubSMTP"_s, [this] { return new frmPubSMTP(helpOn(u"smtp-editor.htm"_s)); });
+    m_forms.add(u"frmPubProxy"_s, [this] { return new frmPubProxy(helpOn(u"proxy-editor.htm"_s)); });
+    m_forms.add(u"frmPubSender"_s, [this] { return new frmPubSender(helpOn(u"sender-editor.htm"_s)); });
     m_forms.add(u"frmPubMacro"_s, [this] {
         return new frmPubMacro(m_globals, m_forms, {[this] { loadMacroMenu(); }, {}});
     });
@@ -146,7 +148,16 @@ OptionsHooks Program::optionsHooks()
     hooks.refillMainWindow = [this] { refillMainWindow(); };
     hooks.encodingName = [this] { return m_main->EncodingDisplayName(); };
     hooks.macroItems = [this] { return m_main->findChild<QMenu *>(u"menim"_s)->actions(); };
+    hooks.help = helpOn(u"options.htm"_s);
     return hooks;
+}
+
+std::function<void()> Program::helpOn(const QString &page) const
+{
+    return [this, page] {
+        const Site site = readSite(m_globals.programFolder);
+        m_globals.system.OpenTarget(site.address + u"help/manual/"_s + page, maximised);
+    };
 }
 
 void Program::loadMacroMenu()
@@ -195,7 +206,12 @@ bool Program::showProgress()
 void Program::exit(bool stopScheduler)
 {
     exitProgram(m_globals, stopScheduler,
-                {[] { return false; }, [] {}, [this](const QString &form) { m_forms.unload(form); },
+                {[] { return false; }, [] {},
+                 [this](const QString &form) {
+                     // From here on nobody is asked, also not by a form that closes.
+                     quillon::setPrompts(&m_silence);
+                     m_forms.unload(form);
+                 },
                  [this] { closeHelp(); }, [this] { m_tray->takeDown(); }, [this] { end(); }});
 }
 

@@ -12,6 +12,7 @@
 #include <QObject>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 namespace corvane {
@@ -43,6 +44,8 @@ private:
     /// The main window's boxes and menus of accounts, senders and signatures, without marking a change.
     void refillMainWindow();
     [[nodiscard]] OptionsHooks optionsHooks();
+    /// Opens a page of the manual on the site.
+    [[nodiscard]] std::function<void()> helpOn(const QString &page) const;
     void showForm(const QString &form, int tab);
     bool insertIntoSignature(const QString &macro);
     bool showProgress();

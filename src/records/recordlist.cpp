@@ -79,8 +79,8 @@ void RecordList::clear()
 
 void RecordList::makeDefault()
 {
-    if (present() >= 0 && !m_model.isMarked(present())) {
-        storeAsDefault(present());
+    if (const int row = selected(); row >= 0 && !m_model.isMarked(row)) {
+        storeAsDefault(row);
     }
 }
 
@@ -92,6 +92,19 @@ bool RecordList::taken(const QString &line, bool editing) const
         }
     }
     return false;
+}
+
+int RecordList::selected() const
+{
+    if (m_selection.isRowSelected(present())) {
+        return present();
+    }
+    int first = -1;
+    const QModelIndexList rows = m_selection.selectedRows();
+    for (const QModelIndex &index : rows) {
+        first = first < 0 ? index.row() : qMin(first, index.row());
+    }
+    return first;
 }
 
 void RecordList::select(int row)

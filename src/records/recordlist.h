@@ -41,7 +41,10 @@ public:
     [[nodiscard]] bool taken(const QString &line, bool editing) const;
 
     [[nodiscard]] bool isEmpty() const { return m_model.rowCount() == 0; }
-    [[nodiscard]] bool hasSelection() const { return m_selection.hasSelection(); }
+    /// Index of the row that is acted on where one must be selected: the present one, or else the first selected one;
+    /// -1 without a selection.
+    [[nodiscard]] int selected() const;
+    [[nodiscard]] QString selectedLine() const { return m_model.line(selected()); }
     /// Index of the present row, or -1.
     [[nodiscard]] int present() const { return m_selection.currentIndex().row(); }
     [[nodiscard]] QString presentLine() const { return m_model.line(present()); }

@@ -12,12 +12,14 @@ namespace {
 using Field = MessageWindow::Field;
 
 /// A box whose list is filled anew keeps the text that it showed. It is put back as a pick would: behind the same
-/// address there may be another record by now.
+/// address there may be another record by now. No text is no pick.
 void replaceList(MessageWindow &window, Field field, const QStringList &entries)
 {
     const QString shown = window.text(field);
     window.setList(field, entries);
-    window.setText(field, shown);
+    if (!shown.isEmpty()) {
+        window.setText(field, shown);
+    }
 }
 
 } // namespace

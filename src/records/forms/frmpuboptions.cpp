@@ -17,6 +17,7 @@
 
 #include <QAbstractButton>
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QMenu>
 #include <QPointer>
 #include <QStyle>
@@ -70,6 +71,15 @@ const std::array tabKeys = {
     TabKey{frmPubOptions::SignaturesTab, Qt::ALT | Qt::Key_R, u"sbtSign(1)"},
     TabKey{frmPubOptions::SignaturesTab, Qt::ALT | Qt::Key_U, u"sbtSign(4)"},
     TabKey{frmPubOptions::SignaturesTab, Qt::ALT | Qt::Key_M, u"sbtSign(7)"},
+};
+
+/// The hourglass, while it lives: a form's own cursor does not show while the form is disabled.
+class WaitPointer {
+public:
+    WaitPointer() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitPointer() { QGuiApplication::restoreOverrideCursor(); }
+    WaitPointer(const WaitPointer &) = delete;
+    WaitPointer &operator=(const WaitPointer &) = delete;
 };
 
 RecordButtons buttonsOf(const QWidget *form, const QString &group, const ButtonOrder &order)
@@ -128,8 +138,8 @@ void frmPubOptions::makeTabs()
     tab(m_senders, u"lsv(0)"_s, u"sbtSender"_s, senderOrder, dialog(u"frmPubSender"_s));
     tab(m_signatures, u"lsv(1)"_s, u"sbtSign"_s, signatureOrder, {});
     m_signatureTab = new SignatureTab(this, m_signatures, m_globals, m_hooks.macroItems);
-    m_settings = new SettingsTab(
-        this, {m_hooks.encodingName, [this](const QString &displayName) { return codeOfEncoding(displayName); }});
+    m_settings = new SettingsTab(this, {m_hooks.encodingName ? m_hooks.encodingName : [] { return QString(); },
+                                        [this](const QString &displayName) { return codeOfEncoding(displayName); }});
 }
 
 void frmPubOptions::makePresetMenu(RecordTab *accounts)
@@ -171,11 +181,15 @@ void frmPubOptions::addKeys()
     const auto onTab = [this](int tab) { return [this, tab] { return m_ui->sst->currentIndex() == tab; }; };
     for (const TabKey &line : tabKeys) {
         auto *button = findChild<QAbstractButton *>(QString::fromUtf16(line.button));
-        keys->on(
-            line.key, [button] { button->click(); }, onTab(line.tab));
+        const auto press = [this, button] {
+            m_signatureTab->finishRename();
+            button->click();
+        };
+        keys->on(line.key, press, onTab(line.tab));
     }
     keys->on(
-        Qt::CTRL | Qt::Key_A, [this] { m_signatureTab->selectAllText(); }, onTab(SignaturesTab));
+        Qt::CTRL | Qt::Key_A, [this] { m_signatureTab->selectAllText(); },
+        [this] { return m_ui->sst->currentIndex() == SignaturesTab && !m_signatureTab->isRenaming(); });
     keys->on(
         Qt::Key_F2, [this] { m_signatureTab->rename(); },
         [this] { return findChild<QWidget *>(u"lsv(1)"_s)->hasFocus(); });
@@ -239,11 +253,11 @@ void frmPubOptions::test()
 {
     const bool ofAccount = m_ui->sst->currentIndex() == AccountTab;
     const RecordList &list = ofAccount ? m_accounts : m_proxies;
-    if (!list.hasSelection()) {
+    if (list.selected() < 0) {
         showMessage(ofAccount ? u"NEED_SMTP_T"_s : u"NEED_PROXY_T"_s, quillon::InformationBox);
         return;
     }
-    const QString line = list.presentLine();
+    const QString line = list.selectedLine();
     if (!ofAccount) {
         const Site site = readSite(m_globals.programFolder);
         showTest(u"CONN_PROXY"_s, [&](QString &reason) { return TestProxyConnection(line, site, &reason); });
@@ -262,6 +276,7 @@ void frmPubOptions::showTest(const QString &key, const std::function<bool(QStrin
 {
     auto *status = findChild<QLabel *>(u"lbl(14)"_s);
     m_ui->lblReason->clear();
+    m_ui->lblReason->setToolTip({});
     status->setText(LookupText(key));
     setCursor(Qt::WaitCursor);
     const QPointer<QWidget> focus = focusWidget(); // a form that is disabled loses it
@@ -270,12 +285,17 @@ void frmPubOptions::showTest(const QString &key, const std::function<bool(QStrin
     const QPointer<frmPubOptions> alive = this;
 
     QString reason;
-    const bool connected = connects(reason);
+    bool connected = false;
+    {
+        const WaitPointer hourglass;
+        connected = connects(reason);
+    }
     if (!alive || property(quillon::unloadedProperty).toBool()) {
         return; // the program's exit has closed the form meanwhile
     }
     m_testing = false;
     m_ui->lblReason->setText(reason);
+    m_ui->lblReason->setToolTip(reason); // a long word is cut off at the end of the form
     showMessage(key + (connected ? u"_SUCC"_s : u"_UNSU"_s), connected ? quillon::InformationBox : quillon::WarningBox);
     status->clear();
     unsetCursor();

@@ -5,6 +5,7 @@
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QRegularExpressionValidator>
+#include <QTabWidget>
 
 #include <utility>
 
@@ -19,6 +20,18 @@ bool writesNoDigit(const QKeyEvent *key)
 {
     const QString text = key->text();
     return !text.isEmpty() && text.front().isPrint() && (text.front() < u'0' || text.front() > u'9');
+}
+
+/// Brings the tab of a control to the front, where the focus had gone to another tab.
+void showPageOf(QWidget *control)
+{
+    for (QWidget *page = control; page; page = page->parentWidget()) {
+        QWidget *stack = page->parentWidget();
+        auto *tabs = stack ? qobject_cast<QTabWidget *>(stack->parentWidget()) : nullptr;
+        if (tabs && tabs->indexOf(page) >= 0) {
+            tabs->setCurrentWidget(page);
+        }
+    }
 }
 
 } // namespace
@@ -61,6 +74,7 @@ void NumberFields::check(const Field &field)
     // Giving the focus back takes it from another box, which is not checked for that.
     m_checking = true;
     showMessage(QString::fromUtf16(field.message), quillon::InformationBox);
+    showPageOf(field.box);
     field.box->setFocus();
     m_checking = false;
 }
