@@ -33,6 +33,10 @@ private Q_SLOTS:
     void defaultButtonMarksThePresentRowAlone();
     void defaultButtonOnTheDefaultWritesNothing_data() { addKinds(true); }
     void defaultButtonOnTheDefaultWritesNothing();
+    void defaultButtonWithoutASelectedRowDoesNothing_data() { addKinds(true); }
+    void defaultButtonWithoutASelectedRowDoesNothing();
+    void defaultButtonTakesTheFirstSelectedRowIfThePresentOneIsNot_data() { addKinds(true); }
+    void defaultButtonTakesTheFirstSelectedRowIfThePresentOneIsNot();
     void defaultButtonOfAnEmptyListDoesNothing_data() { addKinds(true); }
     void defaultButtonOfAnEmptyListDoesNothing();
 
@@ -207,6 +211,29 @@ void TestRecordList::defaultButtonOnTheDefaultWritesNothing()
     f.list->select(1);
     f.list->makeDefault();
     QCOMPARE(rewrites.count(), 1);
+}
+
+void TestRecordList::defaultButtonWithoutASelectedRowDoesNothing()
+{
+    RecordFixture f(kindOfRow());
+    f.loadAll(0);
+    f.select({2});
+    f.list->selection().clearSelection(); // row 2 stays the present one
+    f.list->makeDefault();
+    QCOMPARE(f.marked(), QList<int>{0});
+    f.verifyDefault(f.facts.records[0]);
+}
+
+void TestRecordList::defaultButtonTakesTheFirstSelectedRowIfThePresentOneIsNot()
+{
+    RecordFixture f(kindOfRow());
+    f.loadAll(0);
+    f.select({2, 1, 0});
+    f.list->selection().select(f.model().index(0, 0), QItemSelectionModel::Deselect | QItemSelectionModel::Rows);
+    QCOMPARE(f.list->present(), 0);
+    f.list->makeDefault();
+    QCOMPARE(f.marked(), QList<int>{1});
+    f.verifyDefault(f.facts.records[1]);
 }
 
 void TestRecordList::defaultButtonOfAnEmptyListDoesNothing()
