@@ -35,10 +35,10 @@ protected:
         return files;
     }
 
-    void save(const QString &mode, const QString &name, const QString &newName, const QString &text = {},
+    bool save(const QString &mode, const QString &name, const QString &newName, const QString &text = {},
               const QString &path = {}) const
     {
-        corvane::SaveSignatureRecord(globals(), mode, name, newName, text, path);
+        return corvane::SaveSignatureRecord(globals(), mode, name, newName, text, path);
     }
     void modify(const QString &name, const QString &text, const QString &path = {}) const
     {

@@ -34,7 +34,9 @@ private Q_SLOTS:
     void renameKeepsThePlaceAndMovesTheText();
     void renameKeepsThePathOfAFileSignature();
     void renameToAnotherCaseKeepsTheText();
-    void renameReplacesATextThatWasLeftBehind();
+    void renameSetsATextAsideThatWasLeftBehind();
+    void aNewSignatureKeepsTheTextThatAnEarlierOneLeft();
+    void aChangeThatCouldNotBeMadeSaysSo();
     void renameToATakenNameChangesNothing();
     void renameThereAndBackOverANameThatNoFileCanHaveKeepsTheText();
     void clearLeavesAnEmptyListAlone();
@@ -215,19 +217,41 @@ void TestSignatureRecords::renameToAnotherCaseKeepsTheText()
     QCOMPARE(stored(u"Work"_s), QByteArray("text"));
 }
 
-void TestSignatureRecords::renameReplacesATextThatWasLeftBehind()
+void TestSignatureRecords::renameSetsATextAsideThatWasLeftBehind()
 {
     setList("a\t\r\n");
     store(u"a"_s, "A");
     store(u"b"_s, "left behind");
     save(u"R"_s, u"a"_s, u"b"_s);
     QCOMPARE(stored(u"b"_s), QByteArray("A"));
-    QCOMPARE(storedFiles(), QStringList{u"sign_b.dll"_s});
+    QCOMPARE(storedFiles(), (QStringList{u"left_1.dll"_s, u"sign_b.dll"_s}));
+    QCOMPARE(contentOf(globals().paths.signs + u"/left_1.dll"_s), QByteArray("left behind"));
     // A text that stands under both names is what a move leaves that was killed half-way.
     QCOMPARE(::link(QFile::encodeName(file(u"b"_s)).constData(), QFile::encodeName(file(u"c"_s)).constData()), 0);
     save(u"R"_s, u"b"_s, u"c"_s);
     QCOMPARE(stored(u"c"_s), QByteArray("A"));
-    QCOMPARE(storedFiles(), QStringList{u"sign_c.dll"_s});
+    QCOMPARE(storedFiles(), (QStringList{u"left_1.dll"_s, u"sign_c.dll"_s}));
+}
+
+void TestSignatureRecords::aNewSignatureKeepsTheTextThatAnEarlierOneLeft()
+{
+    setList("Signature #1\t\r\n");
+    store(u"Signature #1"_s, "the only copy");
+    QVERIFY(save(u"R"_s, u"Signature #1"_s, u"Sales/Support"_s)); // no file can have that name: the text stays
+    corvane::addSignature(globals(), u"Signature #1"_s);
+    QCOMPARE(stored(u"Signature #1"_s), QByteArray(""));
+    QCOMPARE(contentOf(globals().paths.signs + u"/left_1.dll"_s), QByteArray("the only copy"));
+    QCOMPARE(list(), QByteArray("Sales/Support\t\r\nSignature #1\t\r\n"));
+}
+
+void TestSignatureRecords::aChangeThatCouldNotBeMadeSaysSo()
+{
+    QVERIFY(QFile::remove(globals().paths.signsFile));
+    QVERIFY(QDir().mkpath(globals().paths.signsFile)); // unreadable, for root too
+    QVERIFY(!save(u"A"_s, {}, u"a"_s));
+    QVERIFY(!save(u"M"_s, u"a"_s, {}, u"text"_s));
+    QVERIFY(!save(u"R"_s, u"a"_s, u"b"_s));
+    QVERIFY(!corvane::signatureContent(globals(), u"a"_s).readable);
 }
 
 void TestSignatureRecords::renameToATakenNameChangesNothing()
