@@ -57,6 +57,7 @@ private Q_SLOTS:
     void largestCountableRollIsCounted();
     void everyThirdRecipientRefusedIsToldByName();
     void lastConnectionIsEnded();
+    void proxyThatIsTurnedOnBetweenTwoMailsIsNotBypassed();
 
 private:
     void runAndExpect(int total)
@@ -477,6 +478,22 @@ void TestOneByOne::lastConnectionIsEnded()
 {
     runAndExpect(3);
     QTRY_COMPARE(m_server->count("QUIT"), 4);
+}
+
+void TestOneByOne::proxyThatIsTurnedOnBetweenTwoMailsIsNotBypassed()
+{
+    testsupport::ScriptedServer proxy; // no proxy at all, so that what goes through it fails
+    m_bench->progress.afterCounter = [&](const QString &text) {
+        if (text.startsWith(u"Sending 2/"_s)) {
+            const QString line = u"Socks5\t127.0.0.1\t%1\tN\t\t\t/PSEND"_s.arg(proxy.port());
+            corvane::storeSetting(m_bench->tree.globals, u"Proxy Server"_s, u"Default"_s, line);
+            corvane::storeSetting(m_bench->tree.globals, u"Proxy Server"_s, u"Use"_s, u"True"_s);
+        }
+    };
+    ExpectedPrompts asked([](const QString &) {});
+    m_bench->run();
+    QCOMPARE(m_server->Mails.size(), 1);
+    QCOMPARE(proxy.Connections, 2);
 }
 
 QTEST_GUILESS_MAIN(TestOneByOne)
