@@ -1,4 +1,5 @@
 #include "mainfixture.h"
+#include "records/windowlists.h"
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
@@ -18,6 +19,8 @@ private Q_SLOTS:
     void customShowsTheAccountsSenderWithAnEmptyList();
     void aSenderThatBeginsWithABlankGivesWayToTheAccountsAddress();
     void settingAListKeepsTheText();
+    void refillingAnEmptyAccountBoxPicksNoAccount();
+    void refillingFollowsAnAccountThatWasEdited();
 };
 
 void TestAccountFields::pickingAnAccountFillsSenderAndReplyReceiver()
@@ -123,6 +126,28 @@ void TestAccountFields::settingAListKeepsTheText()
     QCOMPARE(main.message().text(Field::Sender), u"typed@example.com"_s);
     QCOMPARE(main.message().list(Field::Sender), QStringList({u"a@example.com"_s, u"b@example.com"_s}));
     QVERIFY(!main.message().pblnChanged);
+}
+
+void TestAccountFields::refillingAnEmptyAccountBoxPicksNoAccount()
+{
+    MainFixture main;
+    // An account without login has empty fields, which an empty text would be found in.
+    writeFile(main.globals().paths.smtpFile, "smtp.example.com\t25\tN\tN\t\t\tAnn\tann@example.com\t\t\t/SAEND\r\n");
+    LoadSmtpLists(main.globals(), main.message());
+    QCOMPARE(main.message().list(Field::Account), QStringList{u"ann@example.com"_s});
+    QCOMPARE(main.message().text(Field::Account), QString());
+    QCOMPARE(main.message().text(Field::Sender), QString());
+    QCOMPARE(main.combo(6)->property("Tag").toString(), QString());
+}
+
+void TestAccountFields::refillingFollowsAnAccountThatWasEdited()
+{
+    MainFixture main([](MainFixture &m) { m.addAccounts(); });
+    main.message().setText(Field::Account, u"ann@example.com"_s);
+    QCOMPARE(main.message().text(Field::Sender), u"Ann Lee <ann@example.com>"_s);
+    writeFile(main.globals().paths.smtpFile, "smtp.example.com\t25\tN\tN\t\t\tAnna\tann@example.com\t\t\t/SAEND\r\n");
+    LoadSmtpLists(main.globals(), main.message());
+    QCOMPARE(main.message().text(Field::Sender), u"Anna <ann@example.com>"_s);
 }
 
 QTEST_MAIN(TestAccountFields)
