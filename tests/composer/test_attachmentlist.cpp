@@ -1,5 +1,6 @@
 #include "mainfixture.h"
 #include "quillon/fault.h"
+#include "support/testopener.h"
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
@@ -178,20 +179,7 @@ void TestAttachmentList::removeAndClearAreChanges()
 
 void TestAttachmentList::openOpensTheSelectedRow()
 {
-    class Opener : public quillon::DesktopOpener {
-    public:
-        Opener() : m_before(quillon::setDesktopOpener(this)) {}
-        ~Opener() override { quillon::setDesktopOpener(m_before); }
-        bool open(const QString &path) override
-        {
-            opened.append(path);
-            return true;
-        }
-        QStringList opened;
-
-    private:
-        quillon::DesktopOpener *m_before;
-    } opener;
+    TestOpener opener;
     MainFixture main;
     const QString a = file(main, u"a"_s);
     addFiles(main, {a});

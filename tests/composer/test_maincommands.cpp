@@ -1,6 +1,7 @@
 #include "composer/commandtable.h"
 #include "composer/contentlayout.h"
 #include "mainfixture.h"
+#include "support/testopener.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -13,26 +14,6 @@ using namespace corvane;
 using Field = MessageWindow::Field;
 
 namespace {
-
-/// Records what is opened instead of opening it.
-class Opener : public quillon::DesktopOpener {
-public:
-    Opener() : m_before(quillon::setDesktopOpener(this)) {}
-    ~Opener() override { quillon::setDesktopOpener(m_before); }
-    Opener(const Opener &) = delete;
-    Opener &operator=(const Opener &) = delete;
-
-    bool open(const QString &pathOrUrl) override
-    {
-        opened.append(pathOrUrl);
-        return true;
-    }
-
-    QStringList opened;
-
-private:
-    quillon::DesktopOpener *m_before;
-};
 
 /// The toolbar button with that caption.
 QAction *tool(const MainFixture &main, const QString &caption)
@@ -377,7 +358,7 @@ void TestMainCommands::clearRecipientsOnNoOrCancelChangesNothing()
 void TestMainCommands::viewLogOpensThisMonthsFile()
 {
     MainFixture main;
-    Opener opener;
+    TestOpener opener;
     const QString log = main.globals().paths.logs + u"/202603.log"_s;
     writeFile(log, "Begin");
     main.item(u"mentv"_s)->trigger();
@@ -388,7 +369,7 @@ void TestMainCommands::viewLogOpensThisMonthsFile()
 void TestMainCommands::viewLogWithoutAFileSaysSo()
 {
     MainFixture main;
-    Opener opener;
+    TestOpener opener;
     writeFile(main.globals().paths.logs + u"/202602.log"_s, "Begin");
     main.prompts.expectBox(u"NO_LOG"_s, 64);
     main.item(u"mentv"_s)->trigger();
@@ -398,7 +379,7 @@ void TestMainCommands::viewLogWithoutAFileSaysSo()
 void TestMainCommands::openLogFolderOpensIt()
 {
     MainFixture main;
-    Opener opener;
+    TestOpener opener;
     main.item(u"mentl"_s)->trigger();
     QCOMPARE(opener.opened.size(), 1);
     QVERIFY2(opener.opened.first().endsWith(u"/logs"_s), qPrintable(opener.opened.first()));

@@ -203,7 +203,9 @@ void frmPubOptions::showTab(int tab)
 
 void frmPubOptions::ShowOptionsTab(int tab)
 {
-    findChild<QWidget *>(u"sbt(15)"_s)->setVisible(tab == ProxyTab || tab == AccountTab);
+    const bool hasTest = tab == ProxyTab || tab == AccountTab;
+    findChild<QWidget *>(u"sbt(15)"_s)->setVisible(hasTest);
+    m_ui->lblReason->setVisible(hasTest); // the other tabs have better use for its lines
     showMnemonicsOfTab(m_ui->sst, tab);
     if (tab == OtherTab) {
         m_ui->lblFontSize->setText(u"F&ont Size"_s);

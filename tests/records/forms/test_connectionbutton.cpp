@@ -74,6 +74,24 @@ private:
         bench.sbt(15)->click();
         QCOMPARE(bench.prompts.leftOver(), QStringList());
     }
+    /// That an account is tested past the proxy in the list.
+    void verifyDirect(bool ticked, bool standard)
+    {
+        ScriptedServer server;
+        ScriptedServer proxy;
+        OptionsBench bench;
+        putAccount(bench, accountLine(server.port(), u"N"_s, noLogin));
+        putProxy(bench, proxyLine(proxy.port()));
+        if (standard) {
+            setDefaultProxy(bench, proxyLine(proxy.port()));
+        }
+        bench.globals().settings.proxy[ProxyUse] = u"True"_s;
+        bench.open(Tab::AccountTab);
+        bench.cbx(0)->setChecked(ticked);
+        verifyTest(bench, u"CONN_SMTP_SUCC"_s, 64);
+        QCOMPARE(server.Connections, 1);
+        QCOMPARE(proxy.Connections, 0);
+    }
     static QString reason(OptionsBench &bench) { return bench.get<QLabel>(u"lblReason"_s)->text(); }
 };
 
@@ -115,7 +133,12 @@ void TestConnectionButton::whileConnectingTheFormSaysSoAndIsDisabled()
         QVERIFY(!bench.form()->isEnabled());
         QCOMPARE(bench.form()->cursor().shape(), Qt::WaitCursor);
     };
-    lookInside(server, look);
+    lookInside(server, [&] {
+        look();
+        // What is seen over a disabled form is the application's pointer.
+        QVERIFY(QGuiApplication::overrideCursor());
+        QCOMPARE(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    });
     // The box comes first, and only then all is put back.
     verifyTest(bench, u"CONN_SMTP_SUCC"_s, 64, look);
     QCOMPARE(looks, 2);
@@ -134,6 +157,7 @@ void TestConnectionButton::afterwardsAllIsAsBefore()
         QCOMPARE(bench.status()->text(), QString());
         QVERIFY(bench.form()->isEnabled());
         QCOMPARE(bench.form()->cursor().shape(), Qt::ArrowCursor);
+        QVERIFY(!QGuiApplication::overrideCursor());
         QVERIFY(bench.lsv(3)->hasFocus());
         QCOMPARE(bench.sst()->currentIndex(), 1);
         QCOMPARE(bench.selectedRows(3).size(), 1);
@@ -243,32 +267,12 @@ void TestConnectionButton::theDefaultProxyIsUsedWhenTicked()
 
 void TestConnectionButton::theDefaultProxyIsNotUsedWithoutTheTick()
 {
-    ScriptedServer server;
-    ScriptedServer proxy;
-    OptionsBench bench;
-    putAccount(bench, accountLine(server.port(), u"N"_s, noLogin));
-    putProxy(bench, proxyLine(proxy.port()));
-    setDefaultProxy(bench, proxyLine(proxy.port()));
-    bench.globals().settings.proxy[ProxyUse] = u"True"_s;
-    bench.open(Tab::AccountTab);
-    bench.cbx(0)->setChecked(false);
-    verifyTest(bench, u"CONN_SMTP_SUCC"_s, 64);
-    QCOMPARE(server.Connections, 1);
-    QCOMPARE(proxy.Connections, 0);
+    verifyDirect(false, true);
 }
 
 void TestConnectionButton::oddRuleATickWithoutADefaultProxyConnectsDirectly()
 {
-    ScriptedServer server;
-    ScriptedServer proxy;
-    OptionsBench bench;
-    putAccount(bench, accountLine(server.port(), u"N"_s, noLogin));
-    putProxy(bench, proxyLine(proxy.port()));
-    bench.open(Tab::AccountTab);
-    bench.cbx(0)->setChecked(true);
-    verifyTest(bench, u"CONN_SMTP_SUCC"_s, 64);
-    QCOMPARE(server.Connections, 1);
-    QCOMPARE(proxy.Connections, 0);
+    verifyDirect(true, false);
 }
 
 void TestConnectionButton::aProxyThatReachesTheSiteIsTold()
@@ -376,6 +380,7 @@ void TestConnectionButton::theExitUnloadsTheFormMeanwhile()
     lookInside(server, [&bench] { bench.forms.unload(u"frmPubOptions"_s); });
     bench.sbt(15)->click(); // no box comes any more
     QVERIFY(!bench.isLoaded());
+    QVERIFY(!QGuiApplication::overrideCursor());
     QCOMPARE(bench.refills, 2);
     QCoreApplication::processEvents();
     bench.open(Tab::AccountTab); // a new one is as good as the first

@@ -2,6 +2,7 @@
 #include "quillon/files/settingsfile.h"
 #include "recorddialogfixture.h"
 #include "recordforms.h"
+#include "support/doublefont.h"
 
 #include <QAccessible>
 #include <QComboBox>
@@ -56,23 +57,6 @@ QList<QWidget *> inputs(const QWidget *form)
     }
     return controls;
 }
-
-/// Doubles the application's font while it lives.
-class DoubleFont {
-public:
-    DoubleFont() : m_before(QApplication::font())
-    {
-        QFont font = m_before;
-        font.setPointSizeF(font.pointSizeF() * 2);
-        QApplication::setFont(font);
-    }
-    ~DoubleFont() { QApplication::setFont(m_before); }
-    DoubleFont(const DoubleFont &) = delete;
-    DoubleFont &operator=(const DoubleFont &) = delete;
-
-private:
-    QFont m_before;
-};
 
 } // namespace
 

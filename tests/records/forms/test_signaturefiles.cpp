@@ -1,5 +1,5 @@
 #include "optionsbench.h"
-#include "quillon/system/platform.h"
+#include "support/testopener.h"
 
 #include <QMenu>
 
@@ -8,30 +8,6 @@
 using namespace Qt::StringLiterals;
 using namespace corvane;
 using Tab = frmPubOptions::Tab;
-
-namespace {
-
-/// Records what is opened instead of opening it.
-class Opener : public quillon::DesktopOpener {
-public:
-    Opener() : m_before(quillon::setDesktopOpener(this)) {}
-    ~Opener() override { quillon::setDesktopOpener(m_before); }
-    Opener(const Opener &) = delete;
-    Opener &operator=(const Opener &) = delete;
-
-    bool open(const QString &pathOrUrl) override
-    {
-        opened.append(pathOrUrl);
-        return true;
-    }
-
-    QStringList opened;
-
-private:
-    quillon::DesktopOpener *m_before;
-};
-
-} // namespace
 
 class TestSignatureFiles : public QObject {
     Q_OBJECT
@@ -113,7 +89,7 @@ void TestSignatureFiles::moreThanOneFileIsNotTaken()
 
 void TestSignatureFiles::openOpensAFileThatExists()
 {
-    Opener opener;
+    TestOpener opener;
     OptionsBench bench;
     const QString path = bench.tree.path(u"mine grüße.htm"_s);
     writeFile(path, "me");
@@ -125,7 +101,7 @@ void TestSignatureFiles::openOpensAFileThatExists()
 
 void TestSignatureFiles::openOpensNothingElse()
 {
-    Opener opener;
+    TestOpener opener;
     OptionsBench bench;
     bench.putSignatures("Page\t/no/page.htm\r\n");
     bench.open(Tab::SignaturesTab);
