@@ -10,6 +10,8 @@ namespace corvane {
 
 namespace {
 
+constexpr int noNumber = -1;
+
 QString wholeLine(const QString &line)
 {
     return line;
@@ -124,6 +126,7 @@ const RecordKind &senderKind()
     static const RecordKind kind = {
         &DataPaths::sendersFile,
         {SenderName, SenderAddress, SenderRemark},
+        noNumber,
         {u"NEED_SENDER_E", u"NEED_SENDER_COPY", u"DEL_SENDER_PROMPT", u"NEED_SENDER_C", u"CLEAR_SENDER"},
         DefaultMarker::BoldRow,
         senderRow,
@@ -142,6 +145,7 @@ const RecordKind &signatureKind()
 {
     static const RecordKind kind = {&DataPaths::signsFile,
                                     {SignatureName},
+                                    noNumber,
                                     {nullptr, nullptr, u"DEL_SIGN_PROMPT", nullptr, u"CLEAR_SIGN"},
                                     DefaultMarker::Name,
                                     signatureName,
@@ -161,6 +165,7 @@ const RecordKind &proxyKind()
     static const RecordKind kind = {
         &DataPaths::proxyFile,
         {ProxyAddress, ProxyPort, ProxyUser},
+        ProxyPort,
         {u"NEED_PROXY_E", u"NEED_PROXY_COPY", u"DEL_PROXY_PROMPT", u"NEED_PROXY_C", u"CLEAR_PROXY"},
         DefaultMarker::BoldRow,
         wholeLine,
@@ -180,6 +185,7 @@ const RecordKind &accountKind()
     static const RecordKind kind = {
         &DataPaths::smtpFile,
         {AccountServer, AccountPort, AccountSenderAddress},
+        AccountPort,
         {u"NEED_SMTP_E", u"NEED_SMTP_COPY", u"DEL_SMTP_PROMPT", u"NEED_SMTP_C", u"CLEAR_SMTP"},
         DefaultMarker::BoldRow,
         wholeLine,

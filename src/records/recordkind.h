@@ -29,6 +29,7 @@ enum class DefaultMarker {
 struct RecordKind {
     QString DataPaths::*file;
     std::vector<int> columns; ///< the fields that a row shows
+    int numberField;          ///< the one that holds a number; -1 for none
     RecordMessages messages;
     DefaultMarker marker;
 

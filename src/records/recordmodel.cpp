@@ -109,6 +109,12 @@ void RecordModel::mark(int row)
     }
 }
 
+bool RecordModel::holdsNumbers(int column) const
+{
+    return column >= 0 && column < columnCount() &&
+           m_kind.columns[static_cast<std::size_t>(column)] == m_kind.numberField;
+}
+
 int RecordModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : static_cast<int>(m_rows.size());

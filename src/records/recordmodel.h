@@ -44,6 +44,9 @@ public:
     /// Marks this row and no other; -1 marks none.
     void mark(int row);
 
+    /// Whether a column shows short numbers, as ports are.
+    [[nodiscard]] bool holdsNumbers(int column) const;
+
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;

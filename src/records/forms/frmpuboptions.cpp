@@ -35,43 +35,37 @@ struct ButtonOrder {
     int add, edit, copy, remove, clear, makeDefault;
 };
 constexpr int none = -1;
-constexpr ButtonOrder senderOrder = {0, 1, 2, 3, 4, 5};
-constexpr ButtonOrder accountOrder = {none, 1, 2, 3, 4, 5}; // a menu adds
+constexpr ButtonOrder usualOrder = {0, 1, 2, 3, 4, 5};
 constexpr ButtonOrder proxyOrder = {0, 1, 5, 2, 3, 4};
 constexpr ButtonOrder signatureOrder = {none, none, none, 2, 3, 4}; // its editor adds and renames
 
-/// A key that presses a button of one tab.
-struct TabKey {
-    int tab;
+/// A key that presses a button.
+struct ButtonKey {
     QKeyCombination key;
-    const char16_t *button;
+    QString button;
 };
-const std::array tabKeys = {
-    TabKey{frmPubOptions::ProxyTab, Qt::ALT | Qt::Key_A, u"sbtProxy(0)"},
-    TabKey{frmPubOptions::ProxyTab, Qt::ALT | Qt::Key_E, u"sbtProxy(1)"},
-    TabKey{frmPubOptions::ProxyTab, Qt::ALT | Qt::Key_C, u"sbtProxy(5)"},
-    TabKey{frmPubOptions::ProxyTab, Qt::ALT | Qt::Key_L, u"sbtProxy(3)"},
-    TabKey{frmPubOptions::ProxyTab, Qt::ALT | Qt::Key_D, u"sbtProxy(4)"},
-    TabKey{frmPubOptions::ProxyTab, Qt::Key_Delete, u"sbtProxy(2)"},
-    TabKey{frmPubOptions::AccountTab, Qt::ALT | Qt::Key_A, u"sbtSMTP(0)"},
-    TabKey{frmPubOptions::AccountTab, Qt::ALT | Qt::Key_E, u"sbtSMTP(1)"},
-    TabKey{frmPubOptions::AccountTab, Qt::ALT | Qt::Key_C, u"sbtSMTP(2)"},
-    TabKey{frmPubOptions::AccountTab, Qt::ALT | Qt::Key_L, u"sbtSMTP(4)"},
-    TabKey{frmPubOptions::AccountTab, Qt::ALT | Qt::Key_D, u"sbtSMTP(5)"},
-    TabKey{frmPubOptions::AccountTab, Qt::Key_Delete, u"sbtSMTP(3)"},
-    TabKey{frmPubOptions::SenderTab, Qt::ALT | Qt::Key_A, u"sbtSender(0)"},
-    TabKey{frmPubOptions::SenderTab, Qt::ALT | Qt::Key_E, u"sbtSender(1)"},
-    TabKey{frmPubOptions::SenderTab, Qt::ALT | Qt::Key_C, u"sbtSender(2)"},
-    TabKey{frmPubOptions::SenderTab, Qt::ALT | Qt::Key_L, u"sbtSender(4)"},
-    TabKey{frmPubOptions::SenderTab, Qt::ALT | Qt::Key_D, u"sbtSender(5)"},
-    TabKey{frmPubOptions::SenderTab, Qt::Key_Delete, u"sbtSender(3)"},
-    TabKey{frmPubOptions::SignaturesTab, Qt::ALT | Qt::Key_E, u"sbtSign(2)"},
-    TabKey{frmPubOptions::SignaturesTab, Qt::ALT | Qt::Key_L, u"sbtSign(3)"},
-    TabKey{frmPubOptions::SignaturesTab, Qt::ALT | Qt::Key_D, u"sbtSign(0)"},
-    TabKey{frmPubOptions::SignaturesTab, Qt::ALT | Qt::Key_R, u"sbtSign(1)"},
-    TabKey{frmPubOptions::SignaturesTab, Qt::ALT | Qt::Key_U, u"sbtSign(4)"},
-    TabKey{frmPubOptions::SignaturesTab, Qt::ALT | Qt::Key_M, u"sbtSign(7)"},
-};
+
+/// The keys of a list whose records are edited in a dialog.
+std::array<ButtonKey, 6> keysOf(const QString &group, const ButtonOrder &order)
+{
+    const auto press = [&group](QKeyCombination key, int index) {
+        return ButtonKey{key, u"%1(%2)"_s.arg(group).arg(index)};
+    };
+    return {press(Qt::ALT | Qt::Key_A, order.add),  press(Qt::ALT | Qt::Key_E, order.edit),
+            press(Qt::ALT | Qt::Key_C, order.copy), press(Qt::ALT | Qt::Key_L, order.clear),
+            press(Qt::Key_Delete, order.remove),    press(Qt::ALT | Qt::Key_D, order.makeDefault)};
+}
+
+/// The keys of the signatures.
+std::array<ButtonKey, 6> signatureKeys()
+{
+    return {{{Qt::ALT | Qt::Key_E, u"sbtSign(2)"_s},
+             {Qt::ALT | Qt::Key_L, u"sbtSign(3)"_s},
+             {Qt::ALT | Qt::Key_D, u"sbtSign(0)"_s},
+             {Qt::ALT | Qt::Key_R, u"sbtSign(1)"_s},
+             {Qt::ALT | Qt::Key_U, u"sbtSign(4)"_s},
+             {Qt::ALT | Qt::Key_M, u"sbtSign(7)"_s}}};
+}
 
 /// The hourglass, while it lives: a form's own cursor does not show while the form is disabled.
 class WaitPointer {
@@ -129,14 +123,16 @@ void frmPubOptions::makeTabs()
             }
         };
     };
-    const auto tab = [this](RecordList &list, const QString &view, const QString &group, const ButtonOrder &order,
+    const auto tab = [this](RecordList &list, const QString &view, const RecordButtons &buttons,
                             RecordTab::ShowDialog show) {
-        return new RecordTab(list, findChild<QTreeView *>(view), buttonsOf(this, group, order), std::move(show));
+        return new RecordTab(list, findChild<QTreeView *>(view), buttons, std::move(show));
     };
-    tab(m_proxies, u"lsv(2)"_s, u"sbtProxy"_s, proxyOrder, dialog(u"frmPubProxy"_s));
-    makePresetMenu(tab(m_accounts, u"lsv(3)"_s, u"sbtSMTP"_s, accountOrder, dialog(u"frmPubSMTP"_s)));
-    tab(m_senders, u"lsv(0)"_s, u"sbtSender"_s, senderOrder, dialog(u"frmPubSender"_s));
-    tab(m_signatures, u"lsv(1)"_s, u"sbtSign"_s, signatureOrder, {});
+    RecordButtons accountButtons = buttonsOf(this, u"sbtSMTP"_s, usualOrder);
+    accountButtons.add = nullptr; // a menu adds
+    makePresetMenu(tab(m_accounts, u"lsv(3)"_s, accountButtons, dialog(u"frmPubSMTP"_s)));
+    tab(m_proxies, u"lsv(2)"_s, buttonsOf(this, u"sbtProxy"_s, proxyOrder), dialog(u"frmPubProxy"_s));
+    tab(m_senders, u"lsv(0)"_s, buttonsOf(this, u"sbtSender"_s, usualOrder), dialog(u"frmPubSender"_s));
+    tab(m_signatures, u"lsv(1)"_s, buttonsOf(this, u"sbtSign"_s, signatureOrder), {});
     m_signatureTab = new SignatureTab(this, m_signatures, m_globals, m_hooks.macroItems);
     m_settings = new SettingsTab(this, {m_hooks.encodingName ? m_hooks.encodingName : [] { return QString(); },
                                         [this](const QString &displayName) { return codeOfEncoding(displayName); }});
@@ -178,15 +174,20 @@ void frmPubOptions::connectButtons()
 void frmPubOptions::addKeys()
 {
     auto *keys = new quillon::FormKeys(this);
-    const auto onTab = [this](int tab) { return [this, tab] { return m_ui->sst->currentIndex() == tab; }; };
-    for (const TabKey &line : tabKeys) {
-        auto *button = findChild<QAbstractButton *>(QString::fromUtf16(line.button));
-        const auto press = [this, button] {
-            m_signatureTab->finishRename();
-            button->click();
-        };
-        keys->on(line.key, press, onTab(line.tab));
-    }
+    const auto addTo = [this, keys](int tab, const std::array<ButtonKey, 6> &lines) {
+        for (const ButtonKey &line : lines) {
+            auto *button = findChild<QAbstractButton *>(line.button);
+            const auto press = [this, button] {
+                m_signatureTab->finishRename();
+                button->click();
+            };
+            keys->on(line.key, press, [this, tab] { return m_ui->sst->currentIndex() == tab; });
+        }
+    };
+    addTo(ProxyTab, keysOf(u"sbtProxy"_s, proxyOrder));
+    addTo(AccountTab, keysOf(u"sbtSMTP"_s, usualOrder));
+    addTo(SenderTab, keysOf(u"sbtSender"_s, usualOrder));
+    addTo(SignaturesTab, signatureKeys());
     keys->on(
         Qt::CTRL | Qt::Key_A, [this] { m_signatureTab->selectAllText(); },
         [this] { return m_ui->sst->currentIndex() == SignaturesTab && !m_signatureTab->isRenaming(); });

@@ -62,7 +62,6 @@ private:
     void makePresetMenu(RecordTab *accounts);
     void connectButtons();
     void addKeys();
-    void pressOn(Qt::Key key, const std::array<const char16_t *, 4> &buttons);
 
     void save();
     void restore();

@@ -47,9 +47,10 @@ void RecordTab::prepareView()
     m_view->header()->setStretchLastSection(true);
     m_view->header()->setSectionsMovable(false);
     const int letter = m_view->fontMetrics().averageCharWidth();
-    if (m_list.model().columnCount() > 1) {
-        m_view->setColumnWidth(0, letter * 28);
-        m_view->setColumnWidth(1, letter * 20);
+    constexpr int textLetters = 28;
+    constexpr int numberLetters = 8;
+    for (int column = 0; column + 1 < m_list.model().columnCount(); ++column) {
+        m_view->setColumnWidth(column, letter * (m_list.model().holdsNumbers(column) ? numberLetters : textLetters));
     }
     // A row that is chosen by a command is to be seen.
     connect(&m_list.selection(), &QItemSelectionModel::currentRowChanged, m_view,

@@ -142,6 +142,16 @@ public:
         QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, view->visualRect(index).center());
     }
 
+    /// The editor of a signature's name in the list; nullptr while none is open.
+    QLineEdit *nameEditor() { return lsv(1)->viewport()->findChild<QLineEdit *>(); }
+    /// Waits until an editor that was closed is gone, and what was typed has been taken.
+    static void settle()
+    {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCoreApplication::processEvents();
+    }
+
     [[nodiscard]] QByteArray options() const { return contentOf(tree.globals.paths.optionsFile); }
     /// One setting as it stands in the file.
     [[nodiscard]] QString stored(const QString &section, const QString &key) const

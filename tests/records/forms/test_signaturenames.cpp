@@ -28,25 +28,16 @@ private Q_SLOTS:
     void closingTellsOfANameThatIsTaken();
 
 private:
-    /// The editor in the list; nullptr while no name is edited.
-    static QLineEdit *editor(OptionsBench &bench) { return bench.lsv(1)->viewport()->findChild<QLineEdit *>(); }
-    /// Waits until an editor that was closed is gone, and what was typed has been taken.
-    static void settle()
-    {
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QCoreApplication::processEvents();
-    }
     /// Types a name in the editor that is open, and Enter.
     static void type(OptionsBench &bench, const QString &name)
     {
-        QVERIFY(editor(bench));
-        QCOMPARE(QApplication::focusWidget(), editor(bench));
-        editor(bench)->selectAll();
-        QTest::keyClick(editor(bench), Qt::Key_Delete);
-        QTest::keyClicks(editor(bench), name);
-        QTest::keyClick(editor(bench), Qt::Key_Return);
-        settle();
+        QVERIFY(bench.nameEditor());
+        QCOMPARE(QApplication::focusWidget(), bench.nameEditor());
+        bench.nameEditor()->selectAll();
+        QTest::keyClick(bench.nameEditor(), Qt::Key_Delete);
+        QTest::keyClicks(bench.nameEditor(), name);
+        QTest::keyClick(bench.nameEditor(), Qt::Key_Return);
+        OptionsBench::settle();
     }
     static void rename(OptionsBench &bench, const QString &name)
     {
@@ -79,16 +70,16 @@ void TestSignatureNames::renameByButton()
     bench.putSignatures("Short\t\r\nLong\t\r\n", {{u"Short"_s, "Ann"}, {u"Long"_s, "Ann Lee"}});
     bench.open(Tab::SignaturesTab);
     bench.sign(1)->click();
-    QVERIFY(editor(bench));
-    QCOMPARE(editor(bench)->text(), u"Short"_s);
-    QCOMPARE(editor(bench)->selectedText(), u"Short"_s);
+    QVERIFY(bench.nameEditor());
+    QCOMPARE(bench.nameEditor()->text(), u"Short"_s);
+    QCOMPARE(bench.nameEditor()->selectedText(), u"Short"_s);
     type(bench, u"Brief"_s);
     QCOMPARE(bench.rows(1), (QStringList{u"Brief"_s, u"Long"_s}));
     QCOMPARE(bench.signs(), QByteArray("Brief\t\r\nLong\t\r\n")); // in its place
     QCOMPARE(bench.signText(u"Brief"_s), QByteArray("Ann"));
     QVERIFY(!QFileInfo::exists(bench.signFile(u"Short"_s)));
     QCOMPARE(bench.utbSign()->toPlainText(), u"Ann"_s);
-    QVERIFY(!editor(bench));
+    QVERIFY(!bench.nameEditor());
     QTest::keyClicks(bench.utbSign(), u"x"_s); // what is typed goes to the new name
     QCOMPARE(bench.signText(u"Brief"_s), QByteArray("xAnn"));
 }
@@ -112,12 +103,12 @@ void TestSignatureNames::f2ElsewhereRenamesNothing()
     bench.open(Tab::SignaturesTab);
     bench.focus(bench.utbSign());
     QTest::keyClick(bench.utbSign(), Qt::Key_F2);
-    QVERIFY(!editor(bench));
+    QVERIFY(!bench.nameEditor());
     bench.sbt(2)->click();
     OptionsBench empty;
     empty.open(Tab::SignaturesTab);
     empty.sign(1)->click();
-    QVERIFY(!editor(empty));
+    QVERIFY(!empty.nameEditor());
 }
 
 void TestSignatureNames::aNameThatStaysChangesNothing()
@@ -128,7 +119,7 @@ void TestSignatureNames::aNameThatStaysChangesNothing()
     rename(bench, u"Short"_s);
     QCOMPARE(bench.signs(), QByteArray("Short\t\nLong\t\r\n"));
     QCOMPARE(bench.signText(u"Short"_s), QByteArray("Ann\n"));
-    QVERIFY(!editor(bench));
+    QVERIFY(!bench.nameEditor());
 }
 
 void TestSignatureNames::escapeLeavesTheName()
@@ -137,10 +128,10 @@ void TestSignatureNames::escapeLeavesTheName()
     bench.putSignatures("Short\t\r\n");
     bench.open(Tab::SignaturesTab);
     bench.sign(1)->click();
-    QTest::keyClicks(editor(bench), u"Brief"_s);
-    QTest::keyClick(editor(bench), Qt::Key_Escape);
-    settle();
-    QVERIFY(!editor(bench));
+    QTest::keyClicks(bench.nameEditor(), u"Brief"_s);
+    QTest::keyClick(bench.nameEditor(), Qt::Key_Escape);
+    OptionsBench::settle();
+    QVERIFY(!bench.nameEditor());
     QVERIFY(bench.form()->isVisible());
     QCOMPARE(bench.rows(1), QStringList{u"Short"_s});
     QCOMPARE(bench.signs(), QByteArray("Short\t\r\n"));
@@ -152,9 +143,9 @@ void TestSignatureNames::leavingTheEditorTakesTheName()
     bench.putSignatures("Short\t\r\n");
     bench.open(Tab::SignaturesTab);
     bench.sign(1)->click();
-    QTest::keyClicks(editor(bench), u"Brief"_s);
+    QTest::keyClicks(bench.nameEditor(), u"Brief"_s);
     QTest::mouseClick(bench.utbSign()->viewport(), Qt::LeftButton);
-    settle();
+    OptionsBench::settle();
     QCOMPARE(bench.signs(), QByteArray("Brief\t\r\n"));
     QCOMPARE(bench.focused(), u"utbSign"_s);
 }
@@ -168,11 +159,11 @@ void TestSignatureNames::anEmptyNameIsRefusedAndEditedAgain()
         bench.prompts.expectBox(u"NEED_SIGN"_s, 48);
         rename(bench, name);
         QCOMPARE(bench.prompts.leftOver(), QStringList());
-        QVERIFY(editor(bench));
-        QCOMPARE(editor(bench)->text(), u"Short"_s);
+        QVERIFY(bench.nameEditor());
+        QCOMPARE(bench.nameEditor()->text(), u"Short"_s);
         QCOMPARE(bench.signs(), QByteArray("Short\t\r\n"));
-        QTest::keyClick(editor(bench), Qt::Key_Escape);
-        settle();
+        QTest::keyClick(bench.nameEditor(), Qt::Key_Escape);
+        OptionsBench::settle();
     }
     QCOMPARE(bench.rows(1), QStringList{u"Short"_s});
 }
@@ -185,7 +176,7 @@ void TestSignatureNames::aTakenNameIsRefusedAndEditedAgain()
     bench.prompts.expectBox(u"SENDER_EXISTS"_s, 48, quillon::BoxAnswer::Ok, u"Long"_s);
     rename(bench, u"Long"_s);
     QCOMPARE(bench.prompts.leftOver(), QStringList());
-    QVERIFY(editor(bench));
+    QVERIFY(bench.nameEditor());
     QCOMPARE(bench.rows(1), (QStringList{u"Short"_s, u"Long"_s}));
     type(bench, u"Longer"_s); // the edit that goes on
     QCOMPARE(bench.signs(), QByteArray("Longer\t\r\nLong\t\r\n"));
@@ -248,9 +239,9 @@ void TestSignatureNames::aNameIsKeptOnOneLineAndTrimmed()
     bench.putSignatures("Short\t\r\n");
     bench.open(Tab::SignaturesTab);
     bench.sign(1)->click();
-    editor(bench)->setText(u"  one\ttwo "_s);
-    QTest::keyClick(editor(bench), Qt::Key_Return);
-    settle();
+    bench.nameEditor()->setText(u"  one\ttwo "_s);
+    QTest::keyClick(bench.nameEditor(), Qt::Key_Return);
+    OptionsBench::settle();
     QCOMPARE(bench.rows(1), QStringList{u"one two"_s});
     QCOMPARE(bench.signs(), QByteArray("one two\t\r\n"));
 }
@@ -275,7 +266,7 @@ void TestSignatureNames::closingTakesTheNameThatIsEdited()
     bench.putSignatures("Short\t\r\n", {{u"Short"_s, "Ann"}});
     bench.open(Tab::SignaturesTab);
     bench.sign(1)->click();
-    QTest::keyClicks(editor(bench), u"Brief"_s);
+    QTest::keyClicks(bench.nameEditor(), u"Brief"_s);
     QByteArray whenRefilled;
     bench.refilled = [&] { whenRefilled = bench.signs(); };
     bench.form()->close();
@@ -290,12 +281,12 @@ void TestSignatureNames::closingTellsOfANameThatIsTaken()
     bench.putSignatures("Short\t\r\nLong\t\r\n");
     bench.open(Tab::SignaturesTab);
     bench.sign(1)->click();
-    QTest::keyClicks(editor(bench), u"Long"_s);
+    QTest::keyClicks(bench.nameEditor(), u"Long"_s);
     bench.prompts.expectBox(u"SENDER_EXISTS"_s, 48, quillon::BoxAnswer::Ok, u"Long"_s);
     bench.form()->close();
     QCOMPARE(bench.prompts.leftOver(), QStringList());
     QVERIFY(!bench.isLoaded());
-    settle();
+    OptionsBench::settle();
     QCOMPARE(bench.signs(), QByteArray("Short\t\r\nLong\t\r\n"));
 }
 
