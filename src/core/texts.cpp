@@ -27,6 +27,12 @@ QString LookupText(const QString &key)
     return quillon::SettingsFile(languageFolder() + u"/tips.dll"_s).value(u"Message & Text"_s, key);
 }
 
+QString formText(const QString &form, const QString &key, const QString &standard)
+{
+    const quillon::SettingsFile texts(languageFolder() + u"/tips.dll"_s);
+    return texts.contains(form, key) ? texts.value(form, key) : standard;
+}
+
 quillon::BoxAnswer showMessage(const QString &key, int style, const std::optional<QString> &value)
 {
     const QString text = LookupText(key);

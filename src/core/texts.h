@@ -19,6 +19,9 @@ void setLanguageFolder(const QString &folder);
 /// The text of a message key, read from tips.dll at the moment of use. A key that is not there gives an empty text.
 [[nodiscard]] QString LookupText(const QString &key);
 
+/// A text of a form that is no control's caption, read as LookupText() does; @p standard where there is none.
+[[nodiscard]] QString formText(const QString &form, const QString &key, const QString &standard = QString());
+
 /// Shows the text of @p key in a box of @p style (see quillon::BoxStyle). With @p value, the value stands in front of
 /// it as "'", the value, "' ".
 quillon::BoxAnswer showMessage(const QString &key, int style, const std::optional<QString> &value = std::nullopt);

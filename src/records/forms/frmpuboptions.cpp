@@ -76,6 +76,13 @@ public:
     WaitPointer &operator=(const WaitPointer &) = delete;
 };
 
+/// The headings of a list, those of the language file if it has as many.
+QStringList headingsOf(const QString &list, const QStringList &standard)
+{
+    const QStringList headings = formText(u"frmPubOptions"_s, list + u".columns"_s).split(u'|');
+    return headings.size() == standard.size() && !headings.first().isEmpty() ? headings : standard;
+}
+
 RecordButtons buttonsOf(const QWidget *form, const QString &group, const ButtonOrder &order)
 {
     const auto button = [&](int index) {
@@ -90,10 +97,10 @@ RecordButtons buttonsOf(const QWidget *form, const QString &group, const ButtonO
 frmPubOptions::frmPubOptions(ApplicationGlobals &globals, MessageWindow &window, quillon::FormRegistry &forms,
                              OptionsHooks hooks)
     : m_globals(globals), m_window(window), m_forms(forms), m_hooks(std::move(hooks)),
-      m_senders(senderKind(), {u"Display Name"_s, u"Email Address"_s, u"Remark"_s}, globals),
-      m_signatures(signatureKind(), {u"Signature"_s}, globals),
-      m_proxies(proxyKind(), {u"Address"_s, u"Port"_s, u"User"_s}, globals),
-      m_accounts(accountKind(), {u"Server"_s, u"Port"_s, u"Email Address"_s}, globals),
+      m_senders(senderKind(), headingsOf(u"lsv(0)"_s, {u"Display Name"_s, u"Email Address"_s, u"Remark"_s}), globals),
+      m_signatures(signatureKind(), headingsOf(u"lsv(1)"_s, {u"Signature"_s}), globals),
+      m_proxies(proxyKind(), headingsOf(u"lsv(2)"_s, {u"Address"_s, u"Port"_s, u"User"_s}), globals),
+      m_accounts(accountKind(), headingsOf(u"lsv(3)"_s, {u"Server"_s, u"Port"_s, u"Email Address"_s}), globals),
       m_ui(std::make_unique<::Ui::frmPubOptions>())
 {
     m_ui->setupUi(this);

@@ -66,8 +66,17 @@ void RecordDialog::begin(Task task)
 {
     m_task = std::move(task);
     setCaption();
+    setTips();
     showRecord(m_task.line.isEmpty() ? m_form.newRecord : m_task.line);
     m_form.first->setFocus();
+}
+
+/// In an edit the button's tip says what becomes of the record: what is entered next takes its place once more.
+void RecordDialog::setTips()
+{
+    QPushButton *button = m_form.buttons.saveAndAdd;
+    const QString kind = m_task.mode == Mode::Add ? u".tip"_s : u".tip.edit"_s;
+    button->setToolTip(formText(objectName(), button->objectName() + kind, button->toolTip()));
 }
 
 void RecordDialog::beginNext()

@@ -104,6 +104,7 @@ private:
     void prepareBoxes();
     void connectButtons(std::function<void()> help);
     void setCaption();
+    void setTips();
     void showRecord(const QString &line);
     void beginNext();
     [[nodiscard]] QString line() const;

@@ -29,12 +29,6 @@ namespace {
 enum Button { Add = 0, Rename = 1, Browse = 5, Open = 6, Macro = 7 };
 constexpr int normalWindow = 3;
 
-/// A text of this form that is no control's caption.
-QString formText(const QString &key)
-{
-    return quillon::QuillonSystem().ReadSetting(languageFolder() + u"/tips.dll"_s, u"frmPubOptions"_s, key);
-}
-
 /// A box that cannot be written in looks like the form around it.
 void showEnabled(QWidget *box, bool enabled)
 {
@@ -97,8 +91,8 @@ void SignatureTab::show()
     m_writable = present && content.readable && !signatureFile(m_globals, name()).isEmpty();
     // What is typed where it has no file would be lost, and a text that could not be read would be written over.
     m_text->setReadOnly(!m_writable);
-    m_text->setPlaceholderText(m_writable ? QString()
-                                          : formText(present ? u"utbSign.unreadable"_s : u"utbSign.none"_s));
+    m_text->setPlaceholderText(
+        m_writable ? QString() : formText(u"frmPubOptions"_s, present ? u"utbSign.unreadable"_s : u"utbSign.none"_s));
     m_showing = false;
 }
 

@@ -112,6 +112,13 @@ void TestOptionLooks::everyTextOfTheLanguageFileHasItsControl()
             QCOMPARE(bench.sst()->tabText(bench.sst()->indexOf(bench.get<QWidget>(name))), text);
         } else if (key.endsWith(".tip"_L1)) {
             QCOMPARE(bench.get<QWidget>(name)->toolTip(), text);
+        } else if (key.endsWith(".columns"_L1)) {
+            const QAbstractItemModel *model = bench.get<QTreeView>(name)->model();
+            QStringList headings;
+            for (int column = 0; column < model->columnCount(); ++column) {
+                headings.append(model->headerData(column, Qt::Horizontal).toString());
+            }
+            QCOMPARE(headings.join(u'|'), text);
         } else if (!key.contains(u'.')) {
             QCOMPARE(bench.get<QWidget>(name)->property("Tag").toString(), text);
         }
