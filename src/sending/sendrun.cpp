@@ -126,8 +126,7 @@ void SendRun::deliverToAll(const Delivery &delivery)
 void SendRun::deliverOneByOne(const Delivery &delivery)
 {
     sendOneByOne(delivery.message, {m_globals, m_window, m_progress, delivery.values, delivery.log},
-                 {[this] { m_transport->Quit(); },
-                  [&] { connectTransport(delivery.accountRecord); },
+                 {[this] { m_transport->Quit(); }, [&] { connectTransport(delivery.accountRecord); },
                   [this](const quillon::MailMessage &message) { return m_transport->Send(message); },
                   [this] { return m_abandoned; }});
 }

@@ -17,7 +17,7 @@ class frmPubMacro;
 namespace quillon {
 class ColumnSort;
 class FormRegistry;
-}
+} // namespace quillon
 
 namespace corvane {
 
