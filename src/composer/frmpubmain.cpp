@@ -28,6 +28,7 @@
 #include <QCloseEvent>
 #include <QFontDatabase>
 #include <QGuiApplication>
+#include <QScopedValueRollback>
 #include <QToolButton>
 
 using namespace Qt::StringLiterals;
@@ -315,7 +316,7 @@ void frmPubMain::clickPanel(int panel)
 
 void frmPubMain::tellMinimised()
 {
-    if (isVisible() && isMinimized()) {
+    if (isVisible() && isMinimized() && !m_toldMinimised) {
         call(m_hooks.minimised);
     }
 }
@@ -364,7 +365,15 @@ void frmPubMain::closeEvent(QCloseEvent *event)
         return;
     }
     event->ignore();
-    setWindowState(windowState() | Qt::WindowMinimized);
+    // Straight into the tray where there is one: a window that was minimised by the program itself asks to be shown
+    // minimised, and the window manager may read that when the window comes back, and minimise it again.
+    if (isVisible()) {
+        call(m_hooks.minimised);
+    }
+    if (isVisible()) {
+        const QScopedValueRollback told(m_toldMinimised, true);
+        setWindowState(windowState() | Qt::WindowMinimized);
+    }
 }
 
 } // namespace corvane

@@ -90,6 +90,7 @@ private:
     SignatureInsertion *m_signatures = nullptr;
     std::unique_ptr<MainWindowMessage> m_message;
     CommandTable *m_commands = nullptr;
+    bool m_toldMinimised = false; ///< the hook knows already that the window is being minimised
 };
 
 } // namespace corvane

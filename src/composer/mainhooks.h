@@ -30,7 +30,7 @@ struct MainHooks {
     std::function<void()> installTray;
     std::function<void()> readPrompts;
 
-    std::function<void()> minimised; ///< the visible window was minimised: it may go to the tray
+    std::function<void()> minimised; ///< the visible window was minimised, or is to be: it may go to the tray
     std::function<void()> closed;    ///< the window has let itself be closed
 };
 

@@ -39,6 +39,7 @@ private Q_SLOTS:
     void startupMaxMaximises();
     void startupSysMinimisesAndTellsTheTray();
     void theCloseBoxMinimises();
+    void theCloseBoxLeavesTheStateOfAWindowThatTheTrayHides();
     void theExitTagLetsTheWindowClose();
 };
 
@@ -188,6 +189,21 @@ void TestWindowPlacement::theCloseBoxMinimises()
     QVERIFY(main.window->isMinimized());
     QCOMPARE(main.minimised, 1);
     QCOMPARE(main.closed, 0);
+}
+
+void TestWindowPlacement::theCloseBoxLeavesTheStateOfAWindowThatTheTrayHides()
+{
+    MainFixture main([](MainFixture &m) {
+        m.hooks.minimised = [&m] {
+            ++m.minimised;
+            m.window->hide();
+        };
+    });
+    main.window->setWindowState(Qt::WindowMaximized);
+    QVERIFY(!main.window->close());
+    QCOMPARE(main.minimised, 1);
+    QVERIFY(!main.window->isVisible());
+    QCOMPARE(main.window->windowState() & (Qt::WindowMinimized | Qt::WindowMaximized), Qt::WindowMaximized);
 }
 
 void TestWindowPlacement::theExitTagLetsTheWindowClose()
