@@ -158,13 +158,21 @@ class Stage:
 
     def geometry(self, window):
         """Left, top, width and height of what a window holds, without its frame, in pixels of the display."""
-        done = subprocess.run(["xwininfo", "-id", window], env=self.environment, stdin=subprocess.DEVNULL,
-                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, check=False)
-        found = [re.search(rf"^ *{fact}: +(-?\d+)$", done.stdout, re.MULTILINE)
+        facts = self.facts_of(window)
+        found = [re.search(rf"^ *{fact}: +(-?\d+)$", facts, re.MULTILINE)
                  for fact in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")]
-        if None in found:
-            raise StageError(f"no window {window}")
         return tuple(int(match.group(1)) for match in found)
+
+    def children_of(self, window):
+        """How many windows lie inside a window: those of a tray are its icons, and some of its own."""
+        return self.facts_of(window, "-tree").count(" 0x")
+
+    def facts_of(self, window, *options):
+        done = subprocess.run(["xwininfo", "-id", window, *options], env=self.environment, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, check=False)
+        if done.returncode != 0:
+            raise StageError(f"no window {window}")
+        return done.stdout
 
     def click(self, window, x, y, button=1):
         """Clicks into a window, at pixels from its corner."""
@@ -203,18 +211,22 @@ class Stage:
             raise StageError(f"could not press {keys}")
 
     def open_menu(self, program, letter):
-        """Opens a menu of the window that has the keyboard by its letter. Pressed again where it was not heard: a
-        window that got the keyboard a moment ago may not know it yet."""
-        before = len(self.windows(program.pid))
-        pressed = -MENU_SECONDS
+        """Opens a menu of the window that has the keyboard by its letter."""
+        self.open_popup(program, f"the menu {letter.upper()}", lambda: self.press("alt+" + letter))
+
+    def open_popup(self, program, what, ask):
+        """Calls ask() and waits for the window that it makes come. Asked again where it was not heard: a window that got
+        the keyboard a moment ago may not know it yet."""
+        before = set(self.windows(program.pid))
+        asked = -MENU_SECONDS
 
         def opened():
-            nonlocal pressed
-            if time.monotonic() - pressed >= MENU_SECONDS:
-                pressed = time.monotonic()
-                self.press("alt+" + letter)
-            return len(self.windows(program.pid)) > before
-        self.wait(f"the menu {letter.upper()}", opened, program)
+            nonlocal asked
+            if time.monotonic() - asked >= MENU_SECONDS:
+                asked = time.monotonic()
+                ask()
+            return set(self.windows(program.pid)) - before  # some of those before may be going just now
+        self.wait(what, opened, program)
 
     def type(self, text):
         """Types text on whatever has the keyboard; a line break is the Enter key."""

@@ -12,7 +12,7 @@ def close_box(stage, program, build_folder):
     tray = stage.tray()
     child = stage.start("corvane", [program])
     window = stage.wait_for_window(journey.stages.MAIN_TITLE, child)
-    icons = children_of(stage, tray)
+    icons = stage.children_of(tray)
     hold = os.path.join(stage.mail_folder, "hold")
     with open(hold, "wb"):
         pass
@@ -22,7 +22,7 @@ def close_box(stage, program, build_folder):
 
     stage.focus(window, child)
     close(stage, child, window)
-    stage.wait("the icon in the tray", lambda: children_of(stage, tray) > icons, child)
+    stage.wait("the icon in the tray", lambda: stage.children_of(tray) > icons, child)
 
     second = stage.start("second", [program])
     stage.wait("the end of the second start", lambda: second.poll() is not None)
@@ -40,19 +40,11 @@ def close_box(stage, program, build_folder):
     journey.check(not stage.windows(child.pid, journey.stages.MAIN_TITLE), "the window stayed in the tray")
 
     bring_back(stage, child, tray)
-    stage.wait("the icon to go", lambda: children_of(stage, tray) == icons, child)
+    stage.wait("the icon to go", lambda: stage.children_of(tray) == icons, child)
     close(stage, child, stage.wait_for_window(journey.stages.MAIN_TITLE, child))
-    stage.wait("the icon in the tray again", lambda: children_of(stage, tray) > icons, child)
+    stage.wait("the icon in the tray again", lambda: stage.children_of(tray) > icons, child)
     bring_back(stage, child, tray)
     journey.check_equal(stage.leave(child), 0, "exit code")
-
-
-def children_of(stage, tray):
-    """How many windows the tray holds."""
-    done = journey.stages.subprocess.run(["xwininfo", "-id", tray, "-tree"], env=stage.environment, check=True,
-                                         stdin=journey.stages.subprocess.DEVNULL, text=True,
-                                         stdout=journey.stages.subprocess.PIPE)
-    return done.stdout.count(" 0x")
 
 
 def close(stage, child, window):

@@ -57,6 +57,7 @@ def follows(stage, program, build_folder):
         check_accounts(stage, [first, second], first)
         # The default is still the selected row.
         options.answer_box(stage, child, options.press_for_box(stage, child, "Delete"), "alt+y")
+        options.wait_for_setting(stage, child, "SMTP Account", "Default", second)
         check_accounts(stage, [second], second)
         options.close_options(stage, child)
 

@@ -22,16 +22,16 @@ def add_sender(stage, child):
 
 def choose_in_tray(stage, child, tray, letter):
     """Sends the window to the tray and picks an entry of the icon's menu."""
+    icons = stage.children_of(tray)
     window = stage.wait_for_window(stages.MAIN_TITLE, child)
     stage.press("alt+F4")
     stage.wait("the window to go", lambda: window not in stage.windows(child.pid, stages.MAIN_TITLE), child)
-    before = len(stage.windows(child.pid))
+    stage.wait("the icon in the tray", lambda: stage.children_of(tray) > icons, child)
 
-    def menu():
+    def click():
         _, _, width, height = stage.geometry(tray)
         stage.click(tray, width - ICON // 2, height // 2, button=3)
-        return len(stage.windows(child.pid)) > before
-    stage.wait("the tray's menu", menu, child)
+    stage.open_popup(child, "the tray's menu", click)
     stage.press(letter)
 
 
@@ -39,8 +39,10 @@ def outlives(stage, program, build_folder):
     tray = stage.tray()
     child = stage.start("corvane", [program])
     add_sender(stage, child)
+    icons = stage.children_of(tray)
     choose_in_tray(stage, child, tray, "s")
     stage.wait_for_window(stages.MAIN_TITLE, child)
+    stage.wait("the icon to go", lambda: stage.children_of(tray) == icons, child)
     choose_in_tray(stage, child, tray, "x")
     journey.check_equal(stage.wait_for_end(child, "the end of the program"), 0, "exit code")
 
