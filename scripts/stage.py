@@ -215,8 +215,8 @@ class Stage:
         self.open_popup(program, f"the menu {letter.upper()}", lambda: self.press("alt+" + letter))
 
     def open_popup(self, program, what, ask):
-        """Calls ask() and waits for the window that it makes come. Asked again where it was not heard: a window that got
-        the keyboard a moment ago may not know it yet."""
+        """Calls ask() and waits for the window that it makes come. Asked again where it was not heard: a window that
+        got the keyboard a moment ago may not know it yet."""
         before = set(self.windows(program.pid))
         asked = -MENU_SECONDS
 

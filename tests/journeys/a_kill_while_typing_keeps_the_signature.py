@@ -1,5 +1,5 @@
-"""The program is killed again and again while a signature is being typed. Each time its files are whole and lack the last
-change at most; the next start shows the text, and a new message begins with it without being marked as changed."""
+"""The program is killed again and again while a signature is being typed. Each time its files are whole and lack the
+last change at most; the next start shows the text, and a new message begins with it without being marked as changed."""
 
 import email
 import email.policy

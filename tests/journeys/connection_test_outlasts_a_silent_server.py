@@ -54,8 +54,8 @@ def check_deaf(stage, child, window):
 
 
 def check_drawn(stage, child, window):
-    """The window is made larger: its buttons come to stand at its new lower end, exactly as they stood at the old. Tried
-    again where they were just about to change, as when they are disabled."""
+    """The window is made larger: its buttons come to stand at its new lower end, exactly as they stood at the old.
+    Tried again where they were just about to change, as when they are disabled."""
     _, _, width, height = stage.geometry(window)
 
     def resize(to):
