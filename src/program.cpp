@@ -117,7 +117,11 @@ void Program::handOverFromSplash()
     handOver(m_globals, m_stopOnFault,
              {[this] {
                   m_main->load();
-                  m_main->show();
+                  // Not shown at all where it starts in the tray: a window that was first shown minimised may be
+                  // minimised again by the window manager when it comes from there.
+                  if (!m_main->isMinimized() || !m_tray->minimised()) {
+                      m_main->show();
+                  }
               },
               [this] {
                   m_progress.makeVisible();

@@ -1,0 +1,45 @@
+"""With the tray as startup position only the icon is there; Show in its menu brings the window, which then stays."""
+
+import time
+
+import journey
+import optionsdialog as options
+from journey import stages
+
+ICON = 24  # pixels, at the right end of the tray
+STAYS_SECONDS = 3
+
+
+def start_in_the_tray(stage):
+    """Sets the startup position as a user's settings have it."""
+    path = options.data_file(stage, "options.dll")
+    with open(path, "rb") as file:
+        settings = file.read()
+    journey.check(b"Startup=Last" in settings, "the settings have a startup position")
+    with open(path, "wb") as file:
+        file.write(settings.replace(b"Startup=Last", b"Startup=Sys"))
+
+
+def show(stage, program, build_folder):
+    start_in_the_tray(stage)
+    tray = stage.tray()
+    icons = stage.children_of(tray)
+    child = stage.start("corvane", [program])
+    stage.wait("the icon in the tray", lambda: stage.children_of(tray) > icons, child)
+    journey.check(not stage.windows(child.pid, stages.MAIN_TITLE), "no window is on the screen")
+
+    def click():
+        _, _, width, height = stage.geometry(tray)
+        stage.click(tray, width - ICON // 2, height // 2, button=3)
+    stage.open_popup(child, "the tray's menu", click)
+    stage.press("s")
+    stage.wait_for_window(stages.MAIN_TITLE, child)
+    stage.wait("the icon to go", lambda: stage.children_of(tray) == icons, child)
+    until = time.monotonic() + STAYS_SECONDS
+    while time.monotonic() < until:  # a window that goes back to the tray does so at once
+        journey.check(stage.windows(child.pid, stages.MAIN_TITLE), "the window stays")
+        time.sleep(0.1)
+    journey.check_equal(stage.leave(child), 0, "exit code")
+
+
+journey.set_out(show)
