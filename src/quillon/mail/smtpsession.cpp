@@ -213,8 +213,9 @@ QString SmtpSession::stageName() const
     case Stage::StartTls:
         return u"Asking %1 for encryption (STARTTLS)"_s.arg(m_target.Host);
     case Stage::Auth:
-        return m_login ? u"Logging in at %1 (AUTH %2)"_s.arg(m_target.Host, QString::fromLatin1(m_login->mechanism()))
-                       : u"Logging in at %1"_s.arg(m_target.Host);
+        return m_login && !m_login->mechanism().isEmpty()
+                   ? u"Logging in at %1 (AUTH %2)"_s.arg(m_target.Host, QString::fromLatin1(m_login->mechanism()))
+                   : u"Logging in at %1"_s.arg(m_target.Host);
     case Stage::Ready:
         return u"Connected to %1"_s.arg(m_target.Host);
     case Stage::Sending:
