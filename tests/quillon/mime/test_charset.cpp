@@ -145,4 +145,4 @@ void TestCharset::brokenOctetsAreRefused()
 }
 
 QTEST_APPLESS_MAIN(TestCharset)
-#include "tst_charset.moc"
+#include "test_charset.moc"

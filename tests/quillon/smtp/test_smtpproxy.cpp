@@ -13,7 +13,7 @@ using testsupport::ChildServer;
 using testsupport::ScriptedServer;
 
 /// The transport behind a SOCKS5 proxy: microsocks as the real one, and one that tells what it was asked.
-class TstSmtpProxy : public QObject {
+class TestSmtpProxy : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -59,7 +59,7 @@ quint16 portOfNobody()
 
 } // namespace
 
-void TstSmtpProxy::aMailGoesThroughAProxyWithoutAUser()
+void TestSmtpProxy::aMailGoesThroughAProxyWithoutAUser()
 {
     ScriptedServer server;
     ChildServer proxy;
@@ -71,7 +71,7 @@ void TstSmtpProxy::aMailGoesThroughAProxyWithoutAUser()
     QVERIFY(client.Errors.isEmpty());
 }
 
-void TstSmtpProxy::aMailGoesThroughAProxyWithAUser()
+void TestSmtpProxy::aMailGoesThroughAProxyWithAUser()
 {
     ScriptedServer server;
     ChildServer proxy;
@@ -82,7 +82,7 @@ void TstSmtpProxy::aMailGoesThroughAProxyWithAUser()
     QCOMPARE(server.Mails.size(), 1);
 }
 
-void TstSmtpProxy::aMailGoesThroughAProxyInTls()
+void TestSmtpProxy::aMailGoesThroughAProxyInTls()
 {
     const testsupport::Certificates certificates;
     QVERIFY2(certificates.isValid(), qPrintable(certificates.fault()));
@@ -103,7 +103,7 @@ void TstSmtpProxy::aMailGoesThroughAProxyInTls()
     }
 }
 
-void TstSmtpProxy::theProxyResolvesTheName()
+void TestSmtpProxy::theProxyResolvesTheName()
 {
     // Nobody here can resolve this name, so that only the proxy can have been asked.
     ScriptedServer server;
@@ -117,7 +117,7 @@ void TstSmtpProxy::theProxyResolvesTheName()
     QCOMPARE(server.Mails.size(), 1);
 }
 
-void TstSmtpProxy::aUserInUtf8ReachesTheProxy()
+void TestSmtpProxy::aUserInUtf8ReachesTheProxy()
 {
     ScriptedServer server;
     ChildServer proxy;
@@ -128,7 +128,7 @@ void TstSmtpProxy::aUserInUtf8ReachesTheProxy()
     QCOMPARE(proxy.waitForLine("LOGIN "), u"jürgen"_s.toUtf8().toHex() + ' ' + u"密码"_s.toUtf8().toHex());
 }
 
-void TstSmtpProxy::aWrongProxyPasswordIsAnErrorThatNamesTheProxy()
+void TestSmtpProxy::aWrongProxyPasswordIsAnErrorThatNamesTheProxy()
 {
     ScriptedServer server;
     ChildServer proxy;
@@ -144,7 +144,7 @@ void TstSmtpProxy::aWrongProxyPasswordIsAnErrorThatNamesTheProxy()
     QCOMPARE(server.Connections, 0);
 }
 
-void TstSmtpProxy::aProxyThatRefusesIsAnErrorThatNamesTheProxy_data()
+void TestSmtpProxy::aProxyThatRefusesIsAnErrorThatNamesTheProxy_data()
 {
     QTest::addColumn<int>("code");
     QTest::newRow("general failure") << 1;
@@ -158,7 +158,7 @@ void TstSmtpProxy::aProxyThatRefusesIsAnErrorThatNamesTheProxy_data()
     QTest::newRow("unknown code") << 99;
 }
 
-void TstSmtpProxy::aProxyThatRefusesIsAnErrorThatNamesTheProxy()
+void TestSmtpProxy::aProxyThatRefusesIsAnErrorThatNamesTheProxy()
 {
     QFETCH(int, code);
     ChildServer proxy;
@@ -170,7 +170,7 @@ void TstSmtpProxy::aProxyThatRefusesIsAnErrorThatNamesTheProxy()
     QVERIFY2(error.contains(u"mail.example.org, port 25, through the proxy 127.0.0.1"), qPrintable(error));
 }
 
-void TstSmtpProxy::anUnreachableProxyIsAnErrorThatNamesTheProxy()
+void TestSmtpProxy::anUnreachableProxyIsAnErrorThatNamesTheProxy()
 {
     const quint16 port = portOfNobody();
     ScriptedServer server;
@@ -182,7 +182,7 @@ void TstSmtpProxy::anUnreachableProxyIsAnErrorThatNamesTheProxy()
     QCOMPARE(server.Connections, 0);
 }
 
-void TstSmtpProxy::aProxyThatIsNoneIsAnErrorThatNamesTheProxy()
+void TestSmtpProxy::aProxyThatIsNoneIsAnErrorThatNamesTheProxy()
 {
     ScriptedServer noProxy;
     ProxiedClient client(noProxy.port());
@@ -191,7 +191,7 @@ void TstSmtpProxy::aProxyThatIsNoneIsAnErrorThatNamesTheProxy()
     QVERIFY2(client.Errors.first().contains(u"through the proxy 127.0.0.1"), qPrintable(client.Errors.first()));
 }
 
-void TstSmtpProxy::aSilentProxyEndsWithTheTimeForConnecting()
+void TestSmtpProxy::aSilentProxyEndsWithTheTimeForConnecting()
 {
     MailTransport::setTimeouts(150, 60'000, 60'000);
     ScriptedServer silent;
@@ -202,7 +202,7 @@ void TstSmtpProxy::aSilentProxyEndsWithTheTimeForConnecting()
     QVERIFY2(client.Errors.first().contains(u"through the proxy 127.0.0.1"), qPrintable(client.Errors.first()));
 }
 
-void TstSmtpProxy::aServerThatTheProxyCannotReachIsAnError()
+void TestSmtpProxy::aServerThatTheProxyCannotReachIsAnError()
 {
     ChildServer proxy;
     QVERIFY2(proxy.startMicrosocks(), qPrintable(proxy.fault()));
@@ -212,7 +212,7 @@ void TstSmtpProxy::aServerThatTheProxyCannotReachIsAnError()
     QVERIFY2(client.Errors.first().contains(u"through the proxy 127.0.0.1"), qPrintable(client.Errors.first()));
 }
 
-void TstSmtpProxy::aProxyCanBeTestedAgainstAPeerThatSaysNothing()
+void TestSmtpProxy::aProxyCanBeTestedAgainstAPeerThatSaysNothing()
 {
     // A web server says nothing until it is asked.
     MailTransport::setTimeouts(60'000, 60'000, 30);
@@ -226,7 +226,7 @@ void TstSmtpProxy::aProxyCanBeTestedAgainstAPeerThatSaysNothing()
     QVERIFY(client.Errors.isEmpty());
 }
 
-void TstSmtpProxy::badProxySettingsAreErrorsWithoutAConnection_data()
+void TestSmtpProxy::badProxySettingsAreErrorsWithoutAConnection_data()
 {
     QTest::addColumn<QString>("host");
     QTest::addColumn<long>("port");
@@ -237,7 +237,7 @@ void TstSmtpProxy::badProxySettingsAreErrorsWithoutAConnection_data()
     QTest::newRow("user too long for the protocol") << u"127.0.0.1"_s << 1080L << QString(256, u'x');
 }
 
-void TstSmtpProxy::badProxySettingsAreErrorsWithoutAConnection()
+void TestSmtpProxy::badProxySettingsAreErrorsWithoutAConnection()
 {
     QFETCH(QString, host);
     QFETCH(long, port);
@@ -253,5 +253,5 @@ void TstSmtpProxy::badProxySettingsAreErrorsWithoutAConnection()
     QCOMPARE(server.Connections, 0);
 }
 
-QTEST_GUILESS_MAIN(TstSmtpProxy)
-#include "tst_smtpproxy.moc"
+QTEST_GUILESS_MAIN(TestSmtpProxy)
+#include "test_smtpproxy.moc"

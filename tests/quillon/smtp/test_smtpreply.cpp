@@ -5,7 +5,7 @@
 using namespace quillon;
 using namespace Qt::StringLiterals;
 
-class TstSmtpReply : public QObject {
+class TestSmtpReply : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -59,14 +59,14 @@ void compareDialogue(const QList<SmtpReply> &found)
 
 } // namespace
 
-void TstSmtpReply::aReplyMayBeCutAtEveryPlace()
+void TestSmtpReply::aReplyMayBeCutAtEveryPlace()
 {
     for (qsizetype at = 0; at <= dialogue.size(); ++at) {
         compareDialogue(repliesOf({dialogue.left(at), dialogue.mid(at)}));
     }
 }
 
-void TstSmtpReply::aReplyOfOneOctetAtATimeIsWhole()
+void TestSmtpReply::aReplyOfOneOctetAtATimeIsWhole()
 {
     QList<QByteArray> octets;
     for (const char c : dialogue) {
@@ -75,13 +75,13 @@ void TstSmtpReply::aReplyOfOneOctetAtATimeIsWhole()
     compareDialogue(repliesOf(octets));
 }
 
-void TstSmtpReply::blankLinesArePassedOver()
+void TestSmtpReply::blankLinesArePassedOver()
 {
     compareDialogue(
         repliesOf({"\r\n\r\n220 ready\r\n \r\n250-host\r\n\r\n250-SIZE 100\r\n\t\r\n250 HELP\r\n\n354\r\n\r\n"}));
 }
 
-void TstSmtpReply::endlessBlankLinesAreAFault()
+void TestSmtpReply::endlessBlankLinesAreAFault()
 {
     SmtpReplyParser parser;
     parser.feed(QByteArray("\r\n").repeated(10'000));
@@ -89,19 +89,19 @@ void TstSmtpReply::endlessBlankLinesAreAFault()
     QVERIFY(!parser.fault().isEmpty());
 }
 
-void TstSmtpReply::lineFeedsAloneEndLines()
+void TestSmtpReply::lineFeedsAloneEndLines()
 {
     compareDialogue(repliesOf({QByteArray(dialogue).replace("\r\n", "\n")}));
 }
 
-void TstSmtpReply::aCodeAloneIsAReply()
+void TestSmtpReply::aCodeAloneIsAReply()
 {
     const QList<SmtpReply> found = repliesOf({"250\r\n250-\r\n250 \r\n"});
     QCOMPARE(found.size(), 2);
     QCOMPARE(found.at(1).Lines, (QList<QByteArray>{"", ""}));
 }
 
-void TstSmtpReply::codesMustAgreeWithinAReply()
+void TestSmtpReply::codesMustAgreeWithinAReply()
 {
     SmtpReplyParser parser;
     parser.feed("250-one\r\n550 two\r\n");
@@ -109,7 +109,7 @@ void TstSmtpReply::codesMustAgreeWithinAReply()
     QVERIFY2(parser.fault().contains(u"550 two"), qPrintable(parser.fault()));
 }
 
-void TstSmtpReply::whatIsNotSmtpIsAFault_data()
+void TestSmtpReply::whatIsNotSmtpIsAFault_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::newRow("web server") << QByteArray("HTTP/1.1 400 Bad Request");
@@ -125,7 +125,7 @@ void TstSmtpReply::whatIsNotSmtpIsAFault_data()
     QTest::newRow("sign") << QByteArray("2-1 ok");
 }
 
-void TstSmtpReply::whatIsNotSmtpIsAFault()
+void TestSmtpReply::whatIsNotSmtpIsAFault()
 {
     QFETCH(QByteArray, line);
     SmtpReplyParser parser;
@@ -134,7 +134,7 @@ void TstSmtpReply::whatIsNotSmtpIsAFault()
     QVERIFY(parser.fault().startsWith(u"its answer is not SMTP"));
 }
 
-void TstSmtpReply::anEndlessLineIsAFaultAndTakesNoMoreMemory()
+void TestSmtpReply::anEndlessLineIsAFaultAndTakesNoMoreMemory()
 {
     SmtpReplyParser parser;
     parser.feed("220 ");
@@ -146,7 +146,7 @@ void TstSmtpReply::anEndlessLineIsAFaultAndTakesNoMoreMemory()
     QVERIFY(!parser.hasPending());
 }
 
-void TstSmtpReply::endlessLinesOfOneReplyAreAFault()
+void TestSmtpReply::endlessLinesOfOneReplyAreAFault()
 {
     SmtpReplyParser parser;
     parser.feed(QByteArray("250-more\r\n").repeated(SmtpReplyParser::MaxLines + 1));
@@ -154,7 +154,7 @@ void TstSmtpReply::endlessLinesOfOneReplyAreAFault()
     QVERIFY(!parser.fault().isEmpty());
 }
 
-void TstSmtpReply::aFaultStays()
+void TestSmtpReply::aFaultStays()
 {
     SmtpReplyParser parser;
     parser.feed("garbage\r\n");
@@ -165,7 +165,7 @@ void TstSmtpReply::aFaultStays()
     QCOMPARE(parser.fault(), fault);
 }
 
-void TstSmtpReply::pendingInputIsSeen()
+void TestSmtpReply::pendingInputIsSeen()
 {
     SmtpReplyParser parser;
     parser.feed("220 ready\r\n\r\n");
@@ -182,7 +182,7 @@ void TstSmtpReply::pendingInputIsSeen()
     QVERIFY(!parser.hasPending());
 }
 
-void TstSmtpReply::textsArePrintableAndBounded()
+void TestSmtpReply::textsArePrintableAndBounded()
 {
     const SmtpReply reply{550, {"no\x1b[31m\x07 \r way", QByteArray(1000, 'x')}};
     QVERIFY(reply.text().startsWith(u"550 no [31m way xxx"));
@@ -192,7 +192,7 @@ void TstSmtpReply::textsArePrintableAndBounded()
     QCOMPARE(printableText(QByteArray("\xf0\x9f\x98\x80").repeated(50), 10).size(), 11);
 }
 
-void TstSmtpReply::textsAreUtf8ElseLatin1()
+void TestSmtpReply::textsAreUtf8ElseLatin1()
 {
     QCOMPARE(printableText(QByteArray("Postfach gel\xc3\xb6scht")), u"Postfach gelöscht"_s);
     QCOMPARE(printableText(QByteArray("Postfach gel\xf6scht")), u"Postfach gelöscht"_s);
@@ -203,7 +203,7 @@ void TstSmtpReply::textsAreUtf8ElseLatin1()
     }
 }
 
-void TstSmtpReply::extensionsAreReadInAnyCase()
+void TestSmtpReply::extensionsAreReadInAnyCase()
 {
     const SmtpExtensions found = SmtpExtensions::fromEhlo(
         {250,
@@ -213,13 +213,13 @@ void TstSmtpReply::extensionsAreReadInAnyCase()
     QCOMPARE(found.Auth, (QList<QByteArray>{"LOGIN", "PLAIN", "CRAM-MD5"}));
 }
 
-void TstSmtpReply::extensionsOfTheGreetingLineDoNotCount()
+void TestSmtpReply::extensionsOfTheGreetingLineDoNotCount()
 {
     const SmtpExtensions found = SmtpExtensions::fromEhlo({250, {"STARTTLS"}});
     QVERIFY(!found.StartTls);
 }
 
-void TstSmtpReply::sizeWithoutAFigureIsNoLimit()
+void TestSmtpReply::sizeWithoutAFigureIsNoLimit()
 {
     QCOMPARE(SmtpExtensions::fromEhlo({250, {"host", "SIZE"}}).MaxSize, 0);
     QCOMPARE(SmtpExtensions::fromEhlo({250, {"host", "SIZE many"}}).MaxSize, 0);
@@ -227,5 +227,5 @@ void TstSmtpReply::sizeWithoutAFigureIsNoLimit()
     QVERIFY(SmtpExtensions::fromEhlo({250, {"host", "SIZE"}}).Size);
 }
 
-QTEST_GUILESS_MAIN(TstSmtpReply)
-#include "tst_smtpreply.moc"
+QTEST_GUILESS_MAIN(TestSmtpReply)
+#include "test_smtpreply.moc"

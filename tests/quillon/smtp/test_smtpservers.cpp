@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 using testsupport::ChildServer;
 
 /// The transport against servers that others wrote: aiosmtpd with Python's TLS, and OpenSSL's certificates.
-class TstSmtpServers : public QObject {
+class TestSmtpServers : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -67,20 +67,20 @@ void addLinks()
 
 } // namespace
 
-void TstSmtpServers::initTestCase()
+void TestSmtpServers::initTestCase()
 {
     m_certificates = std::make_unique<testsupport::Certificates>();
     QVERIFY2(m_certificates->isValid(), qPrintable(m_certificates->fault()));
 }
 
-void TstSmtpServers::init()
+void TestSmtpServers::init()
 {
     m_out = std::make_unique<QTemporaryDir>();
     MailTransport::setTimeouts(60'000, 60'000, 60'000);
     SmtpTls::setAuthorities({m_certificates->authority()});
 }
 
-QStringList TstSmtpServers::tlsArguments(const QString &kind, bool elsewhere) const
+QStringList TestSmtpServers::tlsArguments(const QString &kind, bool elsewhere) const
 {
     QStringList arguments = {u"--out"_s, m_out->path(), u"--tls"_s, kind};
     if (kind != u"none") {
@@ -90,19 +90,19 @@ QStringList TstSmtpServers::tlsArguments(const QString &kind, bool elsewhere) co
     return arguments;
 }
 
-QByteArray TstSmtpServers::received(int number) const
+QByteArray TestSmtpServers::received(int number) const
 {
     QFile file(m_out->filePath(u"%1.eml"_s.arg(number)));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-QJsonObject TstSmtpServers::facts(int number) const
+QJsonObject TestSmtpServers::facts(int number) const
 {
     QFile file(m_out->filePath(u"%1.json"_s.arg(number)));
     return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
 }
 
-void TstSmtpServers::aPlainServerGetsTheMailOctetByOctet()
+void TestSmtpServers::aPlainServerGetsTheMailOctetByOctet()
 {
     ChildServer server;
     QVERIFY2(server.startPython(u"smtp_server.py"_s, tlsArguments(u"none"_s)), qPrintable(server.fault()));
@@ -115,7 +115,7 @@ void TstSmtpServers::aPlainServerGetsTheMailOctetByOctet()
     QVERIFY(client.Errors.isEmpty());
 }
 
-void TstSmtpServers::linesOfDotsAndLongLinesArrive()
+void TestSmtpServers::linesOfDotsAndLongLinesArrive()
 {
     ChildServer server;
     QVERIFY2(server.startPython(u"smtp_server.py"_s, tlsArguments(u"none"_s)), qPrintable(server.fault()));
@@ -126,7 +126,7 @@ void TstSmtpServers::linesOfDotsAndLongLinesArrive()
     QCOMPARE(received(1), mail);
 }
 
-void TstSmtpServers::everyLoginWorksOverEveryLink_data()
+void TestSmtpServers::everyLoginWorksOverEveryLink_data()
 {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<int>("security");
@@ -145,7 +145,7 @@ void TstSmtpServers::everyLoginWorksOverEveryLink_data()
     QTest::newRow("UTF-8 in LOGIN") << u"implicit"_s << int(MailTransport::Ssl) << u"LOGIN"_s << u"gehëim 密"_s;
 }
 
-void TstSmtpServers::everyLoginWorksOverEveryLink()
+void TestSmtpServers::everyLoginWorksOverEveryLink()
 {
     QFETCH(QString, kind);
     QFETCH(int, security);
@@ -170,7 +170,7 @@ void TstSmtpServers::everyLoginWorksOverEveryLink()
     QVERIFY(!client.Progress.join(u' ').contains(password));
 }
 
-void TstSmtpServers::aWrongPasswordIsAnErrorOfConnect_data()
+void TestSmtpServers::aWrongPasswordIsAnErrorOfConnect_data()
 {
     QTest::addColumn<QString>("mechanism");
     QTest::newRow("PLAIN") << u"PLAIN"_s;
@@ -178,7 +178,7 @@ void TstSmtpServers::aWrongPasswordIsAnErrorOfConnect_data()
     QTest::newRow("CRAM-MD5") << u"CRAM-MD5"_s;
 }
 
-void TstSmtpServers::aWrongPasswordIsAnErrorOfConnect()
+void TestSmtpServers::aWrongPasswordIsAnErrorOfConnect()
 {
     QFETCH(QString, mechanism);
     ChildServer server;
@@ -200,12 +200,12 @@ void TstSmtpServers::aWrongPasswordIsAnErrorOfConnect()
     QVERIFY(received(1).isEmpty());
 }
 
-void TstSmtpServers::anUntrustedCertificateIsAnErrorAndNothingIsSent_data()
+void TestSmtpServers::anUntrustedCertificateIsAnErrorAndNothingIsSent_data()
 {
     addLinks();
 }
 
-void TstSmtpServers::anUntrustedCertificateIsAnErrorAndNothingIsSent()
+void TestSmtpServers::anUntrustedCertificateIsAnErrorAndNothingIsSent()
 {
     QFETCH(QString, kind);
     QFETCH(int, security);
@@ -225,12 +225,12 @@ void TstSmtpServers::anUntrustedCertificateIsAnErrorAndNothingIsSent()
     QVERIFY(received(1).isEmpty());
 }
 
-void TstSmtpServers::aCertificateForAnotherHostIsAnErrorAndNothingIsSent_data()
+void TestSmtpServers::aCertificateForAnotherHostIsAnErrorAndNothingIsSent_data()
 {
     addLinks();
 }
 
-void TstSmtpServers::aCertificateForAnotherHostIsAnErrorAndNothingIsSent()
+void TestSmtpServers::aCertificateForAnotherHostIsAnErrorAndNothingIsSent()
 {
     QFETCH(QString, kind);
     QFETCH(int, security);
@@ -247,7 +247,7 @@ void TstSmtpServers::aCertificateForAnotherHostIsAnErrorAndNothingIsSent()
     QVERIFY(received(1).isEmpty());
 }
 
-void TstSmtpServers::tlsWithAServerThatSpeaksNoneIsAnError()
+void TestSmtpServers::tlsWithAServerThatSpeaksNoneIsAnError()
 {
     // A plain server waits for a command and gets TLS octets: it refuses them in its own tongue.
     testsupport::ScriptedServer server;
@@ -258,7 +258,7 @@ void TstSmtpServers::tlsWithAServerThatSpeaksNoneIsAnError()
     QVERIFY2(client.Errors.first().contains(u"TLS"), qPrintable(client.Errors.first()));
 }
 
-void TstSmtpServers::plainTalkWithATlsServerIsAnError()
+void TestSmtpServers::plainTalkWithATlsServerIsAnError()
 {
     // Such a server says nothing until the client has begun TLS, so only the time for silence ends it.
     MailTransport::setTimeouts(60'000, 150, 30);
@@ -272,7 +272,7 @@ void TstSmtpServers::plainTalkWithATlsServerIsAnError()
     QCOMPARE(client.Errors.size(), 1);
 }
 
-void TstSmtpServers::aRefusedRecipientOfARealServerIsNamed()
+void TestSmtpServers::aRefusedRecipientOfARealServerIsNamed()
 {
     ChildServer server;
     QVERIFY2(server.startPython(u"smtp_server.py"_s, tlsArguments(u"none"_s) + QStringList{u"--refuse"_s, u"no@b.c"_s}),
@@ -288,7 +288,7 @@ void TstSmtpServers::aRefusedRecipientOfARealServerIsNamed()
     QVERIFY(received(2).isEmpty());
 }
 
-void TstSmtpServers::smtpUtf8GoesToAServerThatHasIt()
+void TestSmtpServers::smtpUtf8GoesToAServerThatHasIt()
 {
     for (const bool has : {true, false}) {
         ChildServer server;
@@ -306,7 +306,7 @@ void TstSmtpServers::smtpUtf8GoesToAServerThatHasIt()
     }
 }
 
-void TstSmtpServers::theServersSizeIsRespected()
+void TestSmtpServers::theServersSizeIsRespected()
 {
     ChildServer server;
     QVERIFY2(server.startPython(u"smtp_server.py"_s, tlsArguments(u"none"_s) + QStringList{u"--size"_s, u"1000"_s}),
@@ -319,12 +319,12 @@ void TstSmtpServers::theServersSizeIsRespected()
     QCOMPARE(received(1), text);
 }
 
-void TstSmtpServers::tlsSessionsAreResumed_data()
+void TestSmtpServers::tlsSessionsAreResumed_data()
 {
     addLinks();
 }
 
-void TstSmtpServers::tlsSessionsAreResumed()
+void TestSmtpServers::tlsSessionsAreResumed()
 {
     // Python's sink tells for each connection whether it was resumed.
     QFETCH(int, security);
@@ -352,7 +352,7 @@ void TstSmtpServers::tlsSessionsAreResumed()
     QCOMPARE(tls, (QList<QByteArray>{"TLS new", "TLS resumed", "TLS resumed"}));
 }
 
-void TstSmtpServers::aLargeFileRaisesThePeakMemoryByLessThanTwentyMegabytes_data()
+void TestSmtpServers::aLargeFileRaisesThePeakMemoryByLessThanTwentyMegabytes_data()
 {
     QTest::addColumn<int>("security");
     QTest::newRow("plain") << int(MailTransport::NoSecurity);
@@ -384,7 +384,7 @@ bool resetPeak()
 
 } // namespace
 
-void TstSmtpServers::aLargeFileRaisesThePeakMemoryByLessThanTwentyMegabytes()
+void TestSmtpServers::aLargeFileRaisesThePeakMemoryByLessThanTwentyMegabytes()
 {
     QFETCH(int, security);
 #ifdef __SANITIZE_ADDRESS__
@@ -432,5 +432,5 @@ void TstSmtpServers::aLargeFileRaisesThePeakMemoryByLessThanTwentyMegabytes()
     QCOMPARE(told.last(), digest.result().toHex());
 }
 
-QTEST_GUILESS_MAIN(TstSmtpServers)
-#include "tst_smtpservers.moc"
+QTEST_GUILESS_MAIN(TestSmtpServers)
+#include "test_smtpservers.moc"

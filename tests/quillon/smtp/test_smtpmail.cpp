@@ -10,7 +10,7 @@
 using namespace quillon;
 using namespace Qt::StringLiterals;
 
-class TstSmtpMail : public QObject {
+class TestSmtpMail : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -79,7 +79,7 @@ const QString from = u"from@example.org"_s;
 
 } // namespace
 
-void TstSmtpMail::dotsAtLineStartsAreDoubledAcrossEveryCut()
+void TestSmtpMail::dotsAtLineStartsAreDoubledAcrossEveryCut()
 {
     const QByteArray text = ".first\r\n.\r\n..\r\na.b\r\n.\r\n";
     const QByteArray expected = "..first\r\n..\r\n...\r\na.b\r\n..\r\n.\r\n";
@@ -90,7 +90,7 @@ void TstSmtpMail::dotsAtLineStartsAreDoubledAcrossEveryCut()
     }
 }
 
-void TstSmtpMail::aMailWithoutALastLineEndGetsOne()
+void TestSmtpMail::aMailWithoutALastLineEndGetsOne()
 {
     QCOMPARE(wireOf(mailOfPieces({"a"})), "a\r\n.\r\n");
     QCOMPARE(wireOf(mailOfPieces({"a\r"})), "a\r\r\n.\r\n");
@@ -98,13 +98,13 @@ void TstSmtpMail::aMailWithoutALastLineEndGetsOne()
     QCOMPARE(wireOf(mailOfPieces({"a\r", "\n"})), "a\r\n.\r\n");
 }
 
-void TstSmtpMail::anEmptyMailIsTheFinalDot()
+void TestSmtpMail::anEmptyMailIsTheFinalDot()
 {
     QCOMPARE(wireOf(mailOfPieces({})), ".\r\n");
     QCOMPARE(wireOf(mailOfPieces({""})), ".\r\n");
 }
 
-void TstSmtpMail::filesBecomeBase64LinesOfEverySize()
+void TestSmtpMail::filesBecomeBase64LinesOfEverySize()
 {
     for (const int size : {0, 1, 56, 57, 58, 114, 56'999, 57'000, 57'001, 114'000, 200'000}) {
         QByteArray content(size, Qt::Uninitialized);
@@ -124,7 +124,7 @@ void TstSmtpMail::filesBecomeBase64LinesOfEverySize()
     }
 }
 
-void TstSmtpMail::aFileThatHasGrownIsAFault()
+void TestSmtpMail::aFileThatHasGrownIsAFault()
 {
     const QTemporaryDir folder;
     const EncodedMail mail = Client::mailWithFile(writeFile(folder, "content"));
@@ -137,7 +137,7 @@ void TstSmtpMail::aFileThatHasGrownIsAFault()
     QVERIFY(!body.isAtEnd());
 }
 
-void TstSmtpMail::aFileThatHasShrunkIsAFault()
+void TestSmtpMail::aFileThatHasShrunkIsAFault()
 {
     const QTemporaryDir folder;
     const EncodedMail mail = Client::mailWithFile(writeFile(folder, "content"));
@@ -149,7 +149,7 @@ void TstSmtpMail::aFileThatHasShrunkIsAFault()
     QVERIFY(!body.isAtEnd());
 }
 
-void TstSmtpMail::aFileThatIsGoneIsAFault()
+void TestSmtpMail::aFileThatIsGoneIsAFault()
 {
     const QTemporaryDir folder;
     const QString path = writeFile(folder, "content");
@@ -162,7 +162,7 @@ void TstSmtpMail::aFileThatIsGoneIsAFault()
     QVERIFY(!body.isAtEnd());
 }
 
-void TstSmtpMail::aFolderInPlaceOfAFileIsAFault()
+void TestSmtpMail::aFolderInPlaceOfAFileIsAFault()
 {
     const QTemporaryDir folder;
     EncodedMail mail;
@@ -172,7 +172,7 @@ void TstSmtpMail::aFolderInPlaceOfAFileIsAFault()
     QVERIFY(!body.fault().isEmpty());
 }
 
-void TstSmtpMail::percentGoesFromNoneToAll()
+void TestSmtpMail::percentGoesFromNoneToAll()
 {
     const QTemporaryDir folder;
     SmtpBody body(Client::mailWithFile(writeFile(folder, QByteArray(1'000'000, 'x'))));
@@ -186,7 +186,7 @@ void TstSmtpMail::percentGoesFromNoneToAll()
     QVERIFY(seen.contains(50) || seen.contains(51) || seen.contains(49));
 }
 
-void TstSmtpMail::equalRecipientsAreNamedOnce()
+void TestSmtpMail::equalRecipientsAreNamedOnce()
 {
     const auto envelope = SmtpEnvelope::plan(addressed(from, {u"a@b.c"_s, u"d@e.f"_s, u"a@b.c"_s}), {});
     QVERIFY(!envelope.Failure);
@@ -194,12 +194,12 @@ void TstSmtpMail::equalRecipientsAreNamedOnce()
              (QList<QByteArray>{"MAIL FROM:<from@example.org>", "RCPT TO:<a@b.c>", "RCPT TO:<d@e.f>"}));
 }
 
-void TstSmtpMail::recipientsThatDifferInCaseAreTwo()
+void TestSmtpMail::recipientsThatDifferInCaseAreTwo()
 {
     QCOMPARE(SmtpEnvelope::plan(addressed(from, {u"a@b.c"_s, u"A@b.c"_s}), {}).Recipients.size(), 2);
 }
 
-void TstSmtpMail::controlCharactersInAddressesNeverReachTheWire_data()
+void TestSmtpMail::controlCharactersInAddressesNeverReachTheWire_data()
 {
     QTest::addColumn<QString>("address");
     QTest::newRow("CR LF") << u"a@b.c>\r\nRCPT TO:<evil@e.f"_s;
@@ -221,7 +221,7 @@ void TstSmtpMail::controlCharactersInAddressesNeverReachTheWire_data()
     QTest::newRow("endless") << QString(1000, u'a') + u"@b.c"_s;
 }
 
-void TstSmtpMail::controlCharactersInAddressesNeverReachTheWire()
+void TestSmtpMail::controlCharactersInAddressesNeverReachTheWire()
 {
     QFETCH(QString, address);
     SmtpExtensions all;
@@ -234,14 +234,14 @@ void TstSmtpMail::controlCharactersInAddressesNeverReachTheWire()
     }
 }
 
-void TstSmtpMail::aQuotedLocalPartMayHoldBlanksAndBrackets()
+void TestSmtpMail::aQuotedLocalPartMayHoldBlanksAndBrackets()
 {
     const auto envelope = SmtpEnvelope::plan(addressed(from, {u"\"a <b>\\\" c\"@b.c"_s}), {});
     QVERIFY(!envelope.Failure);
     QCOMPARE(envelope.Commands.last(), "RCPT TO:<\"a <b>\\\" c\"@b.c>");
 }
 
-void TstSmtpMail::aForeignDomainGoesInItsAsciiForm()
+void TestSmtpMail::aForeignDomainGoesInItsAsciiForm()
 {
     const auto envelope = SmtpEnvelope::plan(addressed(u"ich@bücher.example"_s, {u"du@例え.jp"_s}), {});
     QVERIFY(!envelope.Failure);
@@ -249,7 +249,7 @@ void TstSmtpMail::aForeignDomainGoesInItsAsciiForm()
     QCOMPARE(envelope.Commands.last(), "RCPT TO:<du@xn--r8jz45g.jp>");
 }
 
-void TstSmtpMail::aForeignLocalPartNeedsSmtpUtf8()
+void TestSmtpMail::aForeignLocalPartNeedsSmtpUtf8()
 {
     const SmtpMail mail = addressed(from, {u"jürgen@example.org"_s});
     const auto without = SmtpEnvelope::plan(mail, {});
@@ -266,7 +266,7 @@ void TstSmtpMail::aForeignLocalPartNeedsSmtpUtf8()
              "MAIL FROM:<from@example.org>");
 }
 
-void TstSmtpMail::aHeaderThatNeedsSmtpUtf8NeedsTheServer()
+void TestSmtpMail::aHeaderThatNeedsSmtpUtf8NeedsTheServer()
 {
     SmtpMail mail = addressed(from, {u"a@b.c"_s});
     mail.Content.NeedsSmtpUtf8 = true;
@@ -276,7 +276,7 @@ void TstSmtpMail::aHeaderThatNeedsSmtpUtf8NeedsTheServer()
     QCOMPARE(SmtpEnvelope::plan(mail, extensions).Commands.first(), "MAIL FROM:<from@example.org> SMTPUTF8");
 }
 
-void TstSmtpMail::sizeIsToldAndRespected()
+void TestSmtpMail::sizeIsToldAndRespected()
 {
     SmtpExtensions extensions;
     extensions.Size = true;
@@ -292,20 +292,20 @@ void TstSmtpMail::sizeIsToldAndRespected()
     QVERIFY(!SmtpEnvelope::plan(mail, extensions).Failure);
 }
 
-void TstSmtpMail::aMailThatCouldNotBeEncodedSaysWhy()
+void TestSmtpMail::aMailThatCouldNotBeEncodedSaysWhy()
 {
     SmtpMail mail = addressed(from, {u"a@b.c"_s});
     mail.Content.ErrorText = u"The file is gone."_s;
     QCOMPARE(SmtpEnvelope::plan(mail, {}).Failure->Text, u"The file is gone."_s);
 }
 
-void TstSmtpMail::noSenderAndNoRecipientAreFaults()
+void TestSmtpMail::noSenderAndNoRecipientAreFaults()
 {
     QVERIFY(SmtpEnvelope::plan(addressed(QString(), {u"a@b.c"_s}), {}).Failure->Text.contains(u"sender"));
     QVERIFY(SmtpEnvelope::plan(addressed(from, {}), {}).Failure->Text.contains(u"recipient"));
 }
 
-void TstSmtpMail::hostNamesAreMadeAscii()
+void TestSmtpMail::hostNamesAreMadeAscii()
 {
     QCOMPARE(asciiHost(u" mail.example.org "_s), u"mail.example.org"_s);
     QCOMPARE(asciiHost(u"[::1]"_s), u"::1"_s);
@@ -315,5 +315,5 @@ void TstSmtpMail::hostNamesAreMadeAscii()
     QCOMPARE(asciiHost(u"http://example.org"_s), QString());
 }
 
-QTEST_GUILESS_MAIN(TstSmtpMail)
-#include "tst_smtpmail.moc"
+QTEST_GUILESS_MAIN(TestSmtpMail)
+#include "test_smtpmail.moc"

@@ -192,4 +192,4 @@ void TestHtmlText::misfitInAScriptAsksForAnotherCharset()
 }
 
 QTEST_APPLESS_MAIN(TestHtmlText)
-#include "tst_htmltext.moc"
+#include "test_htmltext.moc"

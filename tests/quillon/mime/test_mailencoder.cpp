@@ -532,4 +532,4 @@ void TestMailEncoder::changedFileIsLookedIntoAgain()
 }
 
 QTEST_GUILESS_MAIN(TestMailEncoder)
-#include "tst_mailencoder.moc"
+#include "test_mailencoder.moc"

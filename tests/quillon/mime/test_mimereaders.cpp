@@ -278,4 +278,4 @@ void TestMimeReaders::mailparserReadsTwentyMegabytes()
 }
 
 QTEST_GUILESS_MAIN(TestMimeReaders)
-#include "tst_mimereaders.moc"
+#include "test_mimereaders.moc"

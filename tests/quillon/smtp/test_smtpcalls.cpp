@@ -22,7 +22,7 @@ const QByteArray text = "Subject: x\r\n\r\nhello\r\n";
 } // namespace
 
 /// What the calls promise their caller: states, results, one error each, and no harm from what a nested loop lets in.
-class TstSmtpCalls : public QObject {
+class TestSmtpCalls : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -101,7 +101,7 @@ void addMoments()
 
 } // namespace
 
-void TstSmtpCalls::anEmptyPortFieldIsPortZeroAndAnError()
+void TestSmtpCalls::anEmptyPortFieldIsPortZeroAndAnError()
 {
     Client client;
     client.Transport.Connect(u"127.0.0.1"_s, QString().toLong(), 0, 0);
@@ -110,7 +110,7 @@ void TstSmtpCalls::anEmptyPortFieldIsPortZeroAndAnError()
     QVERIFY2(client.Errors.first().contains(u"0 is not a port"), qPrintable(client.Errors.first()));
 }
 
-void TstSmtpCalls::badServersAndPortsAreErrorsWithoutAConnection_data()
+void TestSmtpCalls::badServersAndPortsAreErrorsWithoutAConnection_data()
 {
     QTest::addColumn<QString>("server");
     QTest::addColumn<long>("port");
@@ -125,7 +125,7 @@ void TstSmtpCalls::badServersAndPortsAreErrorsWithoutAConnection_data()
     QTest::newRow("huge port") << u"127.0.0.1"_s << (1L << 40) + 25;
 }
 
-void TstSmtpCalls::badServersAndPortsAreErrorsWithoutAConnection()
+void TestSmtpCalls::badServersAndPortsAreErrorsWithoutAConnection()
 {
     QFETCH(QString, server);
     QFETCH(long, port);
@@ -138,7 +138,7 @@ void TstSmtpCalls::badServersAndPortsAreErrorsWithoutAConnection()
     QCOMPARE(client.Errors.size(), 1);
 }
 
-void TstSmtpCalls::aRefusedConnectionIsAnError()
+void TestSmtpCalls::aRefusedConnectionIsAnError()
 {
     quint16 port = 0;
     {
@@ -153,7 +153,7 @@ void TstSmtpCalls::aRefusedConnectionIsAnError()
              qPrintable(client.Errors.first()));
 }
 
-void TstSmtpCalls::anUnknownHostIsAnError()
+void TestSmtpCalls::anUnknownHostIsAnError()
 {
     Client client;
     // A label of more than 63 octets is known to be no name without asking anybody.
@@ -163,7 +163,7 @@ void TstSmtpCalls::anUnknownHostIsAnError()
     QVERIFY2(client.Errors.first().contains(host), qPrintable(client.Errors.first()));
 }
 
-void TstSmtpCalls::aSilentPeerLeavesStateAtTwoAfterTheGrace()
+void TestSmtpCalls::aSilentPeerLeavesStateAtTwoAfterTheGrace()
 {
     MailTransport::setTimeouts(30'000, 30'000, shortGrace);
     ScriptedServer server;
@@ -178,7 +178,7 @@ void TstSmtpCalls::aSilentPeerLeavesStateAtTwoAfterTheGrace()
     QVERIFY(client.Errors.isEmpty());
 }
 
-void TstSmtpCalls::aSilentPeerBehindTlsLeavesStateAtTwoAfterTheGrace()
+void TestSmtpCalls::aSilentPeerBehindTlsLeavesStateAtTwoAfterTheGrace()
 {
     MailTransport::setTimeouts(30'000, 30'000, shortGrace);
     ScriptedServer server;
@@ -189,7 +189,7 @@ void TstSmtpCalls::aSilentPeerBehindTlsLeavesStateAtTwoAfterTheGrace()
     QVERIFY(client.Errors.isEmpty());
 }
 
-void TstSmtpCalls::sendWaitsForALateGreeting()
+void TestSmtpCalls::sendWaitsForALateGreeting()
 {
     MailTransport::setTimeouts(30'000, 30'000, shortGrace);
     ScriptedServer server;
@@ -202,7 +202,7 @@ void TstSmtpCalls::sendWaitsForALateGreeting()
     QVERIFY(client.Errors.isEmpty());
 }
 
-void TstSmtpCalls::acceptedWaitsForALateGreeting()
+void TestSmtpCalls::acceptedWaitsForALateGreeting()
 {
     MailTransport::setTimeouts(30'000, 30'000, shortGrace);
     ScriptedServer server;
@@ -214,7 +214,7 @@ void TstSmtpCalls::acceptedWaitsForALateGreeting()
     QVERIFY(server.heard("EHLO"));
 }
 
-void TstSmtpCalls::acceptedIsFalseForAPeerThatStaysSilent()
+void TestSmtpCalls::acceptedIsFalseForAPeerThatStaysSilent()
 {
     MailTransport::setTimeouts(30'000, shortSilence, shortGrace);
     ScriptedServer server;
@@ -228,7 +228,7 @@ void TstSmtpCalls::acceptedIsFalseForAPeerThatStaysSilent()
     QCOMPARE(client.Errors.size(), 1);
 }
 
-void TstSmtpCalls::sendIsFalseForAPeerThatStaysSilent()
+void TestSmtpCalls::sendIsFalseForAPeerThatStaysSilent()
 {
     MailTransport::setTimeouts(30'000, shortSilence, shortGrace);
     ScriptedServer server;
@@ -240,7 +240,7 @@ void TstSmtpCalls::sendIsFalseForAPeerThatStaysSilent()
     QVERIFY2(client.Errors.first().contains(u"greeting"), qPrintable(client.Errors.first()));
 }
 
-void TstSmtpCalls::aGreetingThatHasBegunIsWaitedFor()
+void TestSmtpCalls::aGreetingThatHasBegunIsWaitedFor()
 {
     // Some servers show the first line of their greeting and see whether the client is patient.
     MailTransport::setTimeouts(30'000, 30'000, shortGrace);
@@ -252,7 +252,7 @@ void TstSmtpCalls::aGreetingThatHasBegunIsWaitedFor()
     QVERIFY(server.heard("EHLO"));
 }
 
-void TstSmtpCalls::acceptedIsTrueOnlyForAFinishedSession()
+void TestSmtpCalls::acceptedIsTrueOnlyForAFinishedSession()
 {
     Client never;
     QVERIFY(!never.Transport.Accepted());
@@ -266,7 +266,7 @@ void TstSmtpCalls::acceptedIsTrueOnlyForAFinishedSession()
     QVERIFY(client.Errors.isEmpty());
 }
 
-void TstSmtpCalls::aLossBetweenTwoCallsIsToldByTheNext()
+void TestSmtpCalls::aLossBetweenTwoCallsIsToldByTheNext()
 {
     ScriptedServer server;
     Client client;
@@ -280,7 +280,7 @@ void TstSmtpCalls::aLossBetweenTwoCallsIsToldByTheNext()
     QVERIFY2(client.Errors.first().contains(u"421 4.4.2 idle for too long"), qPrintable(client.Errors.first()));
 }
 
-void TstSmtpCalls::aLossBetweenConnectAndQuitIsNotTold()
+void TestSmtpCalls::aLossBetweenConnectAndQuitIsNotTold()
 {
     ScriptedServer server;
     Client client;
@@ -291,7 +291,7 @@ void TstSmtpCalls::aLossBetweenConnectAndQuitIsNotTold()
     QVERIFY(client.Errors.isEmpty());
 }
 
-void TstSmtpCalls::sendAfterAFailedConnectIsFalseWithoutASecondError()
+void TestSmtpCalls::sendAfterAFailedConnectIsFalseWithoutASecondError()
 {
     ScriptedServer server;
     server.Greeting = "554 go away\r\n";
@@ -303,14 +303,14 @@ void TstSmtpCalls::sendAfterAFailedConnectIsFalseWithoutASecondError()
     QCOMPARE(client.Errors.size(), 1);
 }
 
-void TstSmtpCalls::sendWithoutConnectIsAnError()
+void TestSmtpCalls::sendWithoutConnectIsAnError()
 {
     Client client;
     QVERIFY(!client.Transport.Send(MailMessage()));
     QCOMPARE(client.Errors.size(), 1);
 }
 
-void TstSmtpCalls::sendAfterQuitIsAnError()
+void TestSmtpCalls::sendAfterQuitIsAnError()
 {
     ScriptedServer server;
     Client client;
@@ -320,7 +320,7 @@ void TstSmtpCalls::sendAfterQuitIsAnError()
     QCOMPARE(client.Errors.size(), 1);
 }
 
-void TstSmtpCalls::sendAfterABrokenSendIsAnError()
+void TestSmtpCalls::sendAfterABrokenSendIsAnError()
 {
     ScriptedServer server;
     server.answer("MAIL", "421 closing\r\n");
@@ -332,7 +332,7 @@ void TstSmtpCalls::sendAfterABrokenSendIsAnError()
     QCOMPARE(client.Errors.size(), 2);
 }
 
-void TstSmtpCalls::oneResultForOneSend()
+void TestSmtpCalls::oneResultForOneSend()
 {
     // Refused, and then the connection is lost as well: that is one failure.
     ScriptedServer server;
@@ -346,7 +346,7 @@ void TstSmtpCalls::oneResultForOneSend()
     QVERIFY(client.Errors.first().contains(u"550 no"));
 }
 
-void TstSmtpCalls::aTransportCanConnectAgain()
+void TestSmtpCalls::aTransportCanConnectAgain()
 {
     ScriptedServer server;
     server.Greeting = "554 not yet\r\n";
@@ -361,7 +361,7 @@ void TstSmtpCalls::aTransportCanConnectAgain()
     QCOMPARE(client.Errors.size(), 1);
 }
 
-void TstSmtpCalls::quitDoesNotWaitForAHungPeer()
+void TestSmtpCalls::quitDoesNotWaitForAHungPeer()
 {
     // No event loop runs between here and there, so a wait could only end by a time-out, which is half a minute.
     ScriptedServer server;
@@ -375,7 +375,7 @@ void TstSmtpCalls::quitDoesNotWaitForAHungPeer()
     QCOMPARE(client.Transport.State(), 0);
 }
 
-void TstSmtpCalls::quitSendsItsCommandOnAnIdleSession()
+void TestSmtpCalls::quitSendsItsCommandOnAnIdleSession()
 {
     ScriptedServer server;
     {
@@ -387,7 +387,7 @@ void TstSmtpCalls::quitSendsItsCommandOnAnIdleSession()
     QTRY_COMPARE(server.Ended, 1);
 }
 
-void TstSmtpCalls::quitTwiceAndWithoutConnectIsHarmless()
+void TestSmtpCalls::quitTwiceAndWithoutConnectIsHarmless()
 {
     Client client;
     client.Transport.Quit();
@@ -401,7 +401,7 @@ void TstSmtpCalls::quitTwiceAndWithoutConnectIsHarmless()
     QVERIFY(client.Errors.isEmpty());
 }
 
-void TstSmtpCalls::aSecondSendWithinASendIsFalse()
+void TestSmtpCalls::aSecondSendWithinASendIsFalse()
 {
     ScriptedServer server;
     Client client;
@@ -420,7 +420,7 @@ void TstSmtpCalls::aSecondSendWithinASendIsFalse()
     QVERIFY(client.Errors.isEmpty());
 }
 
-void TstSmtpCalls::connectAndAcceptedWithinASendAreHarmless()
+void TestSmtpCalls::connectAndAcceptedWithinASendAreHarmless()
 {
     ScriptedServer server;
     Client client;
@@ -436,12 +436,12 @@ void TstSmtpCalls::connectAndAcceptedWithinASendAreHarmless()
     QCOMPARE(server.Connections, 1);
 }
 
-void TstSmtpCalls::quitWithinSendUnwindsItFalse_data()
+void TestSmtpCalls::quitWithinSendUnwindsItFalse_data()
 {
     addMoments();
 }
 
-void TstSmtpCalls::quitWithinSendUnwindsItFalse()
+void TestSmtpCalls::quitWithinSendUnwindsItFalse()
 {
     QFETCH(QByteArray, line);
     ScriptedServer server;
@@ -454,12 +454,12 @@ void TstSmtpCalls::quitWithinSendUnwindsItFalse()
     QTRY_COMPARE(server.Ended, 1);
 }
 
-void TstSmtpCalls::destructionWithinSendUnwindsItFalse_data()
+void TestSmtpCalls::destructionWithinSendUnwindsItFalse_data()
 {
     addMoments();
 }
 
-void TstSmtpCalls::destructionWithinSendUnwindsItFalse()
+void TestSmtpCalls::destructionWithinSendUnwindsItFalse()
 {
     QFETCH(QByteArray, line);
     ScriptedServer server;
@@ -472,7 +472,7 @@ void TstSmtpCalls::destructionWithinSendUnwindsItFalse()
     QTRY_COMPARE(server.Ended, 1);
 }
 
-void TstSmtpCalls::quitWithinConnectUnwindsIt()
+void TestSmtpCalls::quitWithinConnectUnwindsIt()
 {
     ScriptedServer server;
     Client client;
@@ -482,7 +482,7 @@ void TstSmtpCalls::quitWithinConnectUnwindsIt()
     QTRY_COMPARE(server.Ended, 1);
 }
 
-void TstSmtpCalls::destructionWithinConnectUnwindsIt()
+void TestSmtpCalls::destructionWithinConnectUnwindsIt()
 {
     ScriptedServer server;
     auto transport = std::make_unique<MailTransport>();
@@ -492,7 +492,7 @@ void TstSmtpCalls::destructionWithinConnectUnwindsIt()
     QTRY_COMPARE(server.Ended, 1);
 }
 
-void TstSmtpCalls::destructionWithinProgressIsHarmless()
+void TestSmtpCalls::destructionWithinProgressIsHarmless()
 {
     // Once for each report that a session makes, from the first to the last.
     for (int victim = 1;; ++victim) {
@@ -516,7 +516,7 @@ void TstSmtpCalls::destructionWithinProgressIsHarmless()
     }
 }
 
-void TstSmtpCalls::destructionWithinErrorIsHarmless()
+void TestSmtpCalls::destructionWithinErrorIsHarmless()
 {
     ScriptedServer server;
     server.answer("RCPT", "550 no\r\n");
@@ -528,7 +528,7 @@ void TstSmtpCalls::destructionWithinErrorIsHarmless()
     QVERIFY(!transport);
 }
 
-void TstSmtpCalls::theEventLoopKeepsRunningWithinACall()
+void TestSmtpCalls::theEventLoopKeepsRunningWithinACall()
 {
     // The server answers only after the program's own timer has fired a hundred times.
     ScriptedServer server;
@@ -546,7 +546,7 @@ void TstSmtpCalls::theEventLoopKeepsRunningWithinACall()
     QVERIFY(ticks >= 100);
 }
 
-void TstSmtpCalls::theProgramsExitUnwindsACall()
+void TestSmtpCalls::theProgramsExitUnwindsACall()
 {
     ScriptedServer server;
     Client client;
@@ -561,7 +561,7 @@ void TstSmtpCalls::theProgramsExitUnwindsACall()
     QCOMPARE(client.Transport.State(), 0);
 }
 
-void TstSmtpCalls::aMessageGoesToToCcAndBcc()
+void TestSmtpCalls::aMessageGoesToToCcAndBcc()
 {
     ScriptedServer server;
     Client client;
@@ -581,7 +581,7 @@ void TstSmtpCalls::aMessageGoesToToCcAndBcc()
     QVERIFY(!server.Mails.first().contains("bcc@example.org"));
 }
 
-void TstSmtpCalls::aMessageThatCannotBeEncodedIsAnErrorOfSend()
+void TestSmtpCalls::aMessageThatCannotBeEncodedIsAnErrorOfSend()
 {
     ScriptedServer server;
     Client client;
@@ -596,5 +596,5 @@ void TstSmtpCalls::aMessageThatCannotBeEncodedIsAnErrorOfSend()
     QVERIFY(!server.heard("MAIL"));
 }
 
-QTEST_GUILESS_MAIN(TstSmtpCalls)
-#include "tst_smtpcalls.moc"
+QTEST_GUILESS_MAIN(TestSmtpCalls)
+#include "test_smtpcalls.moc"

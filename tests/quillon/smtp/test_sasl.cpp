@@ -8,7 +8,7 @@
 using namespace quillon;
 using namespace Qt::StringLiterals;
 
-class TstSasl : public QObject {
+class TestSasl : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -117,12 +117,12 @@ SmtpExtensions offering(const QList<QByteArray> &mechanisms)
 
 } // namespace
 
-void TstSasl::everyMechanismProvesItselfToTheLibrarysServer_data()
+void TestSasl::everyMechanismProvesItselfToTheLibrarysServer_data()
 {
     addMechanisms();
 }
 
-void TstSasl::everyMechanismProvesItselfToTheLibrarysServer()
+void TestSasl::everyMechanismProvesItselfToTheLibrarysServer()
 {
     QFETCH(QByteArray, mechanism);
     const Outcome outcome = converse(mechanism, u"pässwort"_s);
@@ -130,18 +130,18 @@ void TstSasl::everyMechanismProvesItselfToTheLibrarysServer()
     QVERIFY(outcome.Client);
 }
 
-void TstSasl::aWrongPasswordIsRefused_data()
+void TestSasl::aWrongPasswordIsRefused_data()
 {
     addMechanisms();
 }
 
-void TstSasl::aWrongPasswordIsRefused()
+void TestSasl::aWrongPasswordIsRefused()
 {
     QFETCH(QByteArray, mechanism);
     QVERIFY(!converse(mechanism, u"wrong"_s).Server);
 }
 
-void TstSasl::plainAndLoginCarryUtf8()
+void TestSasl::plainAndLoginCarryUtf8()
 {
     const auto plain = SaslClient::start("PLAIN", u"jürgen"_s, u"пароль"_s, u"h"_s);
     QCOMPARE(plain->step({}), QByteArray("\0j\xc3\xbcrgen\0", 9) + u"пароль"_s.toUtf8());
@@ -151,7 +151,7 @@ void TstSasl::plainAndLoginCarryUtf8()
     QVERIFY(login->isComplete());
 }
 
-void TstSasl::theBestMechanismIsChosen()
+void TestSasl::theBestMechanismIsChosen()
 {
     QCOMPARE(SaslClient::choose({"LOGIN", "PLAIN", "CRAM-MD5"}, true), "PLAIN");
     QCOMPARE(SaslClient::choose({"LOGIN", "PLAIN", "CRAM-MD5"}, false), "CRAM-MD5");
@@ -162,14 +162,14 @@ void TstSasl::theBestMechanismIsChosen()
     QCOMPARE(SaslClient::choose({}, true), QByteArray());
 }
 
-void TstSasl::aServerThatDoesNotProveItselfIsNotBelieved()
+void TestSasl::aServerThatDoesNotProveItselfIsNotBelieved()
 {
     SmtpLogin login(offering({"SCRAM-SHA-256"}), true, u"user"_s, u"secret"_s, u"h"_s);
     QVERIFY(login.command().startsWith("AUTH SCRAM-SHA-256 "));
     QVERIFY(!login.mayEnd());
 }
 
-void TstSasl::secretsAreTakenOutOfTexts()
+void TestSasl::secretsAreTakenOutOfTexts()
 {
     SmtpLogin login(offering({"PLAIN"}), true, u"user"_s, u"hunter2"_s, u"h"_s);
     const QByteArray command = login.command();
@@ -179,7 +179,7 @@ void TstSasl::secretsAreTakenOutOfTexts()
     QCOMPARE(text, u"535 no ***, no ***"_s);
 }
 
-void TstSasl::aLongFirstWordWaitsForTheServer()
+void TestSasl::aLongFirstWordWaitsForTheServer()
 {
     SmtpLogin login(offering({"PLAIN"}), true, u"user"_s, QString(600, u'x'), u"h"_s);
     QCOMPARE(login.command(), "AUTH PLAIN");
@@ -190,7 +190,7 @@ void TstSasl::aLongFirstWordWaitsForTheServer()
     QVERIFY(!login.fault().isEmpty());
 }
 
-void TstSasl::aChallengeThatIsNotBase64IsAFault()
+void TestSasl::aChallengeThatIsNotBase64IsAFault()
 {
     SmtpLogin cram(offering({"CRAM-MD5"}), true, u"user"_s, u"secret"_s, u"h"_s);
     QCOMPARE(cram.command(), "AUTH CRAM-MD5");
@@ -202,5 +202,5 @@ void TstSasl::aChallengeThatIsNotBase64IsAFault()
     QCOMPARE(login.answer({334, {"Username:"}}), QByteArray("user").toBase64());
 }
 
-QTEST_GUILESS_MAIN(TstSasl)
-#include "tst_sasl.moc"
+QTEST_GUILESS_MAIN(TestSasl)
+#include "test_sasl.moc"

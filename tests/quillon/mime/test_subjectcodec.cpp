@@ -264,4 +264,4 @@ void TestSubjectCodec::headerTextHasNoControlCharacters()
 }
 
 QTEST_APPLESS_MAIN(TestSubjectCodec)
-#include "tst_subjectcodec.moc"
+#include "test_subjectcodec.moc"

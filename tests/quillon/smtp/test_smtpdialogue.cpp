@@ -19,7 +19,7 @@ const QByteArray textOnWire = "Subject: x\r\n\r\nhello\r\n..\r\nend\r\n.\r\n";
 } // namespace
 
 /// What goes over the wire, octet by octet, against a server that does what the test says.
-class TstSmtpDialogue : public QObject {
+class TestSmtpDialogue : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -83,7 +83,7 @@ private:
     testsupport::Certificates m_certificates;
 };
 
-void TstSmtpDialogue::aMailGoesStepByStep()
+void TestSmtpDialogue::aMailGoesStepByStep()
 {
     ScriptedServer server;
     Client client;
@@ -100,7 +100,7 @@ void TstSmtpDialogue::aMailGoesStepByStep()
     QVERIFY(client.Errors.isEmpty());
 }
 
-void TstSmtpDialogue::pipelinedCommandsGoTogether()
+void TestSmtpDialogue::pipelinedCommandsGoTogether()
 {
     // The server is silent until it has DATA: only a client that does not wait for answers gets so far.
     ScriptedServer server;
@@ -119,7 +119,7 @@ void TstSmtpDialogue::pipelinedCommandsGoTogether()
     QCOMPARE(server.Mails, QList<QByteArray>{textOnWire});
 }
 
-void TstSmtpDialogue::severalRecipientsHoldDataBackUntilAllAreAccepted()
+void TestSmtpDialogue::severalRecipientsHoldDataBackUntilAllAreAccepted()
 {
     ScriptedServer server;
     server.Offers = {"PIPELINING"};
@@ -143,7 +143,7 @@ void TstSmtpDialogue::severalRecipientsHoldDataBackUntilAllAreAccepted()
     QCOMPARE(server.Mails.size(), 1);
 }
 
-void TstSmtpDialogue::aThousandPipelinedRecipientsAllGetTheMail()
+void TestSmtpDialogue::aThousandPipelinedRecipientsAllGetTheMail()
 {
     ScriptedServer server;
     server.Offers = {"PIPELINING"};
@@ -158,7 +158,7 @@ void TstSmtpDialogue::aThousandPipelinedRecipientsAllGetTheMail()
     QCOMPARE(server.Mails.size(), 1);
 }
 
-void TstSmtpDialogue::everyReplyCutAtEveryPlaceIsUnderstood()
+void TestSmtpDialogue::everyReplyCutAtEveryPlaceIsUnderstood()
 {
     for (int at = 1; at < 40; ++at) {
         ScriptedServer server;
@@ -171,7 +171,7 @@ void TstSmtpDialogue::everyReplyCutAtEveryPlaceIsUnderstood()
     }
 }
 
-void TstSmtpDialogue::multiLineRepliesEverywhereAreUnderstood()
+void TestSmtpDialogue::multiLineRepliesEverywhereAreUnderstood()
 {
     ScriptedServer server;
     server.Greeting = "220-one\r\n220-two\r\n220 three\r\n";
@@ -185,7 +185,7 @@ void TstSmtpDialogue::multiLineRepliesEverywhereAreUnderstood()
     QCOMPARE(server.Mails, QList<QByteArray>{textOnWire});
 }
 
-void TstSmtpDialogue::blankLinesBetweenRepliesArePassedOver()
+void TestSmtpDialogue::blankLinesBetweenRepliesArePassedOver()
 {
     ScriptedServer server;
     server.Greeting = "\r\n220 ready\r\n\r\n";
@@ -197,7 +197,7 @@ void TstSmtpDialogue::blankLinesBetweenRepliesArePassedOver()
     QVERIFY(client.send(text));
 }
 
-void TstSmtpDialogue::heloFollowsWhenEhloIsUnknown()
+void TestSmtpDialogue::heloFollowsWhenEhloIsUnknown()
 {
     ScriptedServer server;
     server.answer("EHLO", "502 what?\r\n");
@@ -208,7 +208,7 @@ void TstSmtpDialogue::heloFollowsWhenEhloIsUnknown()
     QCOMPARE(server.Lines.at(2), "MAIL FROM:<from@example.org>");
 }
 
-void TstSmtpDialogue::ehloNamesAFullHostOrAnAddress()
+void TestSmtpDialogue::ehloNamesAFullHostOrAnAddress()
 {
     ScriptedServer server;
     Client client;
@@ -263,12 +263,12 @@ bool runSession(Client &client, const ScriptedServer &server)
 
 } // namespace
 
-void TstSmtpDialogue::aRefusalIsReportedAtEachStage_data()
+void TestSmtpDialogue::aRefusalIsReportedAtEachStage_data()
 {
     addStages(true, true);
 }
 
-void TstSmtpDialogue::aRefusalIsReportedAtEachStage()
+void TestSmtpDialogue::aRefusalIsReportedAtEachStage()
 {
     QFETCH(QByteArray, command);
     QFETCH(QString, stage);
@@ -288,12 +288,12 @@ void TstSmtpDialogue::aRefusalIsReportedAtEachStage()
     }
 }
 
-void TstSmtpDialogue::aRefusalOfConnectClosesAndIsReportedOnce_data()
+void TestSmtpDialogue::aRefusalOfConnectClosesAndIsReportedOnce_data()
 {
     addStages(true, false);
 }
 
-void TstSmtpDialogue::aRefusalOfConnectClosesAndIsReportedOnce()
+void TestSmtpDialogue::aRefusalOfConnectClosesAndIsReportedOnce()
 {
     QFETCH(QByteArray, command);
     ScriptedServer server;
@@ -312,12 +312,12 @@ void TstSmtpDialogue::aRefusalOfConnectClosesAndIsReportedOnce()
     QCOMPARE(server.Connections, 1);
 }
 
-void TstSmtpDialogue::closingIsReportedAtEachStage_data()
+void TestSmtpDialogue::closingIsReportedAtEachStage_data()
 {
     addStages(true, true);
 }
 
-void TstSmtpDialogue::closingIsReportedAtEachStage()
+void TestSmtpDialogue::closingIsReportedAtEachStage()
 {
     QFETCH(QByteArray, command);
     ScriptedServer server;
@@ -332,12 +332,12 @@ void TstSmtpDialogue::closingIsReportedAtEachStage()
     QVERIFY(client.Transport.State() != 2);
 }
 
-void TstSmtpDialogue::silenceIsReportedAtEachStage_data()
+void TestSmtpDialogue::silenceIsReportedAtEachStage_data()
 {
     addStages(true, true);
 }
 
-void TstSmtpDialogue::silenceIsReportedAtEachStage()
+void TestSmtpDialogue::silenceIsReportedAtEachStage()
 {
     QFETCH(QByteArray, command);
     MailTransport::setTimeouts(30'000, shortSilence, shortGrace);
@@ -350,12 +350,12 @@ void TstSmtpDialogue::silenceIsReportedAtEachStage()
     QVERIFY(client.Transport.State() != 2);
 }
 
-void TstSmtpDialogue::garbageIsReportedAtEachStage_data()
+void TestSmtpDialogue::garbageIsReportedAtEachStage_data()
 {
     addStages(true, true);
 }
 
-void TstSmtpDialogue::garbageIsReportedAtEachStage()
+void TestSmtpDialogue::garbageIsReportedAtEachStage()
 {
     QFETCH(QByteArray, command);
     for (const QByteArray &garbage : {QByteArray("HTTP/1.1 400 Bad Request\r\n\r\n"), QByteArray("\0\xff\x16\r\n", 5),
@@ -370,7 +370,7 @@ void TstSmtpDialogue::garbageIsReportedAtEachStage()
     }
 }
 
-void TstSmtpDialogue::anEndlessLineIsReported()
+void TestSmtpDialogue::anEndlessLineIsReported()
 {
     ScriptedServer server;
     server.Greeting = "220 " + QByteArray(10'000'000, 'x');
@@ -381,7 +381,7 @@ void TstSmtpDialogue::anEndlessLineIsReported()
     QVERIFY(client.Errors.first().size() < 500);
 }
 
-void TstSmtpDialogue::oneRefusedRecipientMeansThatNobodyGetsTheMail()
+void TestSmtpDialogue::oneRefusedRecipientMeansThatNobodyGetsTheMail()
 {
     ScriptedServer server;
     server.answer("RCPT TO:<bad@b.c>", "550 5.1.1 unknown\r\n");
@@ -396,7 +396,7 @@ void TstSmtpDialogue::oneRefusedRecipientMeansThatNobodyGetsTheMail()
     QVERIFY(server.Mails.isEmpty() && server.BodyBegun.isEmpty());
 }
 
-void TstSmtpDialogue::oneRefusedRecipientMeansThatNobodyGetsTheMailWithPipelining()
+void TestSmtpDialogue::oneRefusedRecipientMeansThatNobodyGetsTheMailWithPipelining()
 {
     ScriptedServer server;
     server.Offers = {"PIPELINING"};
@@ -410,7 +410,7 @@ void TstSmtpDialogue::oneRefusedRecipientMeansThatNobodyGetsTheMailWithPipelinin
     QVERIFY(!server.heard("DATA"));
 }
 
-void TstSmtpDialogue::dataAcceptedAfterARefusedRecipientEndsTheConnection()
+void TestSmtpDialogue::dataAcceptedAfterARefusedRecipientEndsTheConnection()
 {
     // RFC 2920 warns of servers that accept DATA though they have refused the only recipient.
     ScriptedServer server;
@@ -427,7 +427,7 @@ void TstSmtpDialogue::dataAcceptedAfterARefusedRecipientEndsTheConnection()
     QVERIFY(server.Mails.isEmpty() && server.BodyBegun.isEmpty());
 }
 
-void TstSmtpDialogue::afterARefusalTheNextMailGoesOverTheSameConnection()
+void TestSmtpDialogue::afterARefusalTheNextMailGoesOverTheSameConnection()
 {
     for (const QByteArray &offer : {QByteArray("PIPELINING"), QByteArray("HELP")}) {
         ScriptedServer server;
@@ -454,7 +454,7 @@ void TstSmtpDialogue::afterARefusalTheNextMailGoesOverTheSameConnection()
     }
 }
 
-void TstSmtpDialogue::aRefusalAfterTheEndLeavesTheSessionStanding()
+void TestSmtpDialogue::aRefusalAfterTheEndLeavesTheSessionStanding()
 {
     ScriptedServer server;
     server.answer(".", "554 5.7.1 spam\r\n");
@@ -479,7 +479,7 @@ const QByteArray &largeText()
 
 } // namespace
 
-void TstSmtpDialogue::aRefusalInTheMiddleOfTheMailIsSeen()
+void TestSmtpDialogue::aRefusalInTheMiddleOfTheMailIsSeen()
 {
     ScriptedServer server;
     server.InterruptAfter = 100'000;
@@ -493,7 +493,7 @@ void TstSmtpDialogue::aRefusalInTheMiddleOfTheMailIsSeen()
     QVERIFY(server.Mails.isEmpty());
 }
 
-void TstSmtpDialogue::aRefusalInTheMiddleOfTheMailIsSeenThoughTheServerCloses()
+void TestSmtpDialogue::aRefusalInTheMiddleOfTheMailIsSeenThoughTheServerCloses()
 {
     ScriptedServer server;
     server.InterruptAfter = 100'000;
@@ -506,7 +506,7 @@ void TstSmtpDialogue::aRefusalInTheMiddleOfTheMailIsSeenThoughTheServerCloses()
     QVERIFY2(client.Errors.first().contains(u"552 5.2.2 Mailbox full"), qPrintable(client.Errors.first()));
 }
 
-void TstSmtpDialogue::successInTheMiddleOfTheMailIsNone()
+void TestSmtpDialogue::successInTheMiddleOfTheMailIsNone()
 {
     ScriptedServer server;
     server.InterruptAfter = 100'000;
@@ -519,7 +519,7 @@ void TstSmtpDialogue::successInTheMiddleOfTheMailIsNone()
     QVERIFY(server.Mails.isEmpty());
 }
 
-void TstSmtpDialogue::successBeforeTheMailHasBegunIsNone()
+void TestSmtpDialogue::successBeforeTheMailHasBegunIsNone()
 {
     for (const char *early : {"354 go\r\n250 queued\r\n", "354 go\r\n25"}) {
         ScriptedServer server;
@@ -532,7 +532,7 @@ void TstSmtpDialogue::successBeforeTheMailHasBegunIsNone()
     }
 }
 
-void TstSmtpDialogue::octetsBetweenTheEndAndTheReplyAreNoSuccess()
+void TestSmtpDialogue::octetsBetweenTheEndAndTheReplyAreNoSuccess()
 {
     for (const char *reply : {"garbage\r\n250 queued\r\n", "354 again\r\n250 queued\r\n", "x250 queued\r\n"}) {
         ScriptedServer server;
@@ -545,7 +545,7 @@ void TstSmtpDialogue::octetsBetweenTheEndAndTheReplyAreNoSuccess()
     }
 }
 
-void TstSmtpDialogue::aSecondReplyAfterTheEndSpoilsTheNextMailOnly()
+void TestSmtpDialogue::aSecondReplyAfterTheEndSpoilsTheNextMailOnly()
 {
     ScriptedServer server;
     server.answer(".", "250 queued\r\n451 or not\r\n");
@@ -558,7 +558,7 @@ void TstSmtpDialogue::aSecondReplyAfterTheEndSpoilsTheNextMailOnly()
     QVERIFY2(client.Errors.first().contains(u"451 or not"), qPrintable(client.Errors.first()));
 }
 
-void TstSmtpDialogue::aReplyThatWasNotAskedForEndsTheSession_data()
+void TestSmtpDialogue::aReplyThatWasNotAskedForEndsTheSession_data()
 {
     QTest::addColumn<QByteArray>("command");
     QTest::addColumn<QByteArray>("reply");
@@ -569,7 +569,7 @@ void TstSmtpDialogue::aReplyThatWasNotAskedForEndsTheSession_data()
     QTest::newRow("RCPT") << QByteArray("RCPT") << QByteArray("250 a\r\n354 b\r\n");
 }
 
-void TstSmtpDialogue::aReplyThatWasNotAskedForEndsTheSession()
+void TestSmtpDialogue::aReplyThatWasNotAskedForEndsTheSession()
 {
     QFETCH(QByteArray, command);
     QFETCH(QByteArray, reply);
@@ -582,7 +582,7 @@ void TstSmtpDialogue::aReplyThatWasNotAskedForEndsTheSession()
     QVERIFY(client.Transport.State() != 2);
 }
 
-void TstSmtpDialogue::withoutStartTlsOfferedNothingGoesInTheClear()
+void TestSmtpDialogue::withoutStartTlsOfferedNothingGoesInTheClear()
 {
     for (const bool knowsEhlo : {true, false}) {
         ScriptedServer server;
@@ -601,7 +601,7 @@ void TstSmtpDialogue::withoutStartTlsOfferedNothingGoesInTheClear()
     }
 }
 
-void TstSmtpDialogue::startTlsRefusedIsAnError()
+void TestSmtpDialogue::startTlsRefusedIsAnError()
 {
     ScriptedServer server;
     server.answer("STARTTLS", "454 4.7.0 not now\r\n");
@@ -614,7 +614,7 @@ void TstSmtpDialogue::startTlsRefusedIsAnError()
     QVERIFY(!server.heard("AUTH") && !server.heard("MAIL"));
 }
 
-void TstSmtpDialogue::octetsBehindTheStartTlsReplyAreAnError()
+void TestSmtpDialogue::octetsBehindTheStartTlsReplyAreAnError()
 {
     QVERIFY2(m_certificates.isValid(), qPrintable(m_certificates.fault()));
     SmtpTls::setAuthorities({m_certificates.authority()});
@@ -632,7 +632,7 @@ void TstSmtpDialogue::octetsBehindTheStartTlsReplyAreAnError()
     }
 }
 
-void TstSmtpDialogue::whatWasOfferedBeforeTlsIsForgotten()
+void TestSmtpDialogue::whatWasOfferedBeforeTlsIsForgotten()
 {
     QVERIFY2(m_certificates.isValid(), qPrintable(m_certificates.fault()));
     SmtpTls::setAuthorities({m_certificates.authority()});
@@ -654,7 +654,7 @@ void TstSmtpDialogue::whatWasOfferedBeforeTlsIsForgotten()
     QVERIFY2(client.Errors.first().contains(u"does not offer AUTH"), qPrintable(client.Errors.first()));
 }
 
-void TstSmtpDialogue::aUserWithoutAuthOfferedIsAnError()
+void TestSmtpDialogue::aUserWithoutAuthOfferedIsAnError()
 {
     ScriptedServer server;
     Client client;
@@ -664,7 +664,7 @@ void TstSmtpDialogue::aUserWithoutAuthOfferedIsAnError()
     QVERIFY(!server.heard("MAIL"));
 }
 
-void TstSmtpDialogue::aUserWithOnlyUnknownMechanismsIsAnError()
+void TestSmtpDialogue::aUserWithOnlyUnknownMechanismsIsAnError()
 {
     ScriptedServer server;
     server.Offers = {"AUTH XOAUTH2 NTLM"};
@@ -675,7 +675,7 @@ void TstSmtpDialogue::aUserWithOnlyUnknownMechanismsIsAnError()
     QVERIFY2(!client.Errors.first().contains(u"AUTH )"), qPrintable(client.Errors.first()));
 }
 
-void TstSmtpDialogue::aRefusedLoginTriesNoOtherMechanism()
+void TestSmtpDialogue::aRefusedLoginTriesNoOtherMechanism()
 {
     ScriptedServer server;
     server.Offers = {"AUTH PLAIN LOGIN"};
@@ -687,7 +687,7 @@ void TstSmtpDialogue::aRefusedLoginTriesNoOtherMechanism()
     QCOMPARE(server.count("AUTH"), 1);
 }
 
-void TstSmtpDialogue::aLoginGoesWithoutShowingItsWords()
+void TestSmtpDialogue::aLoginGoesWithoutShowingItsWords()
 {
     ScriptedServer server;
     server.Offers = {"AUTH LOGIN"};
@@ -702,7 +702,7 @@ void TstSmtpDialogue::aLoginGoesWithoutShowingItsWords()
     QVERIFY(!told.contains(u"geheim") && !told.contains(u"Z2VoZWlt") && !told.contains(u"dXNlcg"));
 }
 
-void TstSmtpDialogue::aServerThatEchoesTheSecretsIsCensored()
+void TestSmtpDialogue::aServerThatEchoesTheSecretsIsCensored()
 {
     ScriptedServer server;
     server.Offers = {"AUTH PLAIN"};
@@ -732,7 +732,7 @@ QString writeFile(const QTemporaryDir &folder, qint64 size)
 
 } // namespace
 
-void TstSmtpDialogue::aFileThatVanishesEndsTheConnectionWithoutTheFinalDot()
+void TestSmtpDialogue::aFileThatVanishesEndsTheConnectionWithoutTheFinalDot()
 {
     const QTemporaryDir folder;
     const QString path = writeFile(folder, 1'000'000);
@@ -749,7 +749,7 @@ void TstSmtpDialogue::aFileThatVanishesEndsTheConnectionWithoutTheFinalDot()
     QVERIFY(client.Transport.State() != 2);
 }
 
-void TstSmtpDialogue::aFileThatHasGrownEndsTheConnectionWithoutTheFinalDot()
+void TestSmtpDialogue::aFileThatHasGrownEndsTheConnectionWithoutTheFinalDot()
 {
     const QTemporaryDir folder;
     const QString path = writeFile(folder, 1'000'000);
@@ -764,7 +764,7 @@ void TstSmtpDialogue::aFileThatHasGrownEndsTheConnectionWithoutTheFinalDot()
     QVERIFY(server.Mails.isEmpty());
 }
 
-void TstSmtpDialogue::aMailBeyondSizeIsNotBegun()
+void TestSmtpDialogue::aMailBeyondSizeIsNotBegun()
 {
     ScriptedServer server;
     server.Offers = {"SIZE 20"};
@@ -778,7 +778,7 @@ void TstSmtpDialogue::aMailBeyondSizeIsNotBegun()
     QVERIFY(!server.heard("RSET"));
 }
 
-void TstSmtpDialogue::aBadAddressIsNotBegun()
+void TestSmtpDialogue::aBadAddressIsNotBegun()
 {
     ScriptedServer server;
     Client client;
@@ -790,7 +790,7 @@ void TstSmtpDialogue::aBadAddressIsNotBegun()
     QCOMPARE(server.count("DATA"), 1);
 }
 
-void TstSmtpDialogue::progressNamesTheStagesThenThePercentage()
+void TestSmtpDialogue::progressNamesTheStagesThenThePercentage()
 {
     ScriptedServer server;
     Client client;
@@ -807,5 +807,5 @@ void TstSmtpDialogue::progressNamesTheStagesThenThePercentage()
     QCOMPARE(unique.removeDuplicates(), 0);
 }
 
-QTEST_GUILESS_MAIN(TstSmtpDialogue)
-#include "tst_smtpdialogue.moc"
+QTEST_GUILESS_MAIN(TestSmtpDialogue)
+#include "test_smtpdialogue.moc"
