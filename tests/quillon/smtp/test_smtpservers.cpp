@@ -1,28 +1,18 @@
-#include "quillon/mail/smtptls.h"
-#include "quillon/smtp/client.h"
-#include "support/certificates.h"
-#include "support/childserver.h"
-#include "support/scriptedserver.h"
+#include "quillon/smtp/realserverbench.h"
 
 #include <QCryptographicHash>
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QTemporaryDir>
-#include <QTest>
 
 using namespace quillon;
 using namespace Qt::StringLiterals;
 using testsupport::ChildServer;
 
 /// The transport against servers that others wrote: aiosmtpd with Python's TLS, and OpenSSL's certificates.
-class TestSmtpServers : public QObject {
+class TestSmtpServers : public QObject, private RealServerBench {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
+    void initTestCase() { prepare(); }
+    void init() { renew(); }
 
     void aPlainServerGetsTheMailOctetByOctet();
     void linesOfDotsAndLongLinesArrive();
@@ -30,77 +20,37 @@ private Q_SLOTS:
     void everyLoginWorksOverEveryLink();
     void aWrongPasswordIsAnErrorOfConnect_data();
     void aWrongPasswordIsAnErrorOfConnect();
-    void anUntrustedCertificateIsAnErrorAndNothingIsSent_data();
-    void anUntrustedCertificateIsAnErrorAndNothingIsSent();
-    void aCertificateForAnotherHostIsAnErrorAndNothingIsSent_data();
-    void aCertificateForAnotherHostIsAnErrorAndNothingIsSent();
-    void tlsWithAServerThatSpeaksNoneIsAnError();
-    void plainTalkWithATlsServerIsAnError();
     void aRefusedRecipientOfARealServerIsNamed();
     void smtpUtf8GoesToAServerThatHasIt();
     void theServersSizeIsRespected();
-    void tlsSessionsAreResumed_data();
-    void tlsSessionsAreResumed();
     void aLargeFileRaisesThePeakMemoryByLessThanTwentyMegabytes_data();
     void aLargeFileRaisesThePeakMemoryByLessThanTwentyMegabytes();
-
-private:
-    QStringList tlsArguments(const QString &kind, bool elsewhere = false) const;
-    QByteArray received(int number) const;
-    QJsonObject facts(int number) const;
-
-    std::unique_ptr<testsupport::Certificates> m_certificates;
-    std::unique_ptr<QTemporaryDir> m_out;
 };
 
 namespace {
 
-const QByteArray text = "Subject: x\r\n\r\nhello\r\n";
-
-void addLinks()
+qint64 kilobytes(const QByteArray &field)
 {
-    QTest::addColumn<QString>("kind");
-    QTest::addColumn<int>("security");
-    QTest::newRow("STARTTLS") << u"starttls"_s << int(MailTransport::StartTls);
-    QTest::newRow("implicit TLS") << u"implicit"_s << int(MailTransport::Ssl);
+    QFile status(u"/proc/self/status"_s);
+    if (status.open(QIODevice::ReadOnly)) {
+        const QList<QByteArray> lines = status.readAll().split('\n');
+        for (const QByteArray &line : lines) {
+            if (line.startsWith(field + ':')) {
+                return line.mid(field.size() + 1).trimmed().split(' ').first().toLongLong();
+            }
+        }
+    }
+    return -1;
+}
+
+// Sets the peak back to what is in use now.
+bool resetPeak()
+{
+    QFile references(u"/proc/self/clear_refs"_s);
+    return references.open(QIODevice::WriteOnly) && references.write("5") == 1;
 }
 
 } // namespace
-
-void TestSmtpServers::initTestCase()
-{
-    m_certificates = std::make_unique<testsupport::Certificates>();
-    QVERIFY2(m_certificates->isValid(), qPrintable(m_certificates->fault()));
-}
-
-void TestSmtpServers::init()
-{
-    m_out = std::make_unique<QTemporaryDir>();
-    MailTransport::setTimeouts(60'000, 60'000, 60'000);
-    SmtpTls::setAuthorities({m_certificates->authority()});
-}
-
-QStringList TestSmtpServers::tlsArguments(const QString &kind, bool elsewhere) const
-{
-    QStringList arguments = {u"--out"_s, m_out->path(), u"--tls"_s, kind};
-    if (kind != u"none") {
-        arguments += {u"--certificate"_s, elsewhere ? m_certificates->elsewhereFile() : m_certificates->localhostFile(),
-                      u"--key"_s, elsewhere ? m_certificates->elsewhereKeyFile() : m_certificates->localhostKeyFile()};
-    }
-    return arguments;
-}
-
-QByteArray TestSmtpServers::received(int number) const
-{
-    QFile file(m_out->filePath(u"%1.eml"_s.arg(number)));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-QJsonObject TestSmtpServers::facts(int number) const
-{
-    QFile file(m_out->filePath(u"%1.json"_s.arg(number)));
-    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
-}
 
 void TestSmtpServers::aPlainServerGetsTheMailOctetByOctet()
 {
@@ -200,78 +150,6 @@ void TestSmtpServers::aWrongPasswordIsAnErrorOfConnect()
     QVERIFY(received(1).isEmpty());
 }
 
-void TestSmtpServers::anUntrustedCertificateIsAnErrorAndNothingIsSent_data()
-{
-    addLinks();
-}
-
-void TestSmtpServers::anUntrustedCertificateIsAnErrorAndNothingIsSent()
-{
-    QFETCH(QString, kind);
-    QFETCH(int, security);
-    SmtpTls::setAuthorities({}); // the system's, which do not know the throw-away one
-    ChildServer server;
-    QVERIFY2(server.startPython(u"smtp_server.py"_s, tlsArguments(kind) + QStringList{u"--auth"_s, u"PLAIN"_s}),
-             qPrintable(server.fault()));
-    Client client;
-    client.Transport.Security = security;
-    client.Transport.User = u"user"_s;
-    client.Transport.Password = u"geheim"_s;
-    QVERIFY(client.connectTo(server.port(), u"localhost"_s) != 2);
-    QCOMPARE(client.Errors.size(), 1);
-    const QString error = client.Errors.first();
-    QVERIFY2(error.contains(u"TLS") && error.contains(u"certificate"), qPrintable(error));
-    QVERIFY(!client.send(text));
-    QVERIFY(received(1).isEmpty());
-}
-
-void TestSmtpServers::aCertificateForAnotherHostIsAnErrorAndNothingIsSent_data()
-{
-    addLinks();
-}
-
-void TestSmtpServers::aCertificateForAnotherHostIsAnErrorAndNothingIsSent()
-{
-    QFETCH(QString, kind);
-    QFETCH(int, security);
-    ChildServer server;
-    QVERIFY2(server.startPython(u"smtp_server.py"_s, tlsArguments(kind, true)), qPrintable(server.fault()));
-    for (const QString &host : {u"localhost"_s, u"127.0.0.1"_s}) {
-        Client client;
-        client.Transport.Security = security;
-        QVERIFY(client.connectTo(server.port(), host) != 2);
-        QCOMPARE(client.Errors.size(), 1);
-        QVERIFY2(client.Errors.first().contains(u"host name"), qPrintable(client.Errors.first()));
-        QVERIFY(!client.send(text));
-    }
-    QVERIFY(received(1).isEmpty());
-}
-
-void TestSmtpServers::tlsWithAServerThatSpeaksNoneIsAnError()
-{
-    // A plain server waits for a command and gets TLS octets: it refuses them in its own tongue.
-    testsupport::ScriptedServer server;
-    Client client;
-    client.Transport.Security = MailTransport::Ssl;
-    QVERIFY(client.connectTo(server.port(), u"localhost"_s) != 2);
-    QCOMPARE(client.Errors.size(), 1);
-    QVERIFY2(client.Errors.first().contains(u"TLS"), qPrintable(client.Errors.first()));
-}
-
-void TestSmtpServers::plainTalkWithATlsServerIsAnError()
-{
-    // Such a server says nothing until the client has begun TLS, so only the time for silence ends it.
-    MailTransport::setTimeouts(60'000, 150, 30);
-    testsupport::ScriptedServer server;
-    server.ImplicitTls = true;
-    server.Certificate = m_certificates->localhost();
-    server.Key = m_certificates->localhostKey();
-    Client client;
-    QCOMPARE(client.connectTo(server.port(), u"localhost"_s), 2);
-    QVERIFY(!client.Transport.Accepted());
-    QCOMPARE(client.Errors.size(), 1);
-}
-
 void TestSmtpServers::aRefusedRecipientOfARealServerIsNamed()
 {
     ChildServer server;
@@ -319,70 +197,12 @@ void TestSmtpServers::theServersSizeIsRespected()
     QCOMPARE(received(1), text);
 }
 
-void TestSmtpServers::tlsSessionsAreResumed_data()
-{
-    addLinks();
-}
-
-void TestSmtpServers::tlsSessionsAreResumed()
-{
-    // Python's sink tells for each connection whether it was resumed.
-    QFETCH(int, security);
-    ChildServer server;
-    QStringList arguments = {u"--certificate"_s, m_certificates->localhostFile(), u"--key"_s,
-                             m_certificates->localhostKeyFile()};
-    if (security == MailTransport::StartTls) {
-        arguments += u"--starttls"_s;
-    }
-    QVERIFY2(server.startPython(u"sink_server.py"_s, arguments), qPrintable(server.fault()));
-    for (int i = 0; i < 3; ++i) {
-        Client client;
-        client.Transport.Security = security;
-        QCOMPARE(client.connectTo(server.port(), u"localhost"_s), 2);
-        QVERIFY2(client.send(text), qPrintable(client.Errors.join(u'\n')));
-        server.waitForLine("MAIL ");
-    }
-    QList<QByteArray> tls;
-    const QList<QByteArray> lines = server.lines();
-    for (const QByteArray &line : lines) {
-        if (line.startsWith("TLS ")) {
-            tls += line;
-        }
-    }
-    QCOMPARE(tls, (QList<QByteArray>{"TLS new", "TLS resumed", "TLS resumed"}));
-}
-
 void TestSmtpServers::aLargeFileRaisesThePeakMemoryByLessThanTwentyMegabytes_data()
 {
     QTest::addColumn<int>("security");
     QTest::newRow("plain") << int(MailTransport::NoSecurity);
     QTest::newRow("TLS") << int(MailTransport::Ssl);
 }
-
-namespace {
-
-qint64 kilobytes(const QByteArray &field)
-{
-    QFile status(u"/proc/self/status"_s);
-    if (status.open(QIODevice::ReadOnly)) {
-        const QList<QByteArray> lines = status.readAll().split('\n');
-        for (const QByteArray &line : lines) {
-            if (line.startsWith(field + ':')) {
-                return line.mid(field.size() + 1).trimmed().split(' ').first().toLongLong();
-            }
-        }
-    }
-    return -1;
-}
-
-// Sets the peak back to what is in use now.
-bool resetPeak()
-{
-    QFile references(u"/proc/self/clear_refs"_s);
-    return references.open(QIODevice::WriteOnly) && references.write("5") == 1;
-}
-
-} // namespace
 
 void TestSmtpServers::aLargeFileRaisesThePeakMemoryByLessThanTwentyMegabytes()
 {

@@ -1,0 +1,165 @@
+#include "quillon/smtp/dialogue.h"
+
+using namespace dialogue;
+
+/// TLS and the login in the dialogue: what is not safe is not begun, and no secret is told.
+class TestSmtpLogin : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { MailTransport::setTimeouts(30'000, 30'000, 30'000); }
+    void cleanup() { SmtpTls::setAuthorities({}); }
+
+    void withoutStartTlsOfferedNothingGoesInTheClear();
+    void startTlsRefusedIsAnError();
+    void octetsBehindTheStartTlsReplyAreAnError();
+    void whatWasOfferedBeforeTlsIsForgotten();
+
+    void aUserWithoutAuthOfferedIsAnError();
+    void aUserWithOnlyUnknownMechanismsIsAnError();
+    void aRefusedLoginTriesNoOtherMechanism();
+    void aLoginGoesWithoutShowingItsWords();
+    void aServerThatEchoesTheSecretsIsCensored();
+
+private:
+    testsupport::Certificates m_certificates;
+};
+
+void TestSmtpLogin::withoutStartTlsOfferedNothingGoesInTheClear()
+{
+    for (const bool knowsEhlo : {true, false}) {
+        ScriptedServer server;
+        server.Offers = {"AUTH PLAIN"};
+        if (!knowsEhlo) {
+            server.answer("EHLO", "500 what?\r\n");
+        }
+        Client client;
+        client.Transport.Security = MailTransport::StartTls;
+        QVERIFY(!runSession(client, server));
+        QCOMPARE(client.Errors.size(), 1);
+        QVERIFY2(client.Errors.first().contains(u"STARTTLS"), qPrintable(client.Errors.first()));
+        QVERIFY(client.Transport.State() != 2);
+        QTRY_COMPARE(server.Ended, 1);
+        QVERIFY(!server.heard("AUTH") && !server.heard("MAIL"));
+    }
+}
+
+void TestSmtpLogin::startTlsRefusedIsAnError()
+{
+    ScriptedServer server;
+    server.answer("STARTTLS", "454 4.7.0 not now\r\n");
+    server.Offers = {"STARTTLS", "AUTH PLAIN"};
+    Client client;
+    client.Transport.Security = MailTransport::StartTls;
+    QVERIFY(!runSession(client, server));
+    QCOMPARE(client.Errors.size(), 1);
+    QVERIFY2(client.Errors.first().contains(u"454 4.7.0 not now"), qPrintable(client.Errors.first()));
+    QVERIFY(!server.heard("AUTH") && !server.heard("MAIL"));
+}
+
+void TestSmtpLogin::octetsBehindTheStartTlsReplyAreAnError()
+{
+    QVERIFY2(m_certificates.isValid(), qPrintable(m_certificates.fault()));
+    SmtpTls::setAuthorities({m_certificates.authority()});
+    for (const char *injected : {"250-forged\r\n250 AUTH PLAIN\r\n", "2", "\x16\x03"}) {
+        ScriptedServer server;
+        server.Certificate = m_certificates.localhost();
+        server.Key = m_certificates.localhostKey();
+        server.Offers = {"STARTTLS"};
+        server.answer("STARTTLS", QByteArray("220 go\r\n") + injected);
+        Client client;
+        client.Transport.Security = MailTransport::StartTls;
+        QVERIFY(client.connectTo(server.port()) != 2);
+        QCOMPARE(client.Errors.size(), 1);
+        QVERIFY2(client.Errors.first().contains(u"behind the answer to STARTTLS"), qPrintable(client.Errors.first()));
+    }
+}
+
+void TestSmtpLogin::whatWasOfferedBeforeTlsIsForgotten()
+{
+    QVERIFY2(m_certificates.isValid(), qPrintable(m_certificates.fault()));
+    SmtpTls::setAuthorities({m_certificates.authority()});
+    ScriptedServer server;
+    server.Certificate = m_certificates.localhost();
+    server.Key = m_certificates.localhostKey();
+    server.Offers = {"STARTTLS", "AUTH PLAIN", "PIPELINING"};
+    int greetings = 0;
+    server.Responder = [&greetings](const QByteArray &line) -> std::optional<QByteArray> {
+        return line.startsWith("EHLO") && ++greetings == 2 ? std::optional<QByteArray>("250 bare\r\n") : std::nullopt;
+    };
+    Client client;
+    client.Transport.Security = MailTransport::StartTls;
+    client.Transport.User = u"user"_s;
+    client.Transport.Password = u"geheim"_s;
+    QVERIFY(client.connectTo(server.port()) != 2);
+    QCOMPARE(greetings, 2);
+    QCOMPARE(client.Errors.size(), 1);
+    QVERIFY2(client.Errors.first().contains(u"does not offer AUTH"), qPrintable(client.Errors.first()));
+}
+
+void TestSmtpLogin::aUserWithoutAuthOfferedIsAnError()
+{
+    ScriptedServer server;
+    Client client;
+    QVERIFY(!runSession(client, server));
+    QCOMPARE(client.Errors.size(), 1);
+    QVERIFY2(client.Errors.first().contains(u"does not offer AUTH"), qPrintable(client.Errors.first()));
+    QVERIFY(!server.heard("MAIL"));
+}
+
+void TestSmtpLogin::aUserWithOnlyUnknownMechanismsIsAnError()
+{
+    ScriptedServer server;
+    server.Offers = {"AUTH XOAUTH2 NTLM"};
+    Client client;
+    QVERIFY(!runSession(client, server));
+    QCOMPARE(client.Errors.size(), 1);
+    QVERIFY2(client.Errors.first().contains(u"XOAUTH2 NTLM"), qPrintable(client.Errors.first()));
+    QVERIFY2(!client.Errors.first().contains(u"AUTH )"), qPrintable(client.Errors.first()));
+}
+
+void TestSmtpLogin::aRefusedLoginTriesNoOtherMechanism()
+{
+    ScriptedServer server;
+    server.Offers = {"AUTH PLAIN LOGIN"};
+    server.answer("AUTH", "535 5.7.8 no\r\n");
+    Client client;
+    QVERIFY(!runSession(client, server));
+    QCOMPARE(client.Errors.size(), 1);
+    QTRY_COMPARE(server.Ended, 1);
+    QCOMPARE(server.count("AUTH"), 1);
+}
+
+void TestSmtpLogin::aLoginGoesWithoutShowingItsWords()
+{
+    ScriptedServer server;
+    server.Offers = {"AUTH LOGIN"};
+    server.answer("AUTH LOGIN", "334 VXNlcm5hbWU6\r\n");
+    server.answer(QByteArray("user").toBase64(), "334 UGFzc3dvcmQ6\r\n");
+    server.answer(QByteArray("geheim").toBase64(), "235 welcome\r\n");
+    Client client;
+    QVERIFY(runSession(client, server));
+    QCOMPARE(server.Lines.mid(1, 3), (QList<QByteArray>{"AUTH LOGIN", "dXNlcg==", "Z2VoZWlt"}));
+    const QString told = client.Progress.join(u'\n');
+    QVERIFY(told.contains(u"Logging in"));
+    QVERIFY(!told.contains(u"geheim") && !told.contains(u"Z2VoZWlt") && !told.contains(u"dXNlcg"));
+}
+
+void TestSmtpLogin::aServerThatEchoesTheSecretsIsCensored()
+{
+    ScriptedServer server;
+    server.Offers = {"AUTH PLAIN"};
+    server.Responder = [](const QByteArray &line) -> std::optional<QByteArray> {
+        return line.startsWith("AUTH") ? std::optional<QByteArray>("535 bad geheim in " + line + "\r\n") : std::nullopt;
+    };
+    Client client;
+    QVERIFY(!runSession(client, server));
+    QCOMPARE(client.Errors.size(), 1);
+    const QByteArray word = QByteArray("\0user\0geheim", 12).toBase64();
+    QVERIFY2(!client.Errors.first().contains(u"geheim"), qPrintable(client.Errors.first()));
+    QVERIFY(!client.Errors.first().contains(QString::fromLatin1(word)));
+    QVERIFY(client.Errors.first().contains(u"535 bad"));
+}
+
+QTEST_GUILESS_MAIN(TestSmtpLogin)
+#include "test_smtplogin.moc"

@@ -1,0 +1,97 @@
+#include "quillon/smtp/dialogue.h"
+
+using namespace dialogue;
+
+/// Replies that come out of turn: none of them counts as the acceptance of a mail.
+class TestSmtpOutOfTurn : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { MailTransport::setTimeouts(30'000, 30'000, 30'000); }
+
+    void successInTheMiddleOfTheMailIsNone();
+    void successBeforeTheMailHasBegunIsNone();
+    void octetsBetweenTheEndAndTheReplyAreNoSuccess();
+    void aSecondReplyAfterTheEndSpoilsTheNextMailOnly();
+    void aReplyThatWasNotAskedForEndsTheSession_data();
+    void aReplyThatWasNotAskedForEndsTheSession();
+};
+
+void TestSmtpOutOfTurn::successInTheMiddleOfTheMailIsNone()
+{
+    ScriptedServer server;
+    server.InterruptAfter = 100'000;
+    server.Interruption = "250 2.0.0 queued\r\n";
+    Client client;
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QVERIFY(!client.send(largeText()));
+    QCOMPARE(client.Errors.size(), 1);
+    QVERIFY2(client.Errors.first().contains(u"out of turn"), qPrintable(client.Errors.first()));
+    QVERIFY(server.Mails.isEmpty());
+}
+
+void TestSmtpOutOfTurn::successBeforeTheMailHasBegunIsNone()
+{
+    for (const char *early : {"354 go\r\n250 queued\r\n", "354 go\r\n25"}) {
+        ScriptedServer server;
+        server.answer("DATA", early);
+        Client client;
+        QCOMPARE(client.connectTo(server.port()), 2);
+        QVERIFY(!client.send(text));
+        QCOMPARE(client.Errors.size(), 1);
+        QVERIFY2(client.Errors.first().contains(u"out of turn"), qPrintable(client.Errors.first()));
+    }
+}
+
+void TestSmtpOutOfTurn::octetsBetweenTheEndAndTheReplyAreNoSuccess()
+{
+    for (const char *reply : {"garbage\r\n250 queued\r\n", "354 again\r\n250 queued\r\n", "x250 queued\r\n"}) {
+        ScriptedServer server;
+        server.answer(".", reply);
+        Client client;
+        QCOMPARE(client.connectTo(server.port()), 2);
+        QVERIFY(!client.send(text));
+        QCOMPARE(client.Errors.size(), 1);
+        QVERIFY(client.Transport.State() != 2);
+    }
+}
+
+void TestSmtpOutOfTurn::aSecondReplyAfterTheEndSpoilsTheNextMailOnly()
+{
+    ScriptedServer server;
+    server.answer(".", "250 queued\r\n451 or not\r\n");
+    Client client;
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QVERIFY(client.send(text));
+    QVERIFY(client.Errors.isEmpty());
+    QVERIFY(!client.send(text));
+    QCOMPARE(client.Errors.size(), 1);
+    QVERIFY2(client.Errors.first().contains(u"451 or not"), qPrintable(client.Errors.first()));
+}
+
+void TestSmtpOutOfTurn::aReplyThatWasNotAskedForEndsTheSession_data()
+{
+    QTest::addColumn<QByteArray>("command");
+    QTest::addColumn<QByteArray>("reply");
+    QTest::newRow("greeting") << QByteArray() << QByteArray("220 a\r\n250 b\r\n");
+    QTest::newRow("EHLO") << QByteArray("EHLO") << QByteArray("250-a\r\n250 AUTH PLAIN\r\n250 c\r\n");
+    QTest::newRow("AUTH") << QByteArray("AUTH") << QByteArray("235 a\r\n250 b\r\n");
+    QTest::newRow("MAIL") << QByteArray("MAIL") << QByteArray("250 a\r\n250 b\r\n");
+    QTest::newRow("RCPT") << QByteArray("RCPT") << QByteArray("250 a\r\n354 b\r\n");
+}
+
+void TestSmtpOutOfTurn::aReplyThatWasNotAskedForEndsTheSession()
+{
+    QFETCH(QByteArray, command);
+    QFETCH(QByteArray, reply);
+    ScriptedServer server;
+    setReply(server, command, reply);
+    Client client;
+    QVERIFY(!runSession(client, server));
+    QCOMPARE(client.Errors.size(), 1);
+    QVERIFY(server.Mails.isEmpty());
+    QVERIFY(client.Transport.State() != 2);
+}
+
+QTEST_GUILESS_MAIN(TestSmtpOutOfTurn)
+#include "test_smtpoutofturn.moc"

@@ -1,0 +1,178 @@
+#include "sending/servedbench.h"
+#include "support/testclock.h"
+
+#include <QRegularExpression>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+using namespace corvane;
+
+/// Runs that fail or are cut short: what is told, what is logged, and what is never said.
+class TestSendFaults : public QObject, private ServedBench {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { begin(); }
+    void cleanup() { end(); }
+
+    void refusedMessageIsReportedByTheTransportFirst();
+    void failedConnectionLogsDividerBeginErrorAndEndOnly();
+    void vanishedAccountEndsInAnEmptyServerAndPort();
+    void blankTransportErrorIsNeitherLoggedNorShown();
+    void otherTagLogsTheErrorAndShowsNothing();
+    void errorsGoToTheMonthOfTheirMoment();
+    void passwordIsNeverLogged();
+
+    void exitDuringARunUnwindsWithoutAFurtherWord();
+    void exitWhileConnectingUnwindsWithoutAFurtherWord();
+    void exitInACheckSendsNothing();
+};
+
+void TestSendFaults::refusedMessageIsReportedByTheTransportFirst()
+{
+    m_server->answer("RCPT", "550 nobody of that name\r\n");
+    ExpectedPrompts asked([](const QString &) {}); // the transport's own text is looked at below
+    m_bench->run();
+    QCOMPARE(asked.log().size(), 2);
+    QVERIFY2(asked.log().at(0).contains(u"style 16"_s) && asked.log().at(0).contains(u"bob@y.org"_s) &&
+                 asked.log().at(0).contains(u"550 nobody of that name"_s),
+             qPrintable(asked.log().at(0)));
+    QVERIFY(asked.log().at(1).startsWith(u"box SENT_UNSUCC style 48"_s));
+    const QStringList log = m_bench->log();
+    QVERIFY(log.at(log.size() - 3).startsWith(u"Error: "_s));
+    QCOMPARE(log.at(log.size() - 2), u"text of SENT_UNSUCC"_s);
+    QCOMPARE(log.last(), u"End: (moment)"_s);
+    QVERIFY(m_server->Mails.isEmpty());
+    QVERIFY(!m_bench->window.Sending);
+}
+
+void TestSendFaults::failedConnectionLogsDividerBeginErrorAndEndOnly()
+{
+    m_server->Greeting = "554 not today\r\n";
+    ExpectedPrompts asked([](const QString &) {});
+    m_bench->run();
+    const QString connection = u"text of CONN_FAILED 127.0.0.1:"_s + QString::number(m_server->port());
+    QStringList log = m_bench->log();
+    QCOMPARE(log.size(), 5);
+    QVERIFY(log.at(2).startsWith(u"Error: "_s) && log.at(2).contains(u"554 not today"_s));
+    log.removeAt(2);
+    QCOMPARE(log, (QStringList{divider, u"Begin: (moment)"_s, u"Error: "_s + connection, u"End: (moment)"_s}));
+    QCOMPARE(asked.log().size(), 2);
+    QVERIFY(asked.log().at(0).contains(u"style 16"_s));
+    QCOMPARE(asked.log().at(1), u"box CONN_FAILED style 48: "_s + connection);
+    QCOMPARE(m_bench->window.statusText(), u" Ready."_s);
+}
+
+void TestSendFaults::vanishedAccountEndsInAnEmptyServerAndPort()
+{
+    writeFile(m_bench->tree.globals.paths.smtpFile, "");
+    ExpectedPrompts asked([](const QString &) {});
+    m_bench->run();
+    QCOMPARE(asked.log().last(), u"box CONN_FAILED style 48: text of CONN_FAILED :"_s);
+    QVERIFY(m_bench->log().contains(u"Error: text of CONN_FAILED :"_s));
+}
+
+void TestSendFaults::blankTransportErrorIsNeitherLoggedNorShown()
+{
+    quillon::MailTransport *transport = nullptr;
+    m_bench->progress.afterCounter = [&](const QString &text) {
+        transport = m_bench->sender.transport();
+        if (transport && text == "Sending 1/1 email..."_L1) {
+            Q_EMIT transport->Error(1, u" \r\n "_s);
+            Q_EMIT transport->Error(1, QString());
+        }
+    };
+    sendWell();
+    QVERIFY(transport);
+    QVERIFY(m_bench->log().filter(u"Error"_s).isEmpty());
+}
+
+void TestSendFaults::otherTagLogsTheErrorAndShowsNothing()
+{
+    m_bench->progress.afterCounter = [this](const QString &text) {
+        if (text == "Sending 1/1 email..."_L1) {
+            m_bench->window.Tag = u"X"_s;
+            Q_EMIT m_bench->sender.transport()->Error(1, u"something"_s);
+        }
+    };
+    sendWell();
+    QVERIFY(m_bench->log().contains(u"Error: something"_s));
+}
+
+void TestSendFaults::exitDuringARunUnwindsWithoutAFurtherWord()
+{
+    m_server->Responder = [this](const QByteArray &line) -> std::optional<QByteArray> {
+        if (line.startsWith("MAIL")) {
+            // What the exit does: the run is abandoned and every nested loop ends.
+            QTimer::singleShot(0, this, [this] {
+                m_bench->sender.abandon();
+                m_server->hangUp();
+            });
+            return QByteArray();
+        }
+        return std::nullopt;
+    };
+    const ExpectedPrompts asked; // none may come
+    m_bench->run();
+    QVERIFY(!m_bench->window.Sending);
+    QVERIFY(m_bench->log().contains(u"Subject: Hello"_s));
+    QVERIFY(m_bench->log().filter(QRegularExpression(u"^(Error|End|text)"_s)).isEmpty());
+}
+
+void TestSendFaults::exitWhileConnectingUnwindsWithoutAFurtherWord()
+{
+    m_server->Responder = [this](const QByteArray &line) -> std::optional<QByteArray> {
+        if (line.startsWith("EHLO")) {
+            m_bench->sender.abandon(); // the exit's first word; the greeting goes on as if nothing were
+        }
+        return std::nullopt;
+    };
+    const ExpectedPrompts asked; // none may come
+    m_bench->run();
+    QVERIFY(m_server->Mails.isEmpty());
+    QCOMPARE(m_bench->log(), (QStringList{divider, u"Begin: (moment)"_s}));
+}
+
+void TestSendFaults::exitInACheckSendsNothing()
+{
+    m_bench->tree.globals.settings.proxy = {u"True"_s, QString()};
+    ExpectedPrompts asked;
+    asked
+        .expectBox(u"PROXY_ADDRESS"_s, quillon::InformationBox, quillon::BoxAnswer::Ok, std::nullopt,
+                   [this] { m_bench->sender.abandon(); })
+        .expectForm(u"frmPubOptions"_s, 0);
+    m_bench->progress.makeVisible();
+    m_bench->run();
+    QVERIFY(m_bench->progress.visible); // the forms are not touched any more
+    QCOMPARE(m_server->Connections, 0);
+}
+
+void TestSendFaults::errorsGoToTheMonthOfTheirMoment()
+{
+    TestClock clock(QDateTime(QDate(2026, 11, 30), QTime(23, 59, 59)));
+    const QString november = m_bench->logPath();
+    m_server->answer("RCPT", "550 nobody of that name\r\n");
+    m_bench->progress.afterCounter = [&](const QString &) {
+        clock.present = QDateTime(QDate(2026, 12, 1), QTime(0, 0));
+    };
+    ExpectedPrompts asked([](const QString &) {});
+    m_bench->run();
+    QVERIFY(m_bench->log().filter(u"550 nobody"_s).size() == 1 && m_bench->log().size() == 1);
+    const QByteArray first = contentOf(november);
+    QVERIFY(first.contains("text of SENT_UNSUCC") && first.contains("End: ") && !first.contains("Error: "));
+}
+
+void TestSendFaults::passwordIsNeverLogged()
+{
+    m_server->Offers = {"AUTH PLAIN LOGIN"};
+    m_server->answer("AUTH", "535 wrong: c2VjcmV0LXdvcmQ=\r\n");
+    m_bench->useServer(u"127.0.0.1"_s, m_server->port(), u"N"_s, u"Y\tada\tsecret-word"_s);
+    ExpectedPrompts asked([](const QString &) {});
+    m_bench->run();
+    const QString everything = m_bench->log().join(u'\n') + asked.log().join(u'\n');
+    QVERIFY(!everything.contains(u"secret-word"_s));
+    QVERIFY(!everything.contains(QString::fromLatin1(QByteArray("\0ada\0secret-word", 16).toBase64())));
+}
+
+QTEST_GUILESS_MAIN(TestSendFaults)
+#include "test_sendfaults.moc"
