@@ -1,0 +1,144 @@
+#include "mailencoderbench.h"
+
+#include <QMap>
+#include <QUrl>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace quillon;
+
+namespace {
+const QByteArray gif = "GIF89a\x01\x01";
+} // namespace
+
+/// Files in a mail: attachments, and what an HTML document shows.
+class TestMailEncoderFiles : public QObject, private MailEncoderBench {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void localPicturesBecomeRelatedPartsOnce();
+    void foreignReferencesAreLeftAlone();
+    void onlyShownFilesBecomeRelated();
+
+    void attachmentsAreTypedByContent();
+    void attachmentsAreNotReadWhole();
+    void attachmentThatCannotBeReadIsAClearError();
+    void attachmentWithoutPermissionIsAClearError();
+    void changedFileIsLookedIntoAgain();
+};
+
+void TestMailEncoderFiles::localPicturesBecomeRelatedPartsOnce()
+{
+    const QString picture = write(u"my picture ü.png"_s, png);
+    const QString sound = write(u"sound.mid"_s, "MThd\0\0\0\6");
+    const QString percent = write(u"100%25.gif"_s, gif);
+    MailMessage mail = message();
+    mail.Format = MailMessage::Html;
+    mail.Content = u"<body background=\"%1\"><img src=\"%2\"><img src='%1'><bgsound src=\"%3\"><img src=\"%4\">"_s.arg(
+        QString::fromLatin1(QUrl::fromLocalFile(picture).toEncoded()), picture, sound, percent);
+    const QByteArray octets = encode(mail).replace("=\r\n", ""); // without the soft breaks in the document
+    QCOMPARE(octets.count("Content-ID: <"), 3);
+    QCOMPARE(octets.count("cid:"), 5);
+    QCOMPARE(octets.count("cid:part1."), 3);
+    QVERIFY(octets.contains("Content-Type: multipart/related; type=\"text/html\";"));
+    QVERIFY(octets.contains("Content-Disposition: inline;"));
+    QVERIFY(octets.contains("image/png") && octets.contains("image/gif") && octets.contains("audio/midi"));
+}
+
+void TestMailEncoderFiles::foreignReferencesAreLeftAlone()
+{
+    MailMessage mail = message();
+    mail.Format = MailMessage::Html;
+    mail.Content =
+        u"<img src=http://x.example/a.png><img src=https://x.example/a.png><img src=cid:abc><img src=\"data:,\">"
+        "<img src=//x.example/a.png><img src=/no/such/file.png><img src=a.png><img src=\"/\">"
+        "<img src=file:///no/such.png><img src=file://server/share/a.png>"_s;
+    const QByteArray octets = encode(mail);
+    QVERIFY(!octets.contains("multipart/related") && !octets.contains("Content-ID"));
+    QCOMPARE(octets.count("cid:"), 1);
+}
+
+void TestMailEncoderFiles::onlyShownFilesBecomeRelated()
+{
+    MailMessage mail = message();
+    mail.Format = MailMessage::Html;
+    mail.Content = u"<img src=\"%1\"><img src=/etc/passwd><img src=/dev/zero>"_s.arg(write(u"key"_s, "secret text"));
+    QVERIFY(!encode(mail).contains("Content-ID"));
+}
+
+void TestMailEncoderFiles::attachmentsAreTypedByContent()
+{
+    const QMap<QString, QPair<QByteArray, QByteArray>> expected{
+        {u"wrong.txt"_s, {png, "image/png"}},
+        {u"noname"_s, {"%PDF-1.4\n", "application/pdf"}},
+        {u"table.csv"_s, {"a,b\n1,2\n", "text/csv"}},
+        {u"unknown"_s, {QByteArray::fromHex("0001fe02ff8081"), "application/octet-stream"}},
+        {u"mail.eml"_s, {"From: a@example.org\nSubject: x\n\nbody\n", "application/octet-stream"}},
+        {u"empty"_s, {QByteArray(), "application/octet-stream"}},
+    };
+    for (auto i = expected.begin(); i != expected.end(); ++i) {
+        MailMessage mail = message();
+        mail.Attachments.Add({QString(), write(i.key(), i->first)});
+        const QByteArray octets = encode(mail);
+        QVERIFY2(octets.contains("Content-Type: " + i->second + "; name=\"" + i.key().toUtf8() + '"'),
+                 octets.constData());
+    }
+}
+
+void TestMailEncoderFiles::attachmentsAreNotReadWhole()
+{
+    // A file of one terabyte without content: encoding its description is quick, reading it would never end.
+    const QString path = write(u"huge.bin"_s, "start");
+    constexpr qint64 terabyte = Q_INT64_C(1) << 40;
+    if (::truncate(QFile::encodeName(path).constData(), terabyte) != 0) {
+        QSKIP("the file system of the temporary folder takes no sparse file of one terabyte");
+    }
+    MailMessage mail = message();
+    mail.Attachments.Add({u"huge.bin"_s, path});
+    const EncodedMail encoded = m_encoder.encode(mail, m_now);
+    QVERIFY(encoded.ErrorText.isEmpty());
+    QCOMPARE(encoded.Stretches.size(), 3);
+    QCOMPARE(encoded.Stretches[1].FileSize, terabyte);
+    const qint64 text = encoded.Stretches[0].Bytes.size() + encoded.Stretches[2].Bytes.size();
+    QCOMPARE(encoded.Size - text, (terabyte + 2) / 3 * 4 + (terabyte + 56) / 57 * 2);
+    QFile::remove(path);
+}
+
+void TestMailEncoderFiles::attachmentThatCannotBeReadIsAClearError()
+{
+    const QString pipe = m_folder.filePath(u"pipe"_s);
+    QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    for (const QString &path : {u"/no/such/file"_s, m_folder.path(), pipe, u"/dev/null"_s, QString()}) {
+        MailMessage mail = message();
+        mail.Attachments.Add({u"a"_s, path});
+        const EncodedMail encoded = m_encoder.encode(mail, m_now);
+        QVERIFY(encoded.ErrorText.contains(u'"' + path + u'"') && encoded.ErrorText.endsWith(u'.'));
+        QVERIFY(encoded.Stretches.isEmpty());
+    }
+}
+
+void TestMailEncoderFiles::attachmentWithoutPermissionIsAClearError()
+{
+    if (::geteuid() == 0) {
+        QSKIP("root may read every file");
+    }
+    const QString path = write(u"closed.txt"_s, "text");
+    QVERIFY(QFile::setPermissions(path, QFileDevice::Permissions()));
+    MailMessage mail = message();
+    mail.Attachments.Add({u"a"_s, path});
+    QVERIFY(m_encoder.encode(mail, m_now).ErrorText.contains(path));
+}
+
+void TestMailEncoderFiles::changedFileIsLookedIntoAgain()
+{
+    MailMessage mail = message();
+    mail.Attachments.Add({u"a"_s, write(u"changing"_s, png)});
+    QVERIFY(encode(mail).contains("image/png"));
+    write(u"changing"_s, "%PDF-1.4\n%");
+    QVERIFY(encode(mail).contains("application/pdf"));
+}
+
+QTEST_GUILESS_MAIN(TestMailEncoderFiles)
+#include "test_mailencoderfiles.moc"
