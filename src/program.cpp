@@ -68,8 +68,7 @@ void Program::addForms()
     m_forms.add(splashForm,
                 [this] { return new frmPubSplash([this] { handOverFromSplash(); }, QPixmap(u":/splash.svg"_s)); });
     m_forms.add(progressForm, [this] {
-        return new frmPubProgress(
-            {[this] { m_main->message().pblnStop = true; }, [this] { m_forms.unload(progressForm); }});
+        return new frmPubProgress({[this] { m_run->requestStop(); }, [this] { m_forms.unload(progressForm); }});
     });
     m_forms.add(optionsForm,
                 [this] { return new frmPubOptions(m_globals, m_main->message(), m_forms, optionsHooks()); });
@@ -93,6 +92,7 @@ void Program::makeMainWindow()
     hooks.findSignature = [this](const QString &name) { return signatureText(m_globals, name); };
     hooks.insertIntoSignature = [this](const QString &macro) { return insertIntoSignature(macro); };
     hooks.optionsOpen = [this] { return m_refilling || m_forms.isLoaded(optionsForm); };
+    hooks.sending = [this] { return m_run && m_run->state().isTold(); };
     hooks.showProgress = [this] { return showProgress(); };
     hooks.loadLists = [this] { loadLists(); };
     hooks.checkAccount = [this] { checkAccount(); };
@@ -101,7 +101,8 @@ void Program::makeMainWindow()
     // Not quit(), which asks every window first, and a box may say no.
     hooks.closed = [] { QCoreApplication::exit(); };
     m_main = std::make_unique<frmPubMain>(m_globals, std::move(hooks));
-    m_run = std::make_unique<SendRun>(m_globals, m_main->message(), m_progress, m_recipients);
+    m_run = std::make_unique<SendRun>(
+        SendRun::Rooms{m_globals, m_main->message(), m_main->view(), m_progress, m_recipients});
     m_tray = std::make_unique<TrayIcon>(
         m_main.get(),
         TrayIcon::Hooks{[this](const QString &name) { return m_main->findChild<QAction *>(name); },
@@ -140,9 +141,9 @@ void Program::loadLists()
 void Program::refillMainWindow()
 {
     m_refilling = true;
-    LoadSenderLists(MainWindowBoxes, m_globals, m_main->message());
+    LoadSenderLists(MainWindowBoxes, m_globals, m_main->message(), m_main->view());
     m_main->setSignatureMenu(signatureNames(m_globals), m_globals.settings.signature[SignatureDefault]);
-    LoadSmtpLists(m_globals, m_main->message());
+    LoadSmtpLists(m_globals, m_main->message(), m_main->view());
     m_refilling = false;
 }
 
@@ -200,7 +201,7 @@ bool Program::insertIntoSignature(const QString &macro)
 
 bool Program::showProgress()
 {
-    const bool counting = m_forms.isLoaded(progressForm) && m_progress.counter() != QStringView(progressRestText);
+    const bool counting = m_run->state().isCounting();
     if (counting) {
         m_progress.makeVisible();
     }
@@ -222,8 +223,8 @@ void Program::exit(bool stopScheduler)
 void Program::end()
 {
     quillon::setPrompts(&m_silence);
-    m_run->abandon();
-    m_main->message().Tag = u"EXITWITHMENU"_s;
+    m_run->end();
+    m_main->Tag = u"EXITWITHMENU"_s;
     m_main->close();
 }
 

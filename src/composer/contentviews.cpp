@@ -16,15 +16,15 @@ ContentViews::ContentViews(const Views &views, std::function<void(bool)> onRich)
     show();
 }
 
-MessageWindow::Format ContentViews::format() const
+Message::Format ContentViews::format() const
 {
-    return m_views.rich->isChecked() ? MessageWindow::Format::Rich : MessageWindow::Format::Plain;
+    return m_views.rich->isChecked() ? Message::Format::Rich : Message::Format::Plain;
 }
 
-void ContentViews::setFormat(MessageWindow::Format format)
+void ContentViews::setFormat(Message::Format format)
 {
     // Without the rich editor there is plain text only, and a message that wants more is shown as plain text.
-    const bool rich = format == MessageWindow::Format::Rich && m_views.rich->isEnabled();
+    const bool rich = format == Message::Format::Rich && m_views.rich->isEnabled();
     (rich ? m_views.rich : m_views.plain)->setChecked(true);
     show();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/messagewindow.h"
+#include "message/message.h"
 
 #include <QObject>
 
@@ -31,8 +31,8 @@ public:
     /// @p onRich tells the commands of the rich editor whether they can be used.
     ContentViews(const Views &views, std::function<void(bool)> onRich);
 
-    void setFormat(MessageWindow::Format format);
-    [[nodiscard]] MessageWindow::Format format() const;
+    void setFormat(Message::Format format);
+    [[nodiscard]] Message::Format format() const;
 
 private:
     void show();

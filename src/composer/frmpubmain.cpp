@@ -153,15 +153,17 @@ void frmPubMain::makeConcerns()
     m_attachments = std::make_unique<AttachmentList>(
         c.attachments, m_globals.system,
         AttachmentList::Hooks{[this] { m_message->pblnChanged = true; }, [this] { m_popUps->hide(); }});
-    m_message = std::make_unique<MainWindowMessage>(
-        c, MainWindowMessage::Rules{*m_account, *m_views, *m_layout, *m_attachments});
+    m_message = std::make_unique<MainWindowMessage>(c, MainWindowMessage::Rules{*m_account, *m_views, *m_attachments});
+    m_view = std::make_unique<MainWindowView>(c, *m_layout);
     m_signatures = new SignatureInsertion(findChild<QMenu *>(u"menis"_s), findChild<QAction *>(u"menissa(0)"_s),
-                                          *m_message, *m_edit, m_hooks.findSignature);
+                                          *m_message, *m_view, *m_edit, m_hooks.findSignature);
     m_placement = new WindowPlacement(this, m_globals);
     new GrowingBoxes(c.txt, c.attachments, c.header, centralWidget());
     m_commands = new CommandTable(
-        this, mainCommands({m_hooks, m_globals, *m_message, *m_edit, *m_layout, *m_views, *m_attachments}));
-    new StatusHints(this, statusBar(), c.panel[1], c.panel[2], [this](int panel) { clickPanel(panel); });
+        this, mainCommands({m_hooks, m_globals, *m_message, *m_view, *m_edit, *m_layout, *m_views, *m_attachments}));
+    new StatusHints(
+        this, {statusBar(), c.panel[1], c.panel[2]},
+        {[this] { return m_hooks.sending && m_hooks.sending(); }, [this](int panel) { clickPanel(panel); }});
 }
 
 void frmPubMain::watchDateChoice()
@@ -221,23 +223,22 @@ void frmPubMain::applyTexts()
 
 void frmPubMain::fillNewMessage()
 {
-    m_message->mblnReady = false;
+    m_view->mblnReady = false;
     m_encodings->fill(m_globals.text.GetEncodingList());
     call(m_hooks.loadLists);
     ResetMessageOptions();
-    m_message->setText(MessageWindow::Field::Encoding, EncodingDisplayName());
+    m_message->setText(Message::Field::Encoding, EncodingDisplayName());
     if (const QString &account = m_globals.settings.smtp[0]; !account.isEmpty()) {
-        m_message->setText(MessageWindow::Field::Account, recordField(account, AccountSenderAddress));
+        m_message->setText(Message::Field::Account, recordField(account, AccountSenderAddress));
     }
-    for (const auto choice :
-         {MessageWindow::Choice::Sender, MessageWindow::Choice::ReplyReceiver, MessageWindow::Choice::Date}) {
+    for (const auto choice : {Message::Choice::Sender, Message::Choice::ReplyReceiver, Message::Choice::Date}) {
         m_message->setActual(choice, true);
     }
     fillFonts();
     m_signatures->addAutomatic(m_globals.settings);
     const bool rich = m_globals.settings.other[Format] == u"Rich";
-    m_message->setFormat(rich ? MessageWindow::Format::Rich : MessageWindow::Format::Plain);
-    m_message->mblnReady = true;
+    m_message->setFormat(rich ? Message::Format::Rich : Message::Format::Plain);
+    m_view->mblnReady = true;
 }
 
 void frmPubMain::fillFonts()
@@ -262,7 +263,7 @@ QString frmPubMain::EncodingDisplayName()
 void frmPubMain::ResetMessageOptions()
 {
     m_controls->menop->setChecked(true);
-    m_message->setPriority(MessageWindow::Priority::Normal);
+    m_message->setPriority(Message::Priority::Normal);
     m_message->setReceipt(false);
     m_message->setOneByOne(false);
 }
@@ -358,8 +359,8 @@ void frmPubMain::showEvent(QShowEvent *event)
 
 void frmPubMain::closeEvent(QCloseEvent *event)
 {
-    if (m_message->Tag == u"EXITWITHMENU" || qGuiApp->isSavingSession()) {
-        m_message->Tag.clear();
+    if (Tag == u"EXITWITHMENU" || qGuiApp->isSavingSession()) {
+        Tag.clear();
         event->accept();
         call(m_hooks.closed);
         return;

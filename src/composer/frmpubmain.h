@@ -2,6 +2,7 @@
 
 #include "composer/mainhooks.h"
 #include "composer/mainwindowmessage.h"
+#include "composer/mainwindowview.h"
 #include "core/globals.h"
 
 #include <QMainWindow>
@@ -42,7 +43,8 @@ public:
     /// Before a window is shown at its remembered place it is put there: later the window manager has its say.
     void setVisible(bool visible) override;
 
-    [[nodiscard]] MessageWindow &message() { return *m_message; }
+    [[nodiscard]] Message &message() { return *m_message; }
+    [[nodiscard]] Window &view() { return *m_view; }
     [[nodiscard]] const CommandTable &commands() const { return *m_commands; }
     [[nodiscard]] ContentLayout &layoutOfContent() { return *m_layout; }
     /// The display name of the encoding that is set as the default; see EncodingChoice::displayName().
@@ -53,6 +55,8 @@ public:
     /// signature's caption says so.
     void setMacroMenu(const QStringList &captions);
     void setSignatureMenu(const QStringList &names, const QString &defaultName);
+
+    QString Tag; ///< "EXITWITHMENU" lets the window close; otherwise its close box leads to the tray
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -89,6 +93,7 @@ private:
     WindowPlacement *m_placement = nullptr;
     SignatureInsertion *m_signatures = nullptr;
     std::unique_ptr<MainWindowMessage> m_message;
+    std::unique_ptr<MainWindowView> m_view;
     CommandTable *m_commands = nullptr;
     bool m_toldMinimised = false; ///< the hook knows already that the window is being minimised
 };

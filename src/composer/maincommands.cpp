@@ -4,7 +4,6 @@
 #include "composer/contentlayout.h"
 #include "composer/contentviews.h"
 #include "composer/editcommands.h"
-#include "composer/mainwindowmessage.h"
 #include "core/datatree.h"
 #include "core/texts.h"
 #include "quillon/system/platform.h"
@@ -18,7 +17,7 @@ namespace corvane {
 namespace {
 
 using Run = std::function<void()>;
-using Field = MessageWindow::Field;
+using Field = Message::Field;
 
 constexpr int maximised = 3;
 
@@ -30,7 +29,7 @@ constexpr int sendersTab = 2;
 /// The command is the item's own check mark, which has turned already.
 void turnCheckMark() {}
 
-void clearRecipients(MainWindowMessage &message)
+void clearRecipients(Message &message, Window &window)
 {
     if (showMessage(u"CLEAR_RECIP"_s, quillon::YesNoCancelBox) != quillon::BoxAnswer::Yes) {
         return;
@@ -38,7 +37,7 @@ void clearRecipients(MainWindowMessage &message)
     for (const Field field : {Field::To, Field::CC, Field::BCC}) {
         message.setText(field, QString());
     }
-    message.setFocus(Field::To);
+    window.setFocus(Field::To);
 }
 
 void viewLog(const ApplicationGlobals &globals)
@@ -77,7 +76,8 @@ std::vector<Command> fileCommands(const CommandTargets &t)
 std::vector<Command> editCommands(const CommandTargets &t)
 {
     EditCommands *edit = &t.edit;
-    MainWindowMessage *message = &t.message;
+    Message *message = &t.message;
+    Window *window = &t.window;
     ContentLayout *layout = &t.layout;
     return {
         {u"meneu"_s, u"tlbUndo"_s, {}, [edit] { edit->undo(); }},
@@ -92,7 +92,7 @@ std::vector<Command> editCommands(const CommandTargets &t)
         {u"meneo"_s, {}, {}, {}, Command::RichOnly},
         {u"menes"_s, {}, {}, {}, Command::RichOnly},
         {u"meneh"_s, {}, {u"sbt(23)"_s}, {}, Command::RichOnly},
-        {u"menel"_s, {}, {u"sbt(13)"_s}, [message] { clearRecipients(*message); }},
+        {u"menel"_s, {}, {u"sbt(13)"_s}, [message, window] { clearRecipients(*message, *window); }},
         {u"menve"_s, u"tlbExpand"_s, {}, [layout] { layout->toggle(); }},
     };
 }
@@ -119,7 +119,7 @@ std::vector<Command> formatCommands(const CommandTargets &t)
 {
     ContentViews *views = &t.views;
     std::vector<Command> commands = {
-        {u"menop"_s, {}, {}, [views] { views->setFormat(MessageWindow::Format::Plain); }},
+        {u"menop"_s, {}, {}, [views] { views->setFormat(Message::Format::Plain); }},
         {u"menor"_s, {}, {}, {}, Command::Anywhere, {u"opt(8)"_s}},
         {u"menof"_s, {}, {}, {}, Command::RichOnly, {u"cbb(4)"_s, u"cbb(5)"_s}},
         {u"menoi"_s, {}, {u"sbt(17)"_s}, {}, Command::RichOnly},

@@ -3,6 +3,7 @@
 #include "composer/commandtable.h"
 #include "composer/mainhooks.h"
 #include "core/globals.h"
+#include "message/window.h"
 
 namespace corvane {
 
@@ -10,13 +11,13 @@ class ContentLayout;
 class ContentViews;
 class AttachmentList;
 class EditCommands;
-class MainWindowMessage;
 
 /// What the commands work on.
 struct CommandTargets {
     const MainHooks &hooks;
     const ApplicationGlobals &globals;
-    MainWindowMessage &message;
+    Message &message;
+    Window &window;
     EditCommands &edit;
     ContentLayout &layout;
     ContentViews &views;

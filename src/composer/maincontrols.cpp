@@ -37,4 +37,34 @@ MainControls::MainControls(QMainWindow *window)
 {
 }
 
+QWidget *MainControls::holderOf(Message::Field field) const
+{
+    using Field = Message::Field;
+    switch (field) {
+    case Field::Account:
+        return cbb[6];
+    case Field::Sender:
+        return cbb[0];
+    case Field::ReplyReceiver:
+        return cbb[1];
+    case Field::Encoding:
+        return cbb[2];
+    case Field::To:
+        return txt[0];
+    case Field::CC:
+        return txt[1];
+    case Field::BCC:
+        return txt[2];
+    case Field::Subject:
+        return utbSubject;
+    case Field::PlainContent:
+        return utbContent;
+    case Field::RichContent:
+        return dhe;
+    case Field::Source:
+        return utbSource;
+    }
+    return nullptr;
+}
+
 } // namespace corvane

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "message/message.h"
+
 #include <array>
 
 class QAbstractButton;
@@ -22,6 +24,9 @@ class RichEditor;
 /// The main window's controls by their names, collected once; each concern is handed those that it works on.
 struct MainControls {
     explicit MainControls(QMainWindow *form);
+
+    /// The control that holds a field of the message.
+    [[nodiscard]] QWidget *holderOf(Message::Field field) const;
 
     QMainWindow *form;
     std::array<QComboBox *, 7> cbb;

@@ -21,6 +21,7 @@ struct MainHooks {
     /// Shows a modal form, on the tab of that index when it is 0 or more.
     std::function<void(const QString &form, int tab)> showForm;
     std::function<bool()> optionsOpen;  ///< frmPubOptions is open: its refills mark no change
+    std::function<bool()> sending;      ///< the status line tells of a run: no hint takes its place
     std::function<bool()> showProgress; ///< a click on the status bar; true: it was used
 
     // Steps of the loading, in this order.

@@ -2,7 +2,6 @@
 
 #include "composer/accountfields.h"
 #include "composer/attachmentlist.h"
-#include "composer/contentlayout.h"
 #include "composer/contentviews.h"
 #include "composer/controltext.h"
 #include "composer/richeditor.h"
@@ -11,9 +10,7 @@
 #include <QAction>
 #include <QComboBox>
 #include <QDateEdit>
-#include <QLabel>
 #include <QLineEdit>
-#include <QMainWindow>
 #include <QPlainTextEdit>
 
 using namespace Qt::StringLiterals;
@@ -35,38 +32,9 @@ MainWindowMessage::MainWindowMessage(const MainControls &controls, const Rules &
 {
 }
 
-QWidget *MainWindowMessage::control(Field field) const
-{
-    switch (field) {
-    case Field::Account:
-        return m_controls.cbb[6];
-    case Field::Sender:
-        return m_controls.cbb[0];
-    case Field::ReplyReceiver:
-        return m_controls.cbb[1];
-    case Field::Encoding:
-        return m_controls.cbb[2];
-    case Field::To:
-        return m_controls.txt[0];
-    case Field::CC:
-        return m_controls.txt[1];
-    case Field::BCC:
-        return m_controls.txt[2];
-    case Field::Subject:
-        return m_controls.utbSubject;
-    case Field::PlainContent:
-        return m_controls.utbContent;
-    case Field::RichContent:
-        return m_controls.dhe;
-    case Field::Source:
-        return m_controls.utbSource;
-    }
-    return nullptr;
-}
-
 QString MainWindowMessage::text(Field field) const
 {
-    QWidget *holder = control(field);
+    QWidget *holder = m_controls.holderOf(field);
     if (const auto *combo = qobject_cast<QComboBox *>(holder)) {
         return inOneLine(combo->currentText());
     }
@@ -81,7 +49,7 @@ QString MainWindowMessage::text(Field field) const
 
 void MainWindowMessage::setText(Field field, const QString &text)
 {
-    QWidget *holder = control(field);
+    QWidget *holder = m_controls.holderOf(field);
     if (auto *combo = qobject_cast<QComboBox *>(holder)) {
         setComboText(combo, text);
         if (field == Field::Account) {
@@ -93,33 +61,6 @@ void MainWindowMessage::setText(Field field, const QString &text)
         line->setText(text);
     } else {
         m_controls.dhe->setDocumentHtml(text);
-    }
-}
-
-void MainWindowMessage::setFocus(Field field)
-{
-    const bool inContent = field == Field::PlainContent || field == Field::RichContent || field == Field::Source;
-    if (!inContent) {
-        m_rules.layout.setExpanded(false);
-    }
-    control(field)->setFocus();
-}
-
-QStringList MainWindowMessage::list(Field field) const
-{
-    QStringList entries;
-    if (const auto *combo = qobject_cast<QComboBox *>(control(field))) {
-        for (int i = 0; i < combo->count(); ++i) {
-            entries.append(combo->itemText(i));
-        }
-    }
-    return entries;
-}
-
-void MainWindowMessage::setList(Field field, const QStringList &entries)
-{
-    if (auto *combo = qobject_cast<QComboBox *>(control(field))) {
-        setComboList(combo, entries);
     }
 }
 
@@ -149,7 +90,7 @@ void MainWindowMessage::setCustomDateTime(const QDate &date, const QTime &time)
     m_controls.time->setTime(time);
 }
 
-MessageWindow::Format MainWindowMessage::format() const
+Message::Format MainWindowMessage::format() const
 {
     return m_rules.views.format();
 }
@@ -159,7 +100,7 @@ void MainWindowMessage::setFormat(Format format)
     m_rules.views.setFormat(format);
 }
 
-MessageWindow::Priority MainWindowMessage::priority() const
+Message::Priority MainWindowMessage::priority() const
 {
     if (m_controls.menosh[0]->isChecked()) {
         return Priority::High;
@@ -215,26 +156,6 @@ void MainWindowMessage::selectEncoding(int index)
 QString MainWindowMessage::selectedEncoding() const
 {
     return m_controls.cbb[3]->currentText();
-}
-
-QString MainWindowMessage::title() const
-{
-    return m_controls.form->windowTitle();
-}
-
-void MainWindowMessage::setTitle(const QString &title)
-{
-    m_controls.form->setWindowTitle(title);
-}
-
-QString MainWindowMessage::statusText() const
-{
-    return m_controls.panel[1]->text();
-}
-
-void MainWindowMessage::setStatusText(const QString &text)
-{
-    m_controls.panel[1]->setText(text);
 }
 
 } // namespace corvane

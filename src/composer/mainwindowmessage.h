@@ -1,25 +1,21 @@
 #pragma once
 
 #include "composer/maincontrols.h"
-#include "core/messagewindow.h"
-
-class QWidget;
+#include "message/message.h"
 
 namespace corvane {
 
 class AccountFields;
 class AttachmentList;
-class ContentLayout;
 class ContentViews;
 
 /// The message, as the controls of the main window hold it.
-class MainWindowMessage : public MessageWindow {
+class MainWindowMessage : public Message {
 public:
     /// What belongs to a field beyond its control.
     struct Rules {
         AccountFields &account;
         ContentViews &views;
-        ContentLayout &layout;
         AttachmentList &attachments;
     };
 
@@ -27,10 +23,6 @@ public:
 
     [[nodiscard]] QString text(Field field) const override;
     void setText(Field field, const QString &text) override;
-    /// A field that the expanded content covers is brought back first, so that the user sees where the focus went.
-    void setFocus(Field field) override;
-    [[nodiscard]] QStringList list(Field field) const override;
-    void setList(Field field, const QStringList &entries) override;
     [[nodiscard]] bool isActual(Choice choice) const override;
     void setActual(Choice choice, bool actual) override;
     [[nodiscard]] QDate customDate() const override;
@@ -50,14 +42,8 @@ public:
     [[nodiscard]] int encodingCount() const override;
     void selectEncoding(int index) override;
     [[nodiscard]] QString selectedEncoding() const override;
-    [[nodiscard]] QString title() const override;
-    void setTitle(const QString &title) override;
-    [[nodiscard]] QString statusText() const override;
-    void setStatusText(const QString &text) override;
 
 private:
-    [[nodiscard]] QWidget *control(Field field) const;
-
     MainControls m_controls;
     Rules m_rules;
 };

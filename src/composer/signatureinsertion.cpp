@@ -1,7 +1,6 @@
 #include "composer/signatureinsertion.h"
 
 #include "composer/editcommands.h"
-#include "composer/mainwindowmessage.h"
 #include "composer/menuitemarray.h"
 #include "quillon/mail/htmltext.h"
 #include "quillon/system/quillonsystem.h"
@@ -15,7 +14,7 @@ namespace corvane {
 
 namespace {
 
-using Field = MessageWindow::Field;
+using Field = Message::Field;
 
 const QString defaultMark = u" (default)"_s;
 
@@ -32,9 +31,10 @@ QString plainTextOf(const SignatureText &signature)
 
 } // namespace
 
-SignatureInsertion::SignatureInsertion(QMenu *menu, QAction *base, MainWindowMessage &message, EditCommands &edit,
+SignatureInsertion::SignatureInsertion(QMenu *menu, QAction *base, Message &message, Window &window, EditCommands &edit,
                                        Find find)
-    : QObject(menu), m_menu(menu), m_base(base), m_message(message), m_edit(edit), m_find(std::move(find))
+    : QObject(menu), m_menu(menu), m_base(base), m_message(message), m_window(window), m_edit(edit),
+      m_find(std::move(find))
 {
 }
 
@@ -56,7 +56,7 @@ void SignatureInsertion::insert(const QString &caption)
 {
     // A name that itself ends like the mark of the default is looked up without that end.
     const QString name = caption.endsWith(defaultMark) ? caption.chopped(defaultMark.size()) : caption;
-    m_message.setFocus(Field::PlainContent);
+    m_window.setFocus(Field::PlainContent);
     const SignatureText signature = m_find(name);
     const QString text = plainTextOf(signature);
     if (!text.isEmpty()) {

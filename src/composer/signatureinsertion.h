@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/globals.h"
+#include "message/window.h"
 #include "records/signaturerecords.h"
 
 #include <QObject>
@@ -15,7 +16,6 @@ class QMenu;
 namespace corvane {
 
 class EditCommands;
-class MainWindowMessage;
 
 /// The signatures of the main window: their menu, and how one gets into the content.
 class SignatureInsertion : public QObject {
@@ -25,7 +25,7 @@ public:
     using Find = std::function<SignatureText(const QString &name)>;
 
     /// @p menu is menis, @p base its item menissa(0). Without @p find no signature can be inserted.
-    SignatureInsertion(QMenu *menu, QAction *base, MainWindowMessage &message, EditCommands &edit, Find find);
+    SignatureInsertion(QMenu *menu, QAction *base, Message &message, Window &window, EditCommands &edit, Find find);
 
     /// Makes an item for each name; that of the default says so. Without names the menu is disabled.
     void setMenu(const QStringList &names, const QString &defaultName);
@@ -37,7 +37,8 @@ private:
 
     QMenu *m_menu;
     QAction *m_base;
-    MainWindowMessage &m_message;
+    Message &m_message;
+    Window &m_window;
     EditCommands &m_edit;
     Find m_find;
 };

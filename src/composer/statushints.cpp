@@ -16,10 +16,8 @@ using namespace Qt::StringLiterals;
 
 namespace corvane {
 
-StatusHints::StatusHints(QMainWindow *form, QStatusBar *bar, QLabel *panel1, QLabel *panel2,
-                         std::function<void(int)> onPanelClick)
-    : QObject(form), m_form(form), m_bar(bar), m_panel1(panel1), m_panel2(panel2),
-      m_onPanelClick(std::move(onPanelClick))
+StatusHints::StatusHints(QMainWindow *form, const Bar &bar, Hooks hooks)
+    : QObject(form), m_form(form), m_bar(bar), m_hooks(std::move(hooks))
 {
     const QList<QWidget *> widgets = form->findChildren<QWidget *>();
     for (QWidget *widget : widgets) {
@@ -49,8 +47,8 @@ void StatusHints::watchMenu(QMenu *menu)
 
 void StatusHints::show(const QString &text)
 {
-    if (m_panel1->text() != QStringView(sendingText)) {
-        m_panel1->setText(text);
+    if (!m_hooks.sending()) {
+        m_bar.panel1->setText(text);
     }
 }
 
@@ -74,8 +72,8 @@ bool StatusHints::eventFilter(QObject *watched, QEvent *event)
     if (widget && (event->type() == QEvent::Enter || event->type() == QEvent::MouseMove)) {
         show(hintFor(widget));
     } else if (widget && event->type() == QEvent::MouseButtonPress &&
-               (widget == m_bar || widget == m_panel1 || widget == m_panel2)) {
-        m_onPanelClick(widget == m_panel1 ? 1 : widget == m_panel2 ? 2 : 0);
+               (widget == m_bar.bar || widget == m_bar.panel1 || widget == m_bar.panel2)) {
+        m_hooks.clicked(widget == m_bar.panel1 ? 1 : widget == m_bar.panel2 ? 2 : 0);
         return true;
     }
     return QObject::eventFilter(watched, event);

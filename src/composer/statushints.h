@@ -12,15 +12,23 @@ class QStatusBar;
 
 namespace corvane {
 
-/// The help line in panel 1 of the status bar: what the mouse is over, and what a menu item does. While the panel shows
-/// the sending text, nothing here changes it.
+/// The help line in panel 1 of the status bar: what the mouse is over, and what a menu item does. While the panel tells
+/// of a send run, nothing here changes it.
 class StatusHints : public QObject {
     Q_OBJECT
 
 public:
-    /// @p onPanelClick is called with the number of the clicked panel, 1 or 2, or 0 for the bar between them.
-    StatusHints(QMainWindow *form, QStatusBar *bar, QLabel *panel1, QLabel *panel2,
-                std::function<void(int)> onPanelClick);
+    struct Bar {
+        QStatusBar *bar;
+        QLabel *panel1;
+        QLabel *panel2;
+    };
+    struct Hooks {
+        std::function<bool()> sending;          ///< the panel tells of a send run
+        std::function<void(int panel)> clicked; ///< with the number of the panel, or 0 for the bar between them
+    };
+
+    StatusHints(QMainWindow *form, const Bar &bar, Hooks hooks);
 
     /// Shows @p text unless a send is under way.
     void show(const QString &text);
@@ -33,10 +41,8 @@ private:
     [[nodiscard]] QString hintFor(const QWidget *widget) const;
 
     QMainWindow *m_form;
-    QStatusBar *m_bar;
-    QLabel *m_panel1;
-    QLabel *m_panel2;
-    std::function<void(int)> m_onPanelClick;
+    Bar m_bar;
+    Hooks m_hooks;
 };
 
 } // namespace corvane

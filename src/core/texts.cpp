@@ -40,6 +40,16 @@ quillon::BoxAnswer showMessage(const QString &key, int style, const std::optiona
     return quillon::prompts().box({key, whole, value.value_or(QString()), style});
 }
 
+quillon::Pending<quillon::BoxAnswer> messageShown(const QString &key, int style, const std::optional<QString> &value)
+{
+    return quillon::fromEventLoop([key, style, value] { return showMessage(key, style, value); });
+}
+
+quillon::Pending<quillon::BoxAnswer> textShown(const QString &text, int style, const QString &key)
+{
+    return quillon::fromEventLoop([text, style, key] { return quillon::prompts().box({key, text, QString(), style}); });
+}
+
 quillon::BoxAnswer showText(const QString &text, int style)
 {
     return quillon::prompts().box({QString(), text, QString(), style});

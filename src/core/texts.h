@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillon/sequence/pending.h"
 #include "quillon/system/prompts.h"
 
 #include <QString>
@@ -28,5 +29,10 @@ quillon::BoxAnswer showMessage(const QString &key, int style, const std::optiona
 
 /// Shows a text that has no key of its own.
 quillon::BoxAnswer showText(const QString &text, int style);
+
+/// The same for a sequence, which rests while the box is open. @p key names the text, where it has one.
+quillon::Pending<quillon::BoxAnswer> messageShown(const QString &key, int style,
+                                                  const std::optional<QString> &value = std::nullopt);
+quillon::Pending<quillon::BoxAnswer> textShown(const QString &text, int style, const QString &key = QString());
 
 } // namespace corvane

@@ -5,8 +5,6 @@
 
 #include <QScopedValueRollback>
 
-#include <functional>
-
 using namespace Qt::StringLiterals;
 
 namespace corvane {
@@ -39,59 +37,68 @@ void useTrimmedProxy(const QString &record, MailTransport &transport)
     transport.ProxyServer = transport.ProxyServer.trimmed();
 }
 
-/// Takes the steps of a test with a transport of its own, which is gone at the end, unless @p fault tells why it must
-/// not begin.
-bool takeSteps(const QString &fault, const std::function<bool(MailTransport &transport)> &steps, QString *reason)
+/// Why a test must not begin; empty when it may.
+QString obstacle(const QString &fault)
 {
-    QString said = fault;
-    if (said.isEmpty() && isUnderWay) {
-        said = u"Another connection is being tested."_s;
-    }
-    bool works = false;
-    if (said.isEmpty()) {
-        const QScopedValueRollback<bool> guard(isUnderWay, true);
-        MailTransport transport;
-        QObject::connect(&transport, &MailTransport::Error, &transport,
-                         [&said](int, const QString &text) { said = text; });
-        works = steps(transport);
-        transport.Quit();
-    }
-    if (reason != nullptr) {
-        *reason = works ? QString() : said;
-    }
-    return works;
+    return fault.isEmpty() && isUnderWay ? u"Another connection is being tested."_s : fault;
 }
+
+/// The transport of one test, and what it said.
+struct Attempt {
+    Attempt()
+    {
+        QObject::connect(&transport, &MailTransport::Error, &transport,
+                         [this](int, const QString &text) { said = text; });
+    }
+
+    [[nodiscard]] ConnectionTestResult result(bool works) const
+    {
+        return ConnectionTestResult{works, works ? QString() : said};
+    }
+
+    QScopedValueRollback<bool> guard{isUnderWay, true};
+    QString said;
+    MailTransport transport;
+};
 
 } // namespace
 
-bool TestSmtpConnection(const QString &account, const QString &proxy, QString *reason)
+quillon::Task<ConnectionTestResult> TestSmtpConnection(QString account, QString proxy)
 {
     QString fault = faultOfCount(account, accountFieldCount, u"account"_s);
     if (fault.isEmpty() && !proxy.isEmpty()) {
         fault = faultOfProxy(proxy);
     }
-    const auto steps = [&](MailTransport &transport) {
-        useAccount(account, transport);
-        if (!proxy.isEmpty()) {
-            useTrimmedProxy(proxy, transport);
-        }
-        transport.Connect(recordField(account, AccountServer).trimmed(), numberOf(recordField(account, AccountPort)), 0,
-                          0);
-        // A server that has said nothing yet stands connected as well.
-        return transport.State() == MailTransport::Connected && transport.Accepted();
-    };
-    return takeSteps(fault, steps, reason);
+    fault = obstacle(fault);
+    if (!fault.isEmpty()) {
+        co_return ConnectionTestResult{false, fault};
+    }
+    Attempt attempt;
+    MailTransport &transport = attempt.transport;
+    useAccount(account, transport);
+    if (!proxy.isEmpty()) {
+        useTrimmedProxy(proxy, transport);
+    }
+    co_await transport.Connect(recordField(account, AccountServer).trimmed(),
+                               numberOf(recordField(account, AccountPort)), 0, 0);
+    bool works = transport.State() == MailTransport::Connected;
+    if (works) {
+        works = co_await transport.Accepted(); // a server that has said nothing yet stands connected as well
+    }
+    co_return attempt.result(works);
 }
 
-bool TestProxyConnection(const QString &proxy, const Site &site, QString *reason)
+quillon::Task<ConnectionTestResult> TestProxyConnection(QString proxy, Site site)
 {
-    const auto steps = [&](MailTransport &transport) {
-        useTrimmedProxy(proxy, transport);
-        transport.Connect(site.proxyTestHost, site.proxyTestPort, 0, 0);
-        // A web server never greets, so that to be connected is all that can be asked for.
-        return transport.State() == MailTransport::Connected;
-    };
-    return takeSteps(faultOfProxy(proxy), steps, reason);
+    const QString fault = obstacle(faultOfProxy(proxy));
+    if (!fault.isEmpty()) {
+        co_return ConnectionTestResult{false, fault};
+    }
+    Attempt attempt;
+    useTrimmedProxy(proxy, attempt.transport);
+    co_await attempt.transport.Connect(site.proxyTestHost, site.proxyTestPort, 0, 0);
+    // A web server never greets, so that to be connected is all that can be asked for.
+    co_return attempt.result(attempt.transport.State() == MailTransport::Connected);
 }
 
 } // namespace corvane

@@ -9,22 +9,22 @@ namespace corvane {
 
 namespace {
 
-using Field = MessageWindow::Field;
+using Field = Message::Field;
 
 /// A box whose list is filled anew keeps the text that it showed. It is put back as a pick would: behind the same
 /// address there may be another record by now. No text is no pick.
-void replaceList(MessageWindow &window, Field field, const QStringList &entries)
+void replaceList(Message &message, Window &window, Field field, const QStringList &entries)
 {
-    const QString shown = window.text(field);
+    const QString shown = message.text(field);
     window.setList(field, entries);
     if (!shown.isEmpty()) {
-        window.setText(field, shown);
+        message.setText(field, shown);
     }
 }
 
 } // namespace
 
-void LoadSmtpLists(const ApplicationGlobals &globals, MessageWindow &window)
+void LoadSmtpLists(const ApplicationGlobals &globals, Message &message, Window &window)
 {
     QStringList addresses;
     const QStringList lines = globals.lines.ReadLines(globals.paths.smtpFile);
@@ -33,14 +33,14 @@ void LoadSmtpLists(const ApplicationGlobals &globals, MessageWindow &window)
             addresses.append(recordField(line, AccountSenderAddress));
         }
     }
-    replaceList(window, Field::Account, addresses);
+    replaceList(message, window, Field::Account, addresses);
     const QString standard = globals.settings.smtp[0];
-    if (window.text(Field::Account).isEmpty() && !standard.isEmpty()) {
-        window.setText(Field::Account, recordField(standard, AccountSenderAddress));
+    if (message.text(Field::Account).isEmpty() && !standard.isEmpty()) {
+        message.setText(Field::Account, recordField(standard, AccountSenderAddress));
     }
 }
 
-void LoadSenderLists(SenderTarget target, const ApplicationGlobals &globals, MessageWindow &window)
+void LoadSenderLists(SenderTarget target, const ApplicationGlobals &globals, Message &message, Window &window)
 {
     Q_UNUSED(target)
     QStringList entries;
@@ -52,8 +52,8 @@ void LoadSenderLists(SenderTarget target, const ApplicationGlobals &globals, Mes
         const QString name = recordField(line, SenderName);
         entries.append(toRecipientEntry(name.trimmed().isEmpty() ? QString() : name, recordField(line, SenderAddress)));
     }
-    replaceList(window, Field::Sender, entries);
-    replaceList(window, Field::ReplyReceiver, entries);
+    replaceList(message, window, Field::Sender, entries);
+    replaceList(message, window, Field::ReplyReceiver, entries);
 }
 
 } // namespace corvane

@@ -1,18 +1,19 @@
 #pragma once
 
 #include "core/globals.h"
-#include "core/messagewindow.h"
+#include "message/message.h"
+#include "message/window.h"
 
 namespace corvane {
 
 /// Fills the main window's account box with the sender addresses of all accounts; the box keeps its text. An empty
 /// box gets the default account's address when there is a default.
-void LoadSmtpLists(const ApplicationGlobals &globals, MessageWindow &window);
+void LoadSmtpLists(const ApplicationGlobals &globals, Message &message, Window &window);
 
 /// Where LoadSenderLists() puts the senders.
 enum SenderTarget { MainWindowBoxes = 0 };
 
 /// Fills the main window's sender and reply receiver boxes with all custom senders; both keep their text.
-void LoadSenderLists(SenderTarget target, const ApplicationGlobals &globals, MessageWindow &window);
+void LoadSenderLists(SenderTarget target, const ApplicationGlobals &globals, Message &message, Window &window);
 
 } // namespace corvane

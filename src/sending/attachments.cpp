@@ -3,7 +3,6 @@
 #include "quillon/archive/zipbuilder.h"
 #include "quillon/fault.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -56,8 +55,7 @@ void attach(quillon::MailMessage &message, const QString &path)
     attachment.Path = path;
 }
 
-void attachFolder(const ApplicationGlobals &globals, const QString &folder, quillon::MailMessage &message,
-                  const std::function<bool()> &goOn)
+quillon::Task<> attachFolder(const ApplicationGlobals &globals, QString folder, quillon::MailMessage &message)
 {
     if (QDir(folder).isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System)) {
         globals.lines.AppendLine(folder + u'/' + emptyFolderMark, QString());
@@ -70,33 +68,28 @@ void attachFolder(const ApplicationGlobals &globals, const QString &folder, quil
         pattern += u"/*"_s;
         zip.AddPattern(pattern);
     }
-    // The window is drawn meanwhile; what the user does waits, since the message is only half filled.
-    zip.Breathe = [&goOn] {
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-        return !goOn || goOn();
-    };
-    zip.Build();
+    co_await zip.Build();
 }
 
 } // namespace
 
-QString ResolveAttachments(const ApplicationGlobals &globals, const QStringList &paths, quillon::MailMessage &message,
-                           const std::function<bool()> &goOn)
+quillon::Task<QString> ResolveAttachments(const ApplicationGlobals &globals, QStringList paths,
+                                          quillon::MailMessage &message)
 {
     emptyTemporaryFolder(globals.paths.zips);
     QStringList taken;
-    for (const QString &path : paths) {
+    for (const QString &path : std::as_const(paths)) {
         const QFileInfo info(path);
         if (info.isFile()) {
             attach(message, path);
         } else if (info.isDir()) {
-            attachFolder(globals, path, message, goOn);
+            co_await attachFolder(globals, path, message);
         } else {
             continue;
         }
         taken.append(path);
     }
-    return taken.join(u"; "_s);
+    co_return taken.join(u"; "_s);
 }
 
 } // namespace corvane

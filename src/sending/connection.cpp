@@ -4,24 +4,54 @@
 #include "records/accountrecords.h"
 #include "records/transportsettings.h"
 
+#include <utility>
+
 namespace corvane {
 
-bool ConnectTransport(const ApplicationGlobals &globals, const QString &accountRecord, const QString &proxyRecord,
-                      const TransportEvents &events, std::unique_ptr<quillon::MailTransport> &transport)
+using quillon::MailTransport;
+
+quillon::Task<bool> ConnectTransport(const ApplicationGlobals &globals, QString accountRecord, QString proxyRecord,
+                                     TransportEvents events, std::unique_ptr<MailTransport> &transport)
 {
-    using quillon::MailTransport;
     transport = std::make_unique<MailTransport>();
     MailTransport *mail = transport.get();
-    QObject::connect(mail, &MailTransport::Error, mail, [events](int, const QString &text) { events.error(text); });
+    QObject::connect(mail, &MailTransport::Error, mail,
+                     [error = events.error](int, const QString &text) { error(text); });
     QObject::connect(mail, &MailTransport::Progress, mail,
-                     [events](int, const QString &text) { events.progress(text); });
+                     [progress = events.progress](int, const QString &text) { progress(text); });
 
     useAccount(accountRecord, *mail);
     if (proxyInUse(globals)) {
         useProxy(proxyRecord, *mail);
     }
-    mail->Connect(recordField(accountRecord, AccountServer), numberOf(recordField(accountRecord, AccountPort)), 0, 0);
-    return mail->State() == MailTransport::Connected;
+    co_await mail->Connect(recordField(accountRecord, AccountServer), numberOf(recordField(accountRecord, AccountPort)),
+                           0, 0);
+    co_return transport && transport->State() == MailTransport::Connected;
+}
+
+Connection::Connection(const ApplicationGlobals &globals, QString accountRecord, TransportEvents events)
+    : m_globals(globals), m_accountRecord(std::move(accountRecord)), m_events(std::move(events))
+{
+}
+
+quillon::Task<bool> Connection::connect()
+{
+    // Looked up for each connection, together with the flag: one that was turned on between two mails of a run must
+    // not find an empty record, which would lead around the proxy.
+    const QString proxyRecord = proxyInUse(m_globals) ? m_globals.settings.proxy[ProxyDefault] : QString();
+    return ConnectTransport(m_globals, m_accountRecord, proxyRecord, m_events, m_transport);
+}
+
+quillon::Pending<bool> Connection::send(const quillon::MailMessage &message)
+{
+    return m_transport ? m_transport->Send(message) : quillon::Pending<bool>::settled(false);
+}
+
+void Connection::quit()
+{
+    if (m_transport) {
+        m_transport->Quit();
+    }
 }
 
 } // namespace corvane

@@ -66,9 +66,9 @@ void fillDate(quillon::MailMessage &message, const FillContext &context)
 void fillEncoding(quillon::MailMessage &message, const FillContext &context)
 {
     const QString separator = u" | "_s;
-    for (int i = 0; i < context.window.encodingCount(); ++i) {
-        context.window.selectEncoding(i);
-        const QString entry = context.window.selectedEncoding();
+    for (int i = 0; i < context.source.encodingCount(); ++i) {
+        context.source.selectEncoding(i);
+        const QString entry = context.source.selectedEncoding();
         const qsizetype bar = entry.indexOf(separator);
         if (bar >= 0 && entry.sliced(bar + separator.size()) == context.values.encoding) {
             message.Charset = entry.first(bar);
@@ -80,7 +80,7 @@ void fillEncoding(quillon::MailMessage &message, const FillContext &context)
 
 void fillPriority(quillon::MailMessage &message, const FillContext &context)
 {
-    using Priority = MessageWindow::Priority;
+    using Priority = Message::Priority;
     const Priority priority = context.values.priority;
     message.Priority = priority == Priority::High ? u"2"_s : priority == Priority::Normal ? u"3"_s : u"4"_s;
     context.log.entry(u"Priority"_s, priority == Priority::High     ? u"High"_s
@@ -101,10 +101,10 @@ void fillReceipt(quillon::MailMessage &message, const FillContext &context)
 
 } // namespace
 
-void fillMessage(quillon::MailMessage &message, const FillContext &context)
+quillon::Task<> fillMessage(quillon::MailMessage &message, const FillContext &context)
 {
     const RunValues &values = context.values;
-    const bool plain = values.format == MessageWindow::Format::Plain;
+    const bool plain = values.format == Message::Format::Plain;
     fillAddresses(message, context);
     fillDate(message, context);
     message.Format = plain ? quillon::MailMessage::PlainText : quillon::MailMessage::Html;
@@ -113,11 +113,8 @@ void fillMessage(quillon::MailMessage &message, const FillContext &context)
     fillPriority(message, context);
     fillReceipt(message, context);
     context.log.entry(u"One By One"_s, yesNo(values.oneByOne));
-    context.log.entry(u"Sending Method"_s, u"Manual"_s);
-    const QString attachments = ResolveAttachments(context.globals, values.attachments, message, context.goOn);
-    if (!context.goOn()) {
-        return;
-    }
+    context.log.entry(u"Sending Method"_s, context.mode == RunMode::Manual ? u"Manual"_s : u"Automatic"_s);
+    const QString attachments = co_await ResolveAttachments(context.globals, values.attachments, message);
     logUnlessEmpty(context.log, u"Attachments"_s, attachments);
     message.Subject = values.subject;
     logUnlessEmpty(context.log, u"Subject"_s, message.Subject);

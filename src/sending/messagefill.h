@@ -1,8 +1,10 @@
 #pragma once
 
 #include "core/globals.h"
-#include "core/messagewindow.h"
+#include "message/message.h"
 #include "quillon/mail/mailmessage.h"
+#include "quillon/sequence/task.h"
+#include "sending/runstate.h"
 #include "sending/sendchecks.h"
 #include "sending/sendinglog.h"
 
@@ -13,15 +15,15 @@ namespace corvane {
 /// What a filling of the message works with.
 struct FillContext {
     const ApplicationGlobals &globals;
-    MessageWindow &window; ///< for the encoding list, whose selection follows
+    Message &source; ///< for the encoding list, whose selection follows
     const RunValues &values;
     const QString &accountRecord;
     const SendingLog &log;
+    RunMode mode;
     std::function<void()> rememberRecipients; ///< done between the BCC recipients and their log line
-    std::function<bool()> goOn;               ///< false when the program ends: the filling stops where it is
 };
 
-/// Fills a message field by field, and writes each field's line to the log.
-void fillMessage(quillon::MailMessage &message, const FillContext &context);
+/// Fills a message field by field, and writes each field's line to the log. Both arguments outlive the task.
+quillon::Task<> fillMessage(quillon::MailMessage &message, const FillContext &context);
 
 } // namespace corvane

@@ -5,8 +5,6 @@
 #include "macros/expansion.h"
 #include "quillon/fault.h"
 
-#include <QCoreApplication>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -58,26 +56,26 @@ void address(MailMessage &message, const quillon::MailAddress &recipient, const 
     message.CC.Clear();
     message.BCC.Clear();
     message.To.Add(recipient);
-    message.Subject = context.window.text(MessageWindow::Field::Subject).trimmed();
-    message.Content = contentOf(context.window, context.values.format);
+    message.Subject = context.source.text(Message::Field::Subject).trimmed();
+    message.Content = contentOf(context.source, context.values.format);
 }
 
-void waitForInterval(const OneByOneContext &context)
+quillon::Task<> waitForInterval(const OneByOneContext &context)
 {
     const QString text = context.globals.settings.other[OboInterval];
     bool number = false;
     const double seconds = text.isEmpty() ? 0 : text.toDouble(&number);
     if ((!number && !text.isEmpty()) || !std::isfinite(seconds)) {
         quillon::reportFault(u"not a number of seconds to wait: '"_s + text + u'\'');
-        return;
+        co_return;
     }
     if (seconds == 0) {
-        return;
+        co_return;
     }
     context.progress.setActivity(u"Making OBO sending interval: "_s + text + u" seconds..."_s);
-    QCoreApplication::processEvents();
+    co_await quillon::nextTurn();
     const double bounded = std::clamp(seconds, 0.0, longestInterval);
-    context.globals.system.WaitMilliseconds(static_cast<qint64>(bounded * millisecondsPerSecond));
+    co_await context.globals.system.WaitMilliseconds(static_cast<qint64>(bounded * millisecondsPerSecond));
 }
 
 void cutLastSeparator(QString &list)
@@ -102,8 +100,9 @@ QString entryOf(const Outcome &outcome, int total)
     return sent + lineEnd + LookupText(u"FAIL_ADDR"_s) + lineEnd + outcome.failures;
 }
 
-void report(Outcome outcome, int total, const OneByOneContext &context)
+quillon::Task<> report(Outcome outcome, int total, const OneByOneContext &context)
 {
+    context.state.enter(RunState::Phase::Closing);
     context.progress.setCounter(QString::fromUtf16(progressRestText));
     context.progress.setProgress(0, 0);
     context.progress.setActivity(QString());
@@ -113,48 +112,38 @@ void report(Outcome outcome, int total, const OneByOneContext &context)
     // The box tells how many mails were made, whatever became of them: the log holds the real figures.
     const QString text =
         LookupText(u"SENT_SUCCA"_s) + u' ' + QString::number(total) + u' ' + LookupText(u"SENT_SUCCB"_s) + u'!';
-    quillon::prompts().box({u"SENT_SUCCA"_s, text, QString(), quillon::InformationBox});
+    co_await textShown(text, quillon::InformationBox, u"SENT_SUCCA"_s);
 }
 
 } // namespace
 
-void sendOneByOne(MailMessage &message, const OneByOneContext &context, const ConnectionSteps &connection)
+quillon::Task<> sendOneByOne(MailMessage &message, const OneByOneContext &context)
 {
     const MailAddressList roll = rollOf(message);
     const qint16 total = totalOf(roll);
     context.progress.makeVisible();
     Outcome outcome;
     for (int i = 1; i <= total; ++i) {
-        if (context.window.pblnStop) {
-            return;
+        if (context.state.pblnStop()) {
+            co_return;
         }
+        context.state.enter(RunState::Phase::Counting);
         context.progress.setCounter(u"Sending %1/%2 emails..."_s.arg(i).arg(total));
         context.progress.setProgress(i, total);
         address(message, roll.Item(i), context);
-        QCoreApplication::processEvents();
-        if (connection.abandoned()) {
-            return;
-        }
+        co_await quillon::nextTurn();
         ExpandMacros(context.globals, message);
-        connection.quit();
-        waitForInterval(context);
-        if (connection.abandoned()) {
-            return;
-        }
-        connection.connectAnew();
-        const bool sent = !connection.abandoned() && connection.send(message);
-        if (connection.abandoned()) {
-            return;
-        }
+        context.connection.quit();
+        co_await waitForInterval(context);
+        co_await context.connection.connect(); // a failure shows in the sending that follows
+        const bool sent = co_await context.connection.send(message);
         const quillon::MailAddress &recipient = message.To.Item(1);
         const QString entry = toRecipientEntry(recipient.Name, recipient.Address) + u", "_s;
         outcome.sent = static_cast<qint16>(outcome.sent + (sent ? 1 : 0));
         (sent ? outcome.successes : outcome.failures) += entry;
     }
-    report(outcome, total, context);
-    if (!connection.abandoned()) {
-        connection.quit();
-    }
+    co_await report(outcome, total, context);
+    context.connection.quit();
 }
 
 } // namespace corvane

@@ -13,42 +13,43 @@ namespace corvane {
 
 namespace {
 
-using Field = MessageWindow::Field;
+using Field = Message::Field;
 
 constexpr int proxyTab = 0;
 constexpr int accountsTab = 1;
 
-/// Shows a fault that only the options can mend.
-void sendToOptions(const QString &key, int style, int tab)
-{
-    showMessage(key, style);
-    quillon::prompts().showModalForm(u"frmPubOptions"_s, tab);
-}
+/// What a failed check shows, and where it leads: to the field that is to be mended, or to a tab of the options.
+struct CheckFault {
+    QString key;
+    int style = quillon::InformationBox;
+    std::optional<QString> value; ///< shown in front of the text
+    std::optional<Field> field;
+    int optionsTab = -1;
+};
 
-bool proxyPasses(const ApplicationGlobals &globals)
+using CheckResult = std::optional<CheckFault>;
+
+CheckResult checkProxy(const ApplicationGlobals &globals)
 {
     if (!proxyInUse(globals)) {
-        return true;
+        return std::nullopt;
     }
     const QString proxy = globals.settings.proxy[ProxyDefault];
     if (recordField(proxy, ProxyAddress).isEmpty()) {
-        sendToOptions(u"PROXY_ADDRESS"_s, quillon::InformationBox, proxyTab);
-        return false;
+        return CheckFault{u"PROXY_ADDRESS"_s, quillon::InformationBox, {}, {}, proxyTab};
     }
     if (recordField(proxy, ProxyAuthentication) == "Y"_L1 && recordField(proxy, ProxyUser).isEmpty()) {
-        sendToOptions(u"PROXY_USER"_s, quillon::InformationBox, proxyTab);
-        return false;
+        return CheckFault{u"PROXY_USER"_s, quillon::InformationBox, {}, {}, proxyTab};
     }
-    return true;
+    return std::nullopt;
 }
 
-bool accountPasses(const QString &account)
+CheckResult checkAccount(const QString &account)
 {
     if (!account.isEmpty()) {
-        return true;
+        return std::nullopt;
     }
-    sendToOptions(u"NEED_SMTP_S"_s, quillon::PlainBox, accountsTab);
-    return false;
+    return CheckFault{u"NEED_SMTP_S"_s, quillon::PlainBox, {}, {}, accountsTab};
 }
 
 struct SenderCheck {
@@ -57,81 +58,94 @@ struct SenderCheck {
     const char16_t *invalidKey;
 };
 
-bool senderPasses(MessageWindow &window, const QString &text, const SenderCheck &check)
+CheckResult checkSender(const QString &text, const SenderCheck &check)
 {
     const QString sender = text.trimmed().toLower();
     if (sender.isEmpty()) {
-        showMessage(QString::fromUtf16(check.missingKey), quillon::InformationBox);
-    } else if (!IsRecipientEntry(sender)) {
-        showMessage(QString::fromUtf16(check.invalidKey), quillon::WarningBox, sender);
-    } else {
-        return true;
+        return CheckFault{QString::fromUtf16(check.missingKey), quillon::InformationBox, {}, check.field};
     }
-    window.setFocus(check.field);
-    return false;
+    if (!IsRecipientEntry(sender)) {
+        return CheckFault{QString::fromUtf16(check.invalidKey), quillon::WarningBox, sender, check.field};
+    }
+    return std::nullopt;
 }
 
-bool recipientsPass(MessageWindow &window, Field field, const QString &text, const QString &invalidKey)
+CheckResult checkReceivers(const RunValues &values)
+{
+    if (values.to.trimmed().isEmpty() && values.cc.trimmed().isEmpty() && values.bcc.trimmed().isEmpty()) {
+        return CheckFault{u"NEED_RECEIVERS"_s, quillon::InformationBox, {}, Field::To};
+    }
+    return std::nullopt;
+}
+
+CheckResult checkRecipients(Field field, const QString &text, const QString &invalidKey)
 {
     const QStringList entries = splitRecipients(text);
     const auto bad = std::find_if_not(entries.begin(), entries.end(), IsRecipientEntry);
     if (bad == entries.end()) {
-        return true;
+        return std::nullopt;
     }
-    showMessage(invalidKey, quillon::WarningBox, *bad);
-    window.setFocus(field);
-    return false;
+    return CheckFault{invalidKey, quillon::WarningBox, *bad, field};
 }
 
-RunValues takeValues(const MessageWindow &window)
+/// The first fault, in the order in which a user is to be told.
+CheckResult firstFault(const ApplicationGlobals &globals, const RunValues &values)
+{
+    for (const CheckResult &fault :
+         {checkProxy(globals), checkAccount(values.account),
+          checkSender(values.sender, {Field::Sender, u"SENDER", u"INVALID_SENDER"}),
+          checkSender(values.replyReceiver, {Field::ReplyReceiver, u"REPLY", u"INVALID_REPLY"}), checkReceivers(values),
+          checkRecipients(Field::To, values.to, u"INVALID_TO"_s),
+          checkRecipients(Field::CC, values.cc, u"INVALID_CC"_s),
+          checkRecipients(Field::BCC, values.bcc, u"INVALID_BCC"_s)}) {
+        if (fault) {
+            return fault;
+        }
+    }
+    return std::nullopt;
+}
+
+RunValues takeValues(const Message &message)
 {
     RunValues values;
-    values.account = window.text(Field::Account);
-    values.sender = window.text(Field::Sender);
-    values.replyReceiver = window.text(Field::ReplyReceiver);
-    values.to = window.text(Field::To);
-    values.cc = window.text(Field::CC);
-    values.bcc = window.text(Field::BCC);
-    values.actualDate = window.isActual(MessageWindow::Choice::Date);
-    values.date = window.customDate();
-    values.time = window.customTime();
-    values.format = window.format();
-    values.encoding = window.text(Field::Encoding);
-    values.priority = window.priority();
-    values.receipt = window.receipt();
-    values.oneByOne = window.oneByOne();
-    values.attachments = window.attachmentPaths();
-    values.subject = window.text(Field::Subject).trimmed();
-    values.content = contentOf(window, values.format);
+    values.account = message.text(Field::Account);
+    values.sender = message.text(Field::Sender);
+    values.replyReceiver = message.text(Field::ReplyReceiver);
+    values.to = message.text(Field::To);
+    values.cc = message.text(Field::CC);
+    values.bcc = message.text(Field::BCC);
+    values.actualDate = message.isActual(Message::Choice::Date);
+    values.date = message.customDate();
+    values.time = message.customTime();
+    values.format = message.format();
+    values.encoding = message.text(Field::Encoding);
+    values.priority = message.priority();
+    values.receipt = message.receipt();
+    values.oneByOne = message.oneByOne();
+    values.attachments = message.attachmentPaths();
+    values.subject = message.text(Field::Subject).trimmed();
+    values.content = contentOf(message, values.format);
     return values;
 }
 
 } // namespace
 
-QString contentOf(const MessageWindow &window, MessageWindow::Format format)
+quillon::Task<std::optional<RunValues>> checkMessage(const ApplicationGlobals &globals, const Message &message,
+                                                     Window &window)
 {
-    return window.text(format == MessageWindow::Format::Plain ? Field::PlainContent : Field::RichContent);
-}
-
-std::optional<RunValues> checkMessage(const ApplicationGlobals &globals, MessageWindow &window)
-{
-    RunValues values = takeValues(window);
-    if (!proxyPasses(globals) || !accountPasses(values.account) ||
-        !senderPasses(window, values.sender, {Field::Sender, u"SENDER", u"INVALID_SENDER"}) ||
-        !senderPasses(window, values.replyReceiver, {Field::ReplyReceiver, u"REPLY", u"INVALID_REPLY"})) {
-        return std::nullopt;
+    const RunValues values = takeValues(message);
+    const CheckResult fault = firstFault(globals, values);
+    if (!fault) {
+        co_return values;
     }
-    if (values.to.trimmed().isEmpty() && values.cc.trimmed().isEmpty() && values.bcc.trimmed().isEmpty()) {
-        showMessage(u"NEED_RECEIVERS"_s, quillon::InformationBox);
-        window.setFocus(Field::To);
-        return std::nullopt;
+    co_await messageShown(fault->key, fault->style, fault->value);
+    if (fault->field) {
+        window.setFocus(*fault->field);
+    } else {
+        co_await quillon::fromEventLoop(
+            [tab = fault->optionsTab] { quillon::prompts().showModalForm(u"frmPubOptions"_s, tab); });
     }
-    if (!recipientsPass(window, Field::To, values.to, u"INVALID_TO"_s) ||
-        !recipientsPass(window, Field::CC, values.cc, u"INVALID_CC"_s) ||
-        !recipientsPass(window, Field::BCC, values.bcc, u"INVALID_BCC"_s)) {
-        return std::nullopt;
-    }
-    return values;
+    co_return std::nullopt;
 }
 
 } // namespace corvane

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "core/globals.h"
-#include "core/messagewindow.h"
+#include "message/message.h"
+#include "message/window.h"
+#include "quillon/sequence/task.h"
 
 #include <QDate>
 #include <QString>
@@ -24,9 +26,9 @@ struct RunValues {
     bool actualDate = true;
     QDate date;
     QTime time;
-    MessageWindow::Format format = MessageWindow::Format::Plain;
+    Message::Format format = Message::Format::Plain;
     QString encoding; ///< display name
-    MessageWindow::Priority priority = MessageWindow::Priority::Normal;
+    Message::Priority priority = Message::Priority::Normal;
     bool receipt = false;
     bool oneByOne = false;
     QStringList attachments;
@@ -34,11 +36,9 @@ struct RunValues {
     QString content;
 };
 
-/// The text that the message's body has now in that format.
-[[nodiscard]] QString contentOf(const MessageWindow &window, MessageWindow::Format format);
-
 /// Takes the fields and checks them in their order. The first fault is shown, puts the focus on its field or opens
-/// the options on its tab, and gives nothing.
-[[nodiscard]] std::optional<RunValues> checkMessage(const ApplicationGlobals &globals, MessageWindow &window);
+/// the options on its tab, and gives nothing. The references outlive the task.
+quillon::Task<std::optional<RunValues>> checkMessage(const ApplicationGlobals &globals, const Message &message,
+                                                     Window &window);
 
 } // namespace corvane

@@ -1,15 +1,11 @@
 #include "sending/sendrun.h"
 
-#include "core/settings.h"
 #include "core/texts.h"
 #include "macros/expansion.h"
 #include "quillon/system/platform.h"
 #include "records/accountrecords.h"
-#include "sending/connection.h"
 #include "sending/messagefill.h"
 #include "sending/onebyone.h"
-
-#include <QCoreApplication>
 
 using namespace Qt::StringLiterals;
 
@@ -17,159 +13,135 @@ namespace corvane {
 
 namespace {
 
+using Phase = RunState::Phase;
+
 const QString counterAtRest = QString::fromUtf16(progressRestText);
-const QString manualRun = u"M"_s;
-const QString automaticRun = u"A"_s;
 
 } // namespace
 
-SendRun::SendRun(const ApplicationGlobals &globals, MessageWindow &window, ProgressView &progress,
-                 InputPrompts &prompts)
-    : m_globals(globals), m_window(window), m_progress(progress), m_prompts(prompts)
-{
-}
-
-SendRun::~SendRun() = default;
+SendRun::SendRun(const Rooms &rooms, RunMode mode) : m_rooms(rooms), m_mode(mode) {}
 
 void SendRun::run()
 {
-    if (m_window.Sending) {
+    if (m_state.Sending()) {
         showMessage(u"OTHER_RUN"_s, quillon::InformationBox);
         return;
     }
-    m_window.Sending = true;
-    m_window.Tag = manualRun;
-    if (const auto values = checkMessage(m_globals, m_window); values && !m_abandoned) {
-        carryOut(*values);
+    m_sequence.start(carryOut());
+}
+
+void SendRun::end()
+{
+    m_sequence.end();
+    m_state.enter(Phase::Resting);
+}
+
+quillon::Task<> SendRun::carryOut()
+{
+    m_state.enter(Phase::Checking);
+    const std::optional<RunValues> values = co_await checkMessage(m_rooms.globals, m_rooms.message, m_rooms.window);
+    if (values) {
+        co_await sendChecked(*values);
     }
-    leave();
+    m_state.enter(Phase::Resting);
+    m_rooms.progress.hide();
 }
 
-void SendRun::abandon()
+quillon::Task<> SendRun::sendChecked(const RunValues &values)
 {
-    m_abandoned = true;
-}
-
-void SendRun::carryOut(const RunValues &values)
-{
-    const SendingLog log(m_globals, quillon::systemClock().now());
+    m_state.enter(Phase::Preparing);
+    const ApplicationGlobals &globals = m_rooms.globals;
+    const SendingLog log(globals, quillon::systemClock().now());
     log.divider();
     log.moment(u"Begin"_s);
-    m_window.setStatusText(QString::fromUtf16(sendingText));
+    m_rooms.window.setStatusText(QString::fromUtf16(sendingText));
 
-    const QString accountRecord = FindSmtpRecord(m_globals, values.account.trimmed());
-    const bool connected = connectTransport(accountRecord);
-    if (m_abandoned) {
-        return;
-    }
-    if (connected) {
+    Connection connection(globals, FindSmtpRecord(globals, values.account.trimmed()), events());
+    if (co_await connection.connect()) {
         quillon::MailMessage message;
-        fillMessage(message, {m_globals, m_window, values, accountRecord, log,
-                              [&] {
-                                  m_prompts.upsSavePrompts(values.to, values.cc, values.bcc);
-                                  m_prompts.upsReadPrompts();
-                              },
-                              [this] { return !m_abandoned; }});
-        // What the user did while folders were packed has waited until here: a Cancel holds before the first mail.
-        QCoreApplication::processEvents();
-        if (m_abandoned) {
-            return;
+        const FillContext filling{
+            globals, m_rooms.message, values, connection.accountRecord(), log, m_mode, [this, &values] {
+                m_rooms.prompts.upsSavePrompts(values.to, values.cc, values.bcc);
+                m_rooms.prompts.upsReadPrompts();
+            }};
+        co_await fillMessage(message, filling);
+        // What the user did meanwhile is handled first: a Cancel holds before the first mail.
+        co_await quillon::nextTurn();
+        if (values.oneByOne) {
+            const OneByOneContext context{globals, m_rooms.message, m_rooms.progress, values, log, m_state, connection};
+            co_await sendOneByOne(message, context);
+        } else {
+            co_await deliverToAll(message, connection, log);
         }
-        const Delivery delivery{values, log, accountRecord, message};
-        values.oneByOne ? deliverOneByOne(delivery) : deliverToAll(delivery);
     } else {
-        reportFailedConnection(accountRecord, log);
+        co_await reportFailedConnection(connection.accountRecord(), log);
     }
-    if (!m_abandoned) {
-        finish(log);
-    }
+    finish(log);
 }
 
-bool SendRun::connectTransport(const QString &accountRecord)
+quillon::Task<> SendRun::reportFailedConnection(const QString &accountRecord, const SendingLog &log)
 {
-    // Looked up for each connection, together with the flag: one that was turned on between two mails of a run must
-    // not find an empty record, which would lead around the proxy.
-    const QString proxyRecord = proxyInUse(m_globals) ? m_globals.settings.proxy[ProxyDefault] : QString();
-    return ConnectTransport(m_globals, accountRecord, proxyRecord,
-                            {[this](const QString &text) { transportFailed(text); },
-                             [this](const QString &text) { transportProgressed(text); }},
-                            m_transport);
-}
-
-void SendRun::reportFailedConnection(const QString &accountRecord, const SendingLog &log) const
-{
+    m_state.enter(Phase::Closing);
     const QString text = LookupText(u"CONN_FAILED"_s) + u' ' + recordField(accountRecord, AccountServer) + u':' +
                          recordField(accountRecord, AccountPort);
     log.entry(u"Error"_s, text);
-    quillon::prompts().box({u"CONN_FAILED"_s, text, QString(), quillon::WarningBox});
+    co_await textShown(text, quillon::WarningBox, u"CONN_FAILED"_s);
 }
 
-void SendRun::deliverToAll(const Delivery &delivery)
+quillon::Task<> SendRun::deliverToAll(quillon::MailMessage &message, Connection &connection, const SendingLog &log)
 {
-    m_progress.makeVisible();
-    m_progress.setCounter(u"Sending 1/1 email..."_s);
-    m_progress.setProgress(1, 1);
-    ExpandMacros(m_globals, delivery.message);
-    const bool sent = m_transport->Send(delivery.message);
-    if (m_abandoned) {
-        return;
-    }
-    m_progress.setCounter(counterAtRest);
-    m_progress.setProgress(0, 0);
-    m_progress.setActivity(QString());
+    ProgressView &progress = m_rooms.progress;
+    m_state.enter(Phase::Counting);
+    progress.makeVisible();
+    progress.setCounter(u"Sending 1/1 email..."_s);
+    progress.setProgress(1, 1);
+    ExpandMacros(m_rooms.globals, message);
+    const bool sent = co_await connection.send(message);
+    m_state.enter(Phase::Closing);
+    progress.setCounter(counterAtRest);
+    progress.setProgress(0, 0);
+    progress.setActivity(QString());
     const QString key = sent ? u"SENT_SUCC"_s : u"SENT_UNSUCC"_s;
-    delivery.log.line(LookupText(key));
-    showMessage(key, sent ? quillon::InformationBox : quillon::WarningBox);
-    m_transport->Quit();
+    log.line(LookupText(key));
+    co_await messageShown(key, sent ? quillon::InformationBox : quillon::WarningBox);
+    connection.quit();
 }
 
-void SendRun::deliverOneByOne(const Delivery &delivery)
+TransportEvents SendRun::events()
 {
-    sendOneByOne(delivery.message, {m_globals, m_window, m_progress, delivery.values, delivery.log},
-                 {[this] { m_transport->Quit(); }, [&] { connectTransport(delivery.accountRecord); },
-                  [this](const quillon::MailMessage &message) { return m_transport->Send(message); },
-                  [this] { return m_abandoned; }});
+    return {[this](const QString &text) { transportFailed(text); },
+            [this](const QString &text) { transportProgressed(text); }};
 }
 
 void SendRun::transportFailed(const QString &text) const
 {
-    if (text.trimmed().isEmpty() || m_abandoned) {
+    if (text.trimmed().isEmpty()) {
         return;
     }
-    const SendingLog log(m_globals, quillon::systemClock().now());
+    const SendingLog log(m_rooms.globals, quillon::systemClock().now());
     log.entry(u"Error"_s, text);
-    if (m_window.Tag == manualRun) {
+    if (m_mode == RunMode::Manual) {
         showText(text, quillon::CriticalBox);
     }
 }
 
 void SendRun::transportProgressed(const QString &text)
 {
-    if (m_window.Tag == automaticRun || m_abandoned) {
+    if (m_mode == RunMode::Automatic) {
         return;
     }
-    m_progress.makeVisible();
-    m_progress.setActivity(text);
+    m_rooms.progress.makeVisible();
+    m_rooms.progress.setActivity(text);
 }
 
 void SendRun::finish(const SendingLog &log)
 {
     log.moment(u"End"_s);
-    m_window.pblnStop = false;
-    m_progress.hide();
-    m_progress.setCounter(counterAtRest);
-    m_progress.setProgress(0, 0);
-    m_window.setStatusText(QString::fromUtf16(readyText));
-    m_transport.reset();
-}
-
-void SendRun::leave()
-{
-    m_transport.reset();
-    m_window.Sending = false;
-    if (!m_abandoned) {
-        m_progress.hide();
-    }
+    m_state.enter(Phase::Closing); // a Cancel is over with its run
+    m_rooms.progress.hide();
+    m_rooms.progress.setCounter(counterAtRest);
+    m_rooms.progress.setProgress(0, 0);
+    m_rooms.window.setStatusText(QString::fromUtf16(readyText));
 }
 
 } // namespace corvane

@@ -21,7 +21,7 @@
 /// told otherwise.
 class MainFixture {
 public:
-    using Field = corvane::MessageWindow::Field;
+    using Field = corvane::Message::Field;
 
     /// @p prepare may change the data and the hooks before the window is made.
     explicit MainFixture(const std::function<void(MainFixture &)> &prepare = {}, bool show = true)
@@ -32,6 +32,7 @@ public:
         hooks.exitProgram = [this](bool stopScheduler) { exits.append(stopScheduler); };
         hooks.findSmtpRecord = [this](const QString &text) { return corvane::FindSmtpRecord(globals(), text); };
         hooks.optionsOpen = [this] { return optionsOpen; };
+        hooks.sending = [this] { return sending; };
         hooks.minimised = [this] { ++minimised; };
         hooks.closed = [this] { ++closed; };
         if (prepare) {
@@ -46,7 +47,8 @@ public:
     }
 
     corvane::ApplicationGlobals &globals() { return tree.globals; }
-    corvane::MessageWindow &message() { return window->message(); }
+    corvane::Message &message() { return window->message(); }
+    corvane::Window &view() { return window->view(); }
 
     /// The control of that name; the test fails hard if there is none.
     template <typename Control = QWidget> Control *get(const QString &name) const
@@ -79,6 +81,7 @@ public:
     int sends = 0;
     QList<bool> exits;
     bool optionsOpen = false;
+    bool sending = false;
     int minimised = 0;
     int closed = 0;
     std::unique_ptr<corvane::frmPubMain> window;

@@ -3,7 +3,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
-using Field = MessageWindow::Field;
+using Field = Message::Field;
 
 class TestAccountFields : public QObject {
     Q_OBJECT
@@ -26,7 +26,7 @@ private Q_SLOTS:
 void TestAccountFields::pickingAnAccountFillsSenderAndReplyReceiver()
 {
     MainFixture main([](MainFixture &m) { m.addAccounts(); });
-    main.message().setList(Field::Account, {u"ann@example.com"_s, u"office@example.com"_s});
+    main.view().setList(Field::Account, {u"ann@example.com"_s, u"office@example.com"_s});
     main.combo(6)->setCurrentIndex(1);
     Q_EMIT main.combo(6)->activated(1);
     QCOMPARE(main.message().text(Field::Sender), u"office@example.com"_s);
@@ -96,7 +96,7 @@ void TestAccountFields::customShowsTheDefaultSender()
 void TestAccountFields::customShowsTheFirstEntryWithoutADefaultSender()
 {
     MainFixture main([](MainFixture &m) { m.addAccounts(); });
-    main.message().setList(Field::Sender, {u"First <first@example.com>"_s, u"second@example.com"_s});
+    main.view().setList(Field::Sender, {u"First <first@example.com>"_s, u"second@example.com"_s});
     main.button(u"opt(1)"_s)->click();
     QCOMPARE(main.message().text(Field::Sender), u"First <first@example.com>"_s);
 }
@@ -111,7 +111,7 @@ void TestAccountFields::customShowsTheAccountsSenderWithAnEmptyList()
 void TestAccountFields::aSenderThatBeginsWithABlankGivesWayToTheAccountsAddress()
 {
     MainFixture main([](MainFixture &m) { m.addAccounts(); });
-    main.message().setList(Field::Sender, {u" <first@example.com>"_s});
+    main.view().setList(Field::Sender, {u" <first@example.com>"_s});
     main.button(u"opt(1)"_s)->click();
     QCOMPARE(main.message().text(Field::Sender), u"ann@example.com"_s);
 }
@@ -122,9 +122,9 @@ void TestAccountFields::settingAListKeepsTheText()
     main.button(u"opt(1)"_s)->click();
     main.message().setText(Field::Sender, u"typed@example.com"_s);
     main.message().pblnChanged = false;
-    main.message().setList(Field::Sender, {u"a@example.com"_s, u"b@example.com"_s});
+    main.view().setList(Field::Sender, {u"a@example.com"_s, u"b@example.com"_s});
     QCOMPARE(main.message().text(Field::Sender), u"typed@example.com"_s);
-    QCOMPARE(main.message().list(Field::Sender), QStringList({u"a@example.com"_s, u"b@example.com"_s}));
+    QCOMPARE(main.view().list(Field::Sender), QStringList({u"a@example.com"_s, u"b@example.com"_s}));
     QVERIFY(!main.message().pblnChanged);
 }
 
@@ -134,7 +134,7 @@ void TestAccountFields::refillingAnEmptyAccountBoxPicksNoAccount()
     // An account without login has empty fields, which an empty text would be found in.
     writeFile(main.globals().paths.smtpFile, "smtp.example.com\t25\tN\tN\t\t\tAnn\tann@example.com\t\t\t/SAEND\r\n");
     LoadSmtpLists(main.globals(), main.message());
-    QCOMPARE(main.message().list(Field::Account), QStringList{u"ann@example.com"_s});
+    QCOMPARE(main.view().list(Field::Account), QStringList{u"ann@example.com"_s});
     QCOMPARE(main.message().text(Field::Account), QString());
     QCOMPARE(main.message().text(Field::Sender), QString());
     QCOMPARE(main.combo(6)->property("Tag").toString(), QString());

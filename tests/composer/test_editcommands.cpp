@@ -5,7 +5,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
-using Field = MessageWindow::Field;
+using Field = Message::Field;
 
 /// The commands of the Edit menu, each on the control that has the focus.
 class TestEditCommands : public QObject {
@@ -209,7 +209,7 @@ void TestEditCommands::clearRecipientsAsksFirst()
     for (const Field field : {Field::To, Field::CC, Field::BCC}) {
         main.message().setText(field, u"a@example.com"_s);
     }
-    main.message().setFocus(Field::Subject);
+    main.view().setFocus(Field::Subject);
     main.prompts.expectBox(u"CLEAR_RECIP"_s, 35, quillon::BoxAnswer::Yes);
     main.button(u"sbt(13)"_s)->click();
     for (const Field field : {Field::To, Field::CC, Field::BCC}) {

@@ -9,7 +9,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
-using Field = MessageWindow::Field;
+using Field = Message::Field;
 
 namespace {
 
@@ -316,9 +316,9 @@ void TestMainLayout::aFieldThatGetsTheFocusIsBroughtBack()
 {
     MainFixture main;
     main.item(u"menve"_s)->trigger();
-    main.message().setFocus(Field::PlainContent);
+    main.view().setFocus(Field::PlainContent);
     QVERIFY(main.window->layoutOfContent().isExpanded());
-    main.message().setFocus(Field::CC);
+    main.view().setFocus(Field::CC);
     QVERIFY(!main.window->layoutOfContent().isExpanded());
     QCOMPARE(main.window->focusWidget(), main.recipients(1));
 }

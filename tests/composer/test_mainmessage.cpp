@@ -7,8 +7,8 @@
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
-using Field = MessageWindow::Field;
-using Choice = MessageWindow::Choice;
+using Field = Message::Field;
+using Choice = Message::Choice;
 
 class TestMainMessage : public QObject {
     Q_OBJECT
@@ -45,13 +45,13 @@ void TestMainMessage::loadFillsANewMessage()
     QVERIFY(main.message().isActual(Choice::Sender));
     QVERIFY(main.message().isActual(Choice::ReplyReceiver));
     QVERIFY(main.message().isActual(Choice::Date));
-    QCOMPARE(main.message().format(), MessageWindow::Format::Plain);
-    QCOMPARE(main.message().priority(), MessageWindow::Priority::Normal);
+    QCOMPARE(main.message().format(), Message::Format::Plain);
+    QCOMPARE(main.message().priority(), Message::Priority::Normal);
     QCOMPARE(main.message().text(Field::Encoding), u"Unicode (UTF-8)"_s);
     QVERIFY(!main.message().receipt());
     QVERIFY(!main.message().oneByOne());
     QVERIFY(!main.message().pblnChanged);
-    QVERIFY(main.message().mblnReady);
+    QVERIFY(main.view().mblnReady);
     for (const Field field : {Field::To, Field::CC, Field::BCC, Field::Subject, Field::PlainContent}) {
         QCOMPARE(main.message().text(field), QString());
     }
@@ -105,7 +105,7 @@ void TestMainMessage::loadWithoutADefaultLeavesTheAccountAsItIs()
 void TestMainMessage::aRichDefaultShowsPlainTextWhileThereIsNoRichEditor()
 {
     MainFixture main([](MainFixture &m) { m.globals().settings.other[Format] = u"Rich"_s; });
-    QCOMPARE(main.message().format(), MessageWindow::Format::Plain);
+    QCOMPARE(main.message().format(), Message::Format::Plain);
     QVERIFY(main.get(u"utbContent"_s)->isVisible());
     QVERIFY(!main.get(u"sst"_s)->isVisible());
     QVERIFY(!main.button(u"opt(8)"_s)->isEnabled());
@@ -305,13 +305,13 @@ void TestMainMessage::priorityIsOneOfThree()
 {
     MainFixture main;
     main.item(u"menosh(2)"_s)->trigger();
-    QCOMPARE(main.message().priority(), MessageWindow::Priority::Low);
+    QCOMPARE(main.message().priority(), Message::Priority::Low);
     QVERIFY(!main.item(u"menosh(1)"_s)->isChecked());
-    main.message().setPriority(MessageWindow::Priority::High);
+    main.message().setPriority(Message::Priority::High);
     QVERIFY(main.item(u"menosh(0)"_s)->isChecked());
     QVERIFY(!main.item(u"menosh(2)"_s)->isChecked());
     main.window->ResetMessageOptions();
-    QCOMPARE(main.message().priority(), MessageWindow::Priority::Normal);
+    QCOMPARE(main.message().priority(), Message::Priority::Normal);
 }
 
 void TestMainMessage::aMacroMenuKeepsItsCaptionsAsTheyAre()
@@ -331,11 +331,11 @@ void TestMainMessage::aMacroMenuKeepsItsCaptionsAsTheyAre()
 void TestMainMessage::theTitleIsTheWindows()
 {
     MainFixture main;
-    main.message().setTitle(u"Corvane - Edit \"a\""_s);
+    main.view().setTitle(u"Corvane - Edit \"a\""_s);
     QCOMPARE(main.window->windowTitle(), u"Corvane - Edit \"a\""_s);
-    QCOMPARE(main.message().title(), u"Corvane - Edit \"a\""_s);
-    main.message().setStatusText(u" Working"_s);
-    QCOMPARE(main.message().statusText(), u" Working"_s);
+    QCOMPARE(main.view().title(), u"Corvane - Edit \"a\""_s);
+    main.view().setStatusText(u" Working"_s);
+    QCOMPARE(main.view().statusText(), u" Working"_s);
     QCOMPARE(main.panel(), u" Working"_s);
 }
 

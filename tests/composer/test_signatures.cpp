@@ -8,7 +8,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
-using Field = MessageWindow::Field;
+using Field = Message::Field;
 
 /// The window over signatures that are kept in files, as the program puts the two together.
 class SignatureMain : public MainFixture {

@@ -28,7 +28,7 @@ void TestStatusHints::mouseOverAControlShowsItsTip()
     QTest::mouseMove(to->viewport(), QPoint(3, 3));
     QCOMPARE(main.panel(), to->toolTip() + u' ');
     // The way back to the same control after something else wrote to the panel.
-    main.message().setStatusText(u" Something"_s);
+    main.view().setStatusText(u" Something"_s);
     QTest::mouseMove(to->viewport(), QPoint(5, 4));
     QCOMPARE(main.panel(), to->toolTip() + u' ');
 }
@@ -55,7 +55,7 @@ void TestStatusHints::menuItemsShowTheirHelpLine()
             if (action->isSeparator() || action->menu<QMenu *>() || array) {
                 continue;
             }
-            main.message().setStatusText(u" Ready."_s);
+            main.view().setStatusText(u" Ready."_s);
             action->hover();
             QVERIFY2(main.panel().startsWith(u' ') && main.panel().size() > 5 && main.panel() != u" Ready."_s,
                      qPrintable(action->text() + u" shows"_s + main.panel()));
@@ -70,7 +70,7 @@ void TestStatusHints::menuItemsShowTheirHelpLine()
 void TestStatusHints::aSubMenuShowsNoHelpLine()
 {
     MainFixture main;
-    main.message().setStatusText(u" Before"_s);
+    main.view().setStatusText(u" Before"_s);
     main.get<QMenu>(u"menoes"_s)->menuAction()->hover();
     QCOMPARE(main.panel(), u" Before"_s);
 }
@@ -79,12 +79,12 @@ void TestStatusHints::whileASendRunsNothingChangesTheSendingText()
 {
     MainFixture main;
     const QString sending = u" Sending email, please click here to display the progress..."_s;
-    main.message().setStatusText(sending);
+    main.view().setStatusText(sending);
     QTest::mouseMove(main.get<QLineEdit>(u"utbSubject"_s), QPoint(3, 3));
     QCOMPARE(main.panel(), sending);
     main.item(u"menfs"_s)->hover();
     QCOMPARE(main.panel(), sending);
-    main.message().setStatusText(u" Ready."_s);
+    main.view().setStatusText(u" Ready."_s);
     QTest::mouseMove(main.get<QLineEdit>(u"utbSubject"_s), QPoint(5, 3));
     QVERIFY(main.panel() != u" Ready."_s);
 }

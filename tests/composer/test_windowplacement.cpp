@@ -209,10 +209,10 @@ void TestWindowPlacement::theCloseBoxLeavesTheStateOfAWindowThatTheTrayHides()
 void TestWindowPlacement::theExitTagLetsTheWindowClose()
 {
     MainFixture main;
-    main.message().Tag = u"EXITWITHMENU"_s;
+    main.window->Tag = u"EXITWITHMENU"_s;
     QVERIFY(main.window->close());
     QCOMPARE(main.closed, 1);
-    QCOMPARE(main.message().Tag, QString());
+    QCOMPARE(main.window->Tag, QString());
     QVERIFY(!main.window->isVisible());
 }
 

@@ -4,6 +4,7 @@
 #include "records/connectiontest.h"
 #include "support/childserver.h"
 #include "support/scriptedserver.h"
+#include "support/waitfor.h"
 
 #include <QTest>
 #include <QTimer>
@@ -48,13 +49,18 @@ protected:
 
     bool smtp(const QString &account, const QString &proxy = QString())
     {
-        return corvane::TestSmtpConnection(account, proxy, &m_reason);
+        return keep(waitFor(corvane::TestSmtpConnection(account, proxy)));
     }
     /// The test of a proxy, with a web server on loopback in the place of the site's.
     bool reach(const QString &proxy, quint16 webPort)
     {
         const QString host = QStringLiteral("127.0.0.1");
-        return corvane::TestProxyConnection(proxy, {QStringLiteral("http://127.0.0.1/"), host, webPort}, &m_reason);
+        return keep(waitFor(corvane::TestProxyConnection(proxy, {QStringLiteral("http://127.0.0.1/"), host, webPort})));
+    }
+    bool keep(const corvane::ConnectionTestResult &result)
+    {
+        m_reason = result.reason;
+        return result.works;
     }
     /// That @p test is false while a timer ticks.
     template <typename Test> static void verifyLoopLives(Test test)

@@ -38,10 +38,10 @@ private Q_SLOTS:
     void serverThatStaysSilentFailsWhileTheEventLoopLives();
     void lateGreetingIsWaitedFor();
     void lateRefusalFails();
-    void reasonIsEmptyWhenItWorkedAndNobodyNeedsToAskForIt();
+    void reasonIsEmptyWhenItWorked();
     void connectionIsEndedInEachCase();
     void secondTestWithinTheFirstIsRefused();
-    void exitOfTheProgramEndsTheTest();
+    void aTestEndsWithItsOwner();
 
 private:
     /// Starts aiosmtpd with a certificate for "localhost", if @p tls is not "none", and a login.
@@ -183,15 +183,14 @@ void TestConnectionTest::lateRefusalFails()
     verifyReason(u"554 not today"_s);
 }
 
-void TestConnectionTest::reasonIsEmptyWhenItWorkedAndNobodyNeedsToAskForIt()
+void TestConnectionTest::reasonIsEmptyWhenItWorked()
 {
     ScriptedServer server;
     const QString account = accountLine(server.port(), u"N"_s, noLogin);
     QVERIFY(smtp(account));
     QCOMPARE(m_reason, QString());
-    QVERIFY(TestSmtpConnection(account, QString()));
-    QVERIFY(!TestSmtpConnection(account + u'\t', QString()));
-    QVERIFY(!TestProxyConnection(QString(), readSite(m_folder.path())));
+    QVERIFY(!smtp(account + u'\t'));
+    QVERIFY(!m_reason.isEmpty());
 }
 
 void TestConnectionTest::connectionIsEndedInEachCase()
@@ -216,8 +215,8 @@ void TestConnectionTest::secondTestWithinTheFirstIsRefused()
     bool isFirst = true;
     server.Responder = [&](const QByteArray &line) -> std::optional<QByteArray> {
         if (line.startsWith("EHLO") && std::exchange(isFirst, false)) {
-            TestSmtpConnection(account, QString(), &second);
-            TestProxyConnection(proxyLine(server.port()), readSite(m_folder.path()), &third);
+            second = waitFor(TestSmtpConnection(account, QString())).reason;
+            third = waitFor(TestProxyConnection(proxyLine(server.port()), readSite(m_folder.path()))).reason;
         }
         return std::nullopt;
     };
@@ -229,21 +228,27 @@ void TestConnectionTest::secondTestWithinTheFirstIsRefused()
     QVERIFY2(smtp(account), qPrintable(m_reason));
 }
 
-void TestConnectionTest::exitOfTheProgramEndsTheTest()
+namespace {
+quillon::Task<> runTest(QString account, bool *over)
+{
+    co_await TestSmtpConnection(account, QString());
+    *over = true;
+}
+} // namespace
+
+void TestConnectionTest::aTestEndsWithItsOwner()
 {
     ScriptedServer server;
-    server.Responder = [](const QByteArray &) {
-        QCoreApplication::quit();
-        return QByteArray();
-    };
-    bool works = true;
-    QTimer::singleShot(0, this, [&] { works = smtp(accountLine(server.port(), u"N"_s, noLogin)); });
-    QCoreApplication::exec();
-    QVERIFY(!works);
-    QCOMPARE(m_reason, QString());
-    QVERIFY(server.heard("EHLO"));
+    server.Responder = [](const QByteArray &) { return QByteArray(); };
+    bool over = false;
+    quillon::Sequence owner;
+    owner.start(runTest(accountLine(server.port(), u"N"_s, noLogin), &over));
+    QTRY_VERIFY(server.heard("EHLO"));
+    owner.end();
+    QTRY_COMPARE(server.Ended, 1);
+    QVERIFY(!over);
     server.Responder = nullptr;
-    QVERIFY2(smtp(accountLine(server.port(), u"N"_s, noLogin)), qPrintable(m_reason));
+    QVERIFY2(smtp(accountLine(server.port(), u"N"_s, noLogin)), qPrintable(m_reason)); // no test is under way any more
 }
 
 QTEST_GUILESS_MAIN(TestConnectionTest)

@@ -75,7 +75,7 @@ void TestProxyTest::shippedSiteIsAskedForByNameOnPort80()
     ChildServer proxy;
     QVERIFY2(startStub(proxy, web), qPrintable(proxy.fault()));
     const TemporaryTree tree;
-    QVERIFY2(TestProxyConnection(proxyLine(proxy.port()), readSite(tree.globals.programFolder), &m_reason),
+    QVERIFY2(keep(waitFor(TestProxyConnection(proxyLine(proxy.port()), readSite(tree.globals.programFolder)))),
              qPrintable(m_reason));
     QCOMPARE(proxy.waitForLine("ASKED "), "name www.corvane.invalid 80");
     QCOMPARE(web.Connections, 1);
@@ -89,7 +89,7 @@ void TestProxyTest::deployersSiteIsAskedFor()
     const TemporaryTree tree;
     writeFile(tree.globals.programFolder + u"/site.dll"_s,
               "[Site]\r\nProxy Test Host=web.bücher.invalid\r\nProxy Test Port=8080\r\n");
-    QVERIFY2(TestProxyConnection(proxyLine(proxy.port()), readSite(tree.globals.programFolder), &m_reason),
+    QVERIFY2(keep(waitFor(TestProxyConnection(proxyLine(proxy.port()), readSite(tree.globals.programFolder)))),
              qPrintable(m_reason));
     QCOMPARE(proxy.waitForLine("ASKED "), "name web.xn--bcher-kva.invalid 8080");
 }

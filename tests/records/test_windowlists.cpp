@@ -6,7 +6,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
-using Field = MessageWindow::Field;
+using Field = Message::Field;
 
 class TestWindowLists : public QObject, protected AccountFixture {
     Q_OBJECT
@@ -38,7 +38,7 @@ void TestWindowLists::accountBoxGetsTheAddressesAndKeepsItsText()
     FakeWindow window;
     window.setText(Field::Account, u"typed@z.org"_s);
     window.setList(Field::Account, {u"old@z.org"_s});
-    LoadSmtpLists(m_tree->globals, window);
+    LoadSmtpLists(m_tree->globals, window, window);
     QCOMPARE(window.list(Field::Account), (QStringList{u"ada@x.org"_s, u"Bea@Y.org"_s}));
     QCOMPARE(window.text(Field::Account), u"typed@z.org"_s);
 }
@@ -47,7 +47,7 @@ void TestWindowLists::withoutADefaultTheAccountBoxStaysEmpty()
 {
     accounts({ada});
     FakeWindow window;
-    LoadSmtpLists(m_tree->globals, window);
+    LoadSmtpLists(m_tree->globals, window, window);
     QCOMPARE(window.text(Field::Account), QString());
 }
 
@@ -56,7 +56,7 @@ void TestWindowLists::emptyAccountBoxGetsTheDefault()
     accounts({ada, bea});
     m_tree->globals.settings.smtp[0] = bea;
     FakeWindow window;
-    LoadSmtpLists(m_tree->globals, window);
+    LoadSmtpLists(m_tree->globals, window, window);
     QCOMPARE(window.text(Field::Account), u"Bea@Y.org"_s);
 }
 
@@ -65,7 +65,7 @@ void TestWindowLists::shortLinesGiveNoAddressAndAreKept()
     const QStringList lines = {u"broken"_s, QString(), ada, u"a\tb"_s};
     accounts(lines);
     FakeWindow window;
-    LoadSmtpLists(m_tree->globals, window);
+    LoadSmtpLists(m_tree->globals, window, window);
     QCOMPARE(window.list(Field::Account), QStringList{u"ada@x.org"_s});
     QCOMPARE(m_tree->globals.lines.ReadLines(m_tree->globals.paths.smtpFile), lines);
 }
@@ -75,7 +75,7 @@ void TestWindowLists::senderBoxesGetEntriesAndKeepTypedText()
     writeFile(m_tree->globals.paths.sendersFile, "Club\tclub@x.org\tremark\r\nShop\tshop@x.org\t\r\n");
     FakeWindow window;
     window.setText(Field::Sender, u"Typed <typed@x.org>"_s);
-    LoadSenderLists(MainWindowBoxes, m_tree->globals, window);
+    LoadSenderLists(MainWindowBoxes, m_tree->globals, window, window);
     const QStringList expected = {u"Club <club@x.org>"_s, u"Shop <shop@x.org>"_s};
     QCOMPARE(window.list(Field::Sender), expected);
     QCOMPARE(window.list(Field::ReplyReceiver), expected);
@@ -87,7 +87,7 @@ void TestWindowLists::senderWithoutANameShowsItsBareAddress()
 {
     writeFile(m_tree->globals.paths.sendersFile, " \tclub@x.org\t\r\n");
     FakeWindow window;
-    LoadSenderLists(MainWindowBoxes, m_tree->globals, window);
+    LoadSenderLists(MainWindowBoxes, m_tree->globals, window, window);
     QCOMPARE(window.list(Field::Sender), QStringList{u"club@x.org"_s});
 }
 
@@ -95,7 +95,7 @@ void TestWindowLists::shortSenderLinesGiveNoEntry()
 {
     writeFile(m_tree->globals.paths.sendersFile, "\r\nBob\r\nClub\tclub@x.org\t\r\n");
     FakeWindow window;
-    LoadSenderLists(MainWindowBoxes, m_tree->globals, window);
+    LoadSenderLists(MainWindowBoxes, m_tree->globals, window, window);
     QCOMPARE(window.list(Field::Sender), QStringList{u"Club <club@x.org>"_s});
 }
 
@@ -106,7 +106,7 @@ void TestWindowLists::anAccountBoxThatKeepsItsTextMarksNoChange()
     window.setText(Field::Account, u"ada@x.org"_s);
     window.pblnChanged = false;
     m_tree->globals.settings.smtp[0] = bea;
-    LoadSmtpLists(m_tree->globals, window);
+    LoadSmtpLists(m_tree->globals, window, window);
     QCOMPARE(window.text(Field::Account), u"ada@x.org"_s);
     QVERIFY(!window.pblnChanged);
 }
@@ -116,7 +116,7 @@ void TestWindowLists::anAccountsAddressIsOfferedOnceForEachLine()
     const QString eightFields = ada.section(u'\t', 0, 7);
     accounts({ada, ada, eightFields, ada + u"\tmore"_s});
     FakeWindow window;
-    LoadSmtpLists(m_tree->globals, window);
+    LoadSmtpLists(m_tree->globals, window, window);
     QCOMPARE(window.list(Field::Account), QStringList(QList<QString>(4, u"ada@x.org"_s)));
 }
 
@@ -128,7 +128,7 @@ void TestWindowLists::thousandsOfAccountsAreOffered()
     }
     accounts(lines);
     FakeWindow window;
-    LoadSmtpLists(m_tree->globals, window);
+    LoadSmtpLists(m_tree->globals, window, window);
     QCOMPARE(window.list(Field::Account).size(), 5000);
     QCOMPARE(window.list(Field::Account).last(), u"ada4999@x.org"_s);
 }
@@ -137,7 +137,7 @@ void TestWindowLists::senderWithoutARemarkIsOffered()
 {
     writeFile(m_tree->globals.paths.sendersFile, "Club\tclub@x.org\r\nShop\tshop@x.org\ta\tb\r\n\tbare@x.org\r\n");
     FakeWindow window;
-    LoadSenderLists(MainWindowBoxes, m_tree->globals, window);
+    LoadSenderLists(MainWindowBoxes, m_tree->globals, window, window);
     QCOMPARE(window.list(Field::ReplyReceiver),
              (QStringList{u"Club <club@x.org>"_s, u"Shop <shop@x.org>"_s, u"bare@x.org"_s}));
 }
@@ -149,8 +149,8 @@ void TestWindowLists::addressesInAnyScriptAreOffered()
     writeFile(m_tree->globals.paths.sendersFile,
               (u"王小明\twang@例え.jp\t\r\n"_s + long300 + u"\tλ@παράδειγμα.gr\t\r\n"_s).toUtf8());
     FakeWindow window;
-    LoadSmtpLists(m_tree->globals, window);
-    LoadSenderLists(MainWindowBoxes, m_tree->globals, window);
+    LoadSmtpLists(m_tree->globals, window, window);
+    LoadSenderLists(MainWindowBoxes, m_tree->globals, window, window);
     QCOMPARE(window.list(Field::Account), QStringList{u"почта@пример.рф"_s});
     QCOMPARE(window.list(Field::Sender), (QStringList{u"王小明 <wang@例え.jp>"_s, long300 + u" <λ@παράδειγμα.gr>"_s}));
 }
@@ -165,8 +165,8 @@ void TestWindowLists::filesThatCannotBeReadGiveEmptyListsAndStay()
     FakeWindow window;
     window.setList(Field::Account, {u"old@x.org"_s});
     window.setList(Field::Sender, {u"old@x.org"_s});
-    LoadSmtpLists(m_tree->globals, window);
-    LoadSenderLists(MainWindowBoxes, m_tree->globals, window);
+    LoadSmtpLists(m_tree->globals, window, window);
+    LoadSenderLists(MainWindowBoxes, m_tree->globals, window, window);
     QCOMPARE(window.list(Field::Account), QStringList());
     QCOMPARE(window.list(Field::Sender), QStringList());
     QVERIFY(QFileInfo(paths.smtpFile + u"/kept"_s).isDir());
@@ -180,7 +180,7 @@ void TestWindowLists::sendersBoxesThatKeepTheirTextMarkNoChange()
     FakeWindow window;
     window.setText(Field::ReplyReceiver, u"typed"_s);
     window.pblnChanged = false;
-    LoadSenderLists(MainWindowBoxes, m_tree->globals, window);
+    LoadSenderLists(MainWindowBoxes, m_tree->globals, window, window);
     QCOMPARE(window.text(Field::Sender), QString()); // the default sender is not put in here
     QVERIFY(!window.pblnChanged);
 }
@@ -198,8 +198,8 @@ void TestWindowLists::anAccountBoxThatKeepsItsTextLooksUpItsRecordAfresh()
     };
     accounts({ada});
     PickedWindow window;
-    window.texts.insert(Field::Account, u"ada@x.org"_s);
-    LoadSmtpLists(m_tree->globals, window);
+    window.FakeWindow::setText(Field::Account, u"ada@x.org"_s);
+    LoadSmtpLists(m_tree->globals, window, window);
     QCOMPARE(window.picked, QStringList{u"ada@x.org"_s});
 }
 

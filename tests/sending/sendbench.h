@@ -8,6 +8,7 @@
 #include "support/fakewindow.h"
 #include "support/temporarytree.h"
 
+#include <QCoreApplication>
 #include <QLocale>
 
 /// What a send run needs around it: a data tree with message texts that name their keys, and a filled message.
@@ -53,7 +54,16 @@ public:
         writeFile(tree.globals.paths.smtpFile, line.toUtf8() + "\r\n");
     }
 
-    void run() { sender.run(); }
+    /// A whole run, as far as the event loop carries it.
+    void run() { run(sender); }
+    static void run(corvane::SendRun &run)
+    {
+        run.run();
+        while (run.state().Sending()) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+    }
+    [[nodiscard]] corvane::SendRun::Rooms rooms() { return {tree.globals, window, window, progress, prompts}; }
 
     [[nodiscard]] QString logPath() const { return corvane::logPathAt(tree.globals, quillon::systemClock().now()); }
     /// The log's lines, with the moments behind Begin and End taken out after a look at their shape.
@@ -74,11 +84,11 @@ public:
         return lines;
     }
 
-    using Field = corvane::MessageWindow::Field;
+    using Field = corvane::Message::Field;
 
     TemporaryTree tree;
     FakeWindow window;
     FakeProgress progress;
     corvane::InputPrompts prompts{tree.globals};
-    corvane::SendRun sender{tree.globals, window, progress, prompts};
+    corvane::SendRun sender{rooms()};
 };

@@ -10,7 +10,7 @@
 /// What the tests of whole send runs share: a bench, and the scripted server of its account.
 class ServedBench {
 protected:
-    using Field = corvane::MessageWindow::Field;
+    using Field = corvane::Message::Field;
 
     void begin()
     {

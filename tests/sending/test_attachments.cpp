@@ -1,5 +1,6 @@
 #include "sending/attachments.h"
 #include "support/temporarytree.h"
+#include "support/waitfor.h"
 
 #include <QProcess>
 #include <QTest>
@@ -62,7 +63,7 @@ private Q_SLOTS:
 
 private:
     [[nodiscard]] QString path(const QString &name) const { return m_tree->path(name); }
-    QString resolve(const QStringList &paths) { return ResolveAttachments(m_tree->globals, paths, m_message); }
+    QString resolve(const QStringList &paths) { return waitFor(ResolveAttachments(m_tree->globals, paths, m_message)); }
     [[nodiscard]] QString zip(const QString &name) const { return m_tree->globals.paths.zips + u'/' + name; }
 
     std::unique_ptr<TemporaryTree> m_tree;

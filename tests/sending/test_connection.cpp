@@ -1,6 +1,7 @@
 #include "sending/connection.h"
 #include "support/scriptedserver.h"
 #include "support/temporarytree.h"
+#include "support/waitfor.h"
 
 #include <QTest>
 
@@ -35,9 +36,9 @@ private Q_SLOTS:
 private:
     bool connectWith(const QString &account, const QString &proxy = QString())
     {
-        return ConnectTransport(m_tree->globals, account, proxy,
-                                {[this](const QString &text) { m_errors.append(text); }, [](const QString &) {}},
-                                m_transport);
+        return waitFor(ConnectTransport(
+            m_tree->globals, account, proxy,
+            {[this](const QString &text) { m_errors.append(text); }, [](const QString &) {}}, m_transport));
     }
     static QString account(quint16 port, const QString &rest)
     {

@@ -132,7 +132,7 @@ void TestOneByOne::largestCountableRollIsCounted()
     }
     m_bench->window.setText(Field::To, many.join(u','));
     m_bench->window.setText(Field::BCC, QString());
-    m_bench->progress.afterCounter = [this](const QString &) { m_bench->window.pblnStop = true; };
+    m_bench->progress.afterCounter = [this](const QString &) { m_bench->sender.requestStop(); };
     const ExpectedPrompts asked;
     m_bench->run();
     QVERIFY(m_bench->progress.counters.contains(u"Sending 1/32767 emails..."_s));

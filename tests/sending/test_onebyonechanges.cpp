@@ -39,8 +39,8 @@ void TestOneByOneChanges::editsOfOtherFieldsDoNot()
         if (text.startsWith(u"Sending 1/"_s)) {
             m_bench->window.setText(Field::To, u"other@y.org"_s);
             m_bench->window.setText(Field::Sender, u"Other <other@x.org>"_s);
-            m_bench->window.setPriority(MessageWindow::Priority::High);
-            m_bench->window.setFormat(MessageWindow::Format::Rich);
+            m_bench->window.setPriority(Message::Priority::High);
+            m_bench->window.setFormat(Message::Format::Rich);
         }
     };
     runAndExpect(3);

@@ -60,7 +60,7 @@ void TestOneByOnePace::intervalThatIsNoNumberDoesNotWait()
 void TestOneByOnePace::cancelInTheWaitStillSendsThatMail()
 {
     TestClock clock(QDateTime::currentDateTime());
-    clock.whileWaiting = [this] { m_bench->window.pblnStop = true; };
+    clock.whileWaiting = [this] { m_bench->sender.requestStop(); };
     m_bench->tree.globals.settings.other[OboInterval] = u"2"_s;
     const ExpectedPrompts asked;
     m_bench->run();
@@ -72,21 +72,21 @@ void TestOneByOnePace::cancelInAMailUnderWayLetsItEnd()
 {
     m_server->Responder = [this](const QByteArray &line) -> std::optional<QByteArray> {
         if (line.startsWith("RCPT TO:<cy@")) {
-            m_bench->window.pblnStop = true;
+            m_bench->sender.requestStop();
         }
         return std::nullopt;
     };
     const ExpectedPrompts asked;
     m_bench->run();
     QCOMPARE(m_server->Mails.size(), 2);
-    QVERIFY(!m_bench->window.pblnStop);
+    QVERIFY(!m_bench->sender.state().pblnStop());
 }
 
 void TestOneByOnePace::cancelBeforeTheFirstPassSendsNothing()
 {
     m_server->Responder = [this](const QByteArray &line) -> std::optional<QByteArray> {
         if (line.startsWith("EHLO")) {
-            m_bench->window.pblnStop = true; // while the account is being proved
+            m_bench->sender.requestStop(); // while the account is being proved
         }
         return std::nullopt;
     };
@@ -99,13 +99,15 @@ void TestOneByOnePace::cancelBeforeTheFirstPassSendsNothing()
 void TestOneByOnePace::cancelledRunHasNoResultEntryAndNoBox()
 {
     m_bench->progress.afterCounter = [this](const QString &text) {
-        m_bench->window.pblnStop = text.startsWith(u"Sending 1/"_s) || m_bench->window.pblnStop;
+        if (text.startsWith(u"Sending 1/"_s)) {
+            m_bench->sender.requestStop();
+        }
     };
     const ExpectedPrompts asked;
     m_bench->run();
     QCOMPARE(result(), QStringList{u"End: (moment)"_s});
     QVERIFY(!m_bench->progress.visible);
-    QVERIFY(!m_bench->window.Sending);
+    QVERIFY(!m_bench->sender.state().Sending());
     QCOMPARE(m_bench->window.statusText(), u" Ready."_s);
 }
 
@@ -128,7 +130,7 @@ void TestOneByOnePace::exitUnwindsWithoutAFurtherWord()
     qsizetype shown = 0;
     const auto exit = [this, &shown] {
         shown = m_bench->progress.activities.size();
-        m_bench->sender.abandon();
+        m_bench->sender.end();
     };
     m_bench->progress.afterCounter = [&](const QString &text) {
         if (stage == u"yield" && text.startsWith(u"Sending 1/"_s)) {
@@ -148,6 +150,7 @@ void TestOneByOnePace::exitUnwindsWithoutAFurtherWord()
     };
     const ExpectedPrompts asked; // none may come
     m_bench->run();
+    QTRY_COMPARE(m_server->Ended, m_server->Connections);
     QVERIFY(m_server->Mails.size() <= mails);
     QCOMPARE(m_bench->progress.activities.size(), shown); // the forms are not touched any more
     QVERIFY(m_bench->log().contains(u"Subject: Hello"_s));
@@ -199,7 +202,7 @@ void TestOneByOnePace::cancelWhileTheMessageIsFilledStopsBeforeTheFirstMail()
         mutable int calls = 0;
         std::function<void()> cancel;
     } clock(QDateTime::currentDateTime());
-    clock.cancel = [this] { m_bench->window.pblnStop = true; };
+    clock.cancel = [this] { m_bench->sender.requestStop(); };
     const ExpectedPrompts asked;
     m_bench->run();
     QVERIFY(clock.calls > 3);

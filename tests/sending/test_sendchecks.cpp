@@ -1,10 +1,11 @@
 #include "sendbench.h"
+#include "support/waitfor.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
-using Field = MessageWindow::Field;
+using Field = Message::Field;
 
 class TestSendChecks : public QObject {
     Q_OBJECT
@@ -30,7 +31,10 @@ private Q_SLOTS:
 
 private:
     /// The checks alone, with the prompts that they are expected to show.
-    [[nodiscard]] bool passes() { return checkMessage(m_bench->tree.globals, m_bench->window).has_value(); }
+    [[nodiscard]] bool passes()
+    {
+        return waitFor(checkMessage(m_bench->tree.globals, m_bench->window, m_bench->window)).has_value();
+    }
 
     std::unique_ptr<SendBench> m_bench;
 };
@@ -198,7 +202,7 @@ void TestSendChecks::runThatEndsAtTheChecksLeavesNoTrace()
     asked.expectBox(u"NEED_RECEIVERS"_s, quillon::InformationBox);
     m_bench->run();
     QVERIFY(!QFile::exists(m_bench->logPath()));
-    QVERIFY(!m_bench->window.Sending);
+    QVERIFY(!m_bench->sender.state().Sending());
     QVERIFY(m_bench->window.statusTexts.isEmpty());
     QCOMPARE(contentOf(m_bench->tree.globals.paths.promptsFile), QByteArray(""));
 }

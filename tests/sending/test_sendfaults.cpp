@@ -19,7 +19,7 @@ private Q_SLOTS:
     void failedConnectionLogsDividerBeginErrorAndEndOnly();
     void vanishedAccountEndsInAnEmptyServerAndPort();
     void blankTransportErrorIsNeitherLoggedNorShown();
-    void otherTagLogsTheErrorAndShowsNothing();
+    void automaticRunLogsTheErrorAndShowsNoneOfIt();
     void errorsGoToTheMonthOfTheirMoment();
     void passwordIsNeverLogged();
 
@@ -43,7 +43,7 @@ void TestSendFaults::refusedMessageIsReportedByTheTransportFirst()
     QCOMPARE(log.at(log.size() - 2), u"text of SENT_UNSUCC"_s);
     QCOMPARE(log.last(), u"End: (moment)"_s);
     QVERIFY(m_server->Mails.isEmpty());
-    QVERIFY(!m_bench->window.Sending);
+    QVERIFY(!m_bench->sender.state().Sending());
 }
 
 void TestSendFaults::failedConnectionLogsDividerBeginErrorAndEndOnly()
@@ -74,39 +74,30 @@ void TestSendFaults::vanishedAccountEndsInAnEmptyServerAndPort()
 
 void TestSendFaults::blankTransportErrorIsNeitherLoggedNorShown()
 {
-    quillon::MailTransport *transport = nullptr;
-    m_bench->progress.afterCounter = [&](const QString &text) {
-        transport = m_bench->sender.transport();
-        if (transport && text == "Sending 1/1 email..."_L1) {
-            Q_EMIT transport->Error(1, u" \r\n "_s);
-            Q_EMIT transport->Error(1, QString());
-        }
-    };
-    sendWell();
-    QVERIFY(transport);
-    QVERIFY(m_bench->log().filter(u"Error"_s).isEmpty());
+    const ExpectedPrompts asked; // none may come
+    const TransportEvents events = m_bench->sender.events();
+    events.error(u" \r\n "_s);
+    events.error(QString());
+    QVERIFY(!QFile::exists(m_bench->logPath()));
 }
 
-void TestSendFaults::otherTagLogsTheErrorAndShowsNothing()
+void TestSendFaults::automaticRunLogsTheErrorAndShowsNoneOfIt()
 {
-    m_bench->progress.afterCounter = [this](const QString &text) {
-        if (text == "Sending 1/1 email..."_L1) {
-            m_bench->window.Tag = u"X"_s;
-            Q_EMIT m_bench->sender.transport()->Error(1, u"something"_s);
-        }
-    };
-    sendWell();
-    QVERIFY(m_bench->log().contains(u"Error: something"_s));
+    m_server->answer("RCPT", "550 nobody of that name\r\n");
+    SendRun automatic(m_bench->rooms(), RunMode::Automatic);
+    ExpectedPrompts asked;
+    asked.expectBox(u"SENT_UNSUCC"_s, quillon::WarningBox);
+    SendBench::run(automatic);
+    QCOMPARE(m_bench->log().filter(QRegularExpression(u"^Error: .*550 nobody of that name"_s)).size(), 1);
 }
 
 void TestSendFaults::exitDuringARunUnwindsWithoutAFurtherWord()
 {
     m_server->Responder = [this](const QByteArray &line) -> std::optional<QByteArray> {
         if (line.startsWith("MAIL")) {
-            // What the exit does: the run is abandoned and every nested loop ends.
             QTimer::singleShot(0, this, [this] {
-                m_bench->sender.abandon();
-                m_server->hangUp();
+                m_bench->sender.end();
+                m_server->say("250 ok\r\n"); // which comes too late to be heard
             });
             return QByteArray();
         }
@@ -114,7 +105,9 @@ void TestSendFaults::exitDuringARunUnwindsWithoutAFurtherWord()
     };
     const ExpectedPrompts asked; // none may come
     m_bench->run();
-    QVERIFY(!m_bench->window.Sending);
+    QTRY_COMPARE(m_server->Ended, 1);
+    QVERIFY(!m_bench->sender.state().Sending());
+    QVERIFY(!m_server->heard("RCPT"));
     QVERIFY(m_bench->log().contains(u"Subject: Hello"_s));
     QVERIFY(m_bench->log().filter(QRegularExpression(u"^(Error|End|text)"_s)).isEmpty());
 }
@@ -123,12 +116,13 @@ void TestSendFaults::exitWhileConnectingUnwindsWithoutAFurtherWord()
 {
     m_server->Responder = [this](const QByteArray &line) -> std::optional<QByteArray> {
         if (line.startsWith("EHLO")) {
-            m_bench->sender.abandon(); // the exit's first word; the greeting goes on as if nothing were
+            m_bench->sender.end(); // the answer goes out as if nothing were
         }
         return std::nullopt;
     };
     const ExpectedPrompts asked; // none may come
     m_bench->run();
+    QTRY_COMPARE(m_server->Ended, 1);
     QVERIFY(m_server->Mails.isEmpty());
     QCOMPARE(m_bench->log(), (QStringList{divider, u"Begin: (moment)"_s}));
 }
@@ -136,11 +130,9 @@ void TestSendFaults::exitWhileConnectingUnwindsWithoutAFurtherWord()
 void TestSendFaults::exitInACheckSendsNothing()
 {
     m_bench->tree.globals.settings.proxy = {u"True"_s, QString()};
-    ExpectedPrompts asked;
-    asked
-        .expectBox(u"PROXY_ADDRESS"_s, quillon::InformationBox, quillon::BoxAnswer::Ok, std::nullopt,
-                   [this] { m_bench->sender.abandon(); })
-        .expectForm(u"frmPubOptions"_s, 0);
+    ExpectedPrompts asked; // the options are not opened any more
+    asked.expectBox(u"PROXY_ADDRESS"_s, quillon::InformationBox, quillon::BoxAnswer::Ok, std::nullopt,
+                    [this] { m_bench->sender.end(); });
     m_bench->progress.makeVisible();
     m_bench->run();
     QVERIFY(m_bench->progress.visible); // the forms are not touched any more

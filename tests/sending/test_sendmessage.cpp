@@ -50,7 +50,7 @@ void TestSendMessage::senderIsSentInItsCaseAsTyped()
 
 void TestSendMessage::customDateTakesDateAndTimeFromTheirFields()
 {
-    m_bench->window.setActual(MessageWindow::Choice::Date, false);
+    m_bench->window.setActual(Message::Choice::Date, false);
     m_bench->window.setCustomDateTime(QDate(2027, 3, 5), QTime(6, 7, 8));
     sendWell();
     QVERIFY(m_bench->log().contains(u"Date & Time: Fri, 5 Mar 2027 06:07:08"_s));
@@ -100,17 +100,17 @@ void TestSendMessage::noSubjectLeavesItsLineOut()
 
 void TestSendMessage::prioritiesAreNumbered_data()
 {
-    QTest::addColumn<MessageWindow::Priority>("priority");
+    QTest::addColumn<Message::Priority>("priority");
     QTest::addColumn<QString>("name");
     QTest::addColumn<QByteArray>("header");
-    QTest::newRow("high") << MessageWindow::Priority::High << u"High"_s << QByteArray("Importance: high");
-    QTest::newRow("normal") << MessageWindow::Priority::Normal << u"Normal"_s << QByteArray();
-    QTest::newRow("low") << MessageWindow::Priority::Low << u"Low"_s << QByteArray("Importance: low");
+    QTest::newRow("high") << Message::Priority::High << u"High"_s << QByteArray("Importance: high");
+    QTest::newRow("normal") << Message::Priority::Normal << u"Normal"_s << QByteArray();
+    QTest::newRow("low") << Message::Priority::Low << u"Low"_s << QByteArray("Importance: low");
 }
 
 void TestSendMessage::prioritiesAreNumbered()
 {
-    QFETCH(const MessageWindow::Priority, priority);
+    QFETCH(const Message::Priority, priority);
     QFETCH(const QString, name);
     QFETCH(const QByteArray, header);
     m_bench->window.setPriority(priority);
@@ -158,7 +158,7 @@ void TestSendMessage::blanksAroundTheAccountAreNoPartOfIt()
 
 void TestSendMessage::htmlMessageIsLoggedAsRichText()
 {
-    m_bench->window.setFormat(MessageWindow::Format::Rich);
+    m_bench->window.setFormat(Message::Format::Rich);
     m_bench->window.setText(Field::RichContent, u"<p>Dear {First Name of The Recipient}</p>"_s);
     sendWell();
     QVERIFY(m_bench->log().contains(u"Message Type: Rich Text (HTML)"_s));

@@ -6,7 +6,7 @@
 
 #include <functional>
 
-/// A clock that stands still; waits return at once and are recorded.
+/// A clock that stands still; waits are recorded and take one turn of the event loop.
 class TestClock : public quillon::Clock {
 public:
     explicit TestClock(const QDateTime &moment) : present(moment), m_before(quillon::setSystemClock(this)) {}
@@ -15,12 +15,14 @@ public:
     TestClock &operator=(const TestClock &) = delete;
 
     [[nodiscard]] QDateTime now() const override { return present; }
-    void wait(qint64 milliseconds) override
+    quillon::Pending<> wait(qint64 milliseconds) override
     {
         waits.append(milliseconds);
-        if (whileWaiting) {
-            whileWaiting();
-        }
+        return quillon::fromEventLoop([user = whileWaiting] {
+            if (user) {
+                user();
+            }
+        });
     }
 
     QDateTime present;

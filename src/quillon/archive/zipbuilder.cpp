@@ -2,6 +2,7 @@
 
 #include "quillon/fault.h"
 #include "quillon/files/textcoding.h"
+#include "quillon/sequence/pending.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -18,6 +19,7 @@
 #include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -62,22 +64,64 @@ std::vector<QByteArray> namesIn(const QByteArray &folder)
     return names;
 }
 
+/// An open file, closed with its owner.
+class Descriptor {
+public:
+    explicit Descriptor(int file) : m_file(file) {}
+    ~Descriptor() { close(); }
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
+
+    [[nodiscard]] bool isOpen() const { return m_file >= 0; }
+    [[nodiscard]] int number() const { return m_file; }
+    /// False when what was written could not be kept.
+    bool close() { return m_file >= 0 && ::close(std::exchange(m_file, -1)) == 0; }
+
+private:
+    int m_file;
+};
+
+/// A file that is being written, beside the one it is to become. It goes with its owner unless it was kept.
+class PartialFile {
+public:
+    explicit PartialFile(const QByteArray &target)
+        : m_target(target), m_path(target + ".part"),
+          m_file(::open(m_path.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR))
+    {
+    }
+    ~PartialFile()
+    {
+        m_file.close();
+        ::unlink(m_path.constData());
+    }
+    PartialFile(const PartialFile &) = delete;
+    PartialFile &operator=(const PartialFile &) = delete;
+
+    [[nodiscard]] const Descriptor &file() const { return m_file; }
+    bool keep() { return m_file.close() && ::rename(m_path.constData(), m_target.constData()) == 0; }
+
+private:
+    QByteArray m_target;
+    QByteArray m_path;
+    Descriptor m_file;
+};
+
 /// Fills an archive from folders.
 class Packer {
 public:
-    Packer(archive *writer, std::function<bool()> breathe)
-        : m_writer(writer), m_breathe(std::move(breathe)), m_chunk(chunkSize, Qt::Uninitialized)
+    explicit Packer(archive *writer) : m_writer(writer), m_chunk(chunkSize, Qt::Uninitialized)
     {
         m_sinceBreath.start();
     }
 
     /// Adds the content of @p folder and of @p levels - 1 levels below it, under @p prefix. False when the archive
     /// cannot be written to.
-    bool addFolder(const QByteArray &folder, const QString &prefix, int levels)
+    Task<bool> addFolder(QByteArray folder, QString prefix, int levels)
     {
-        for (const QByteArray &name : namesIn(folder)) {
-            if (!breathe()) {
-                return false;
+        const std::vector<QByteArray> names = namesIn(folder);
+        for (const QByteArray &name : names) {
+            if (needsBreath()) {
+                co_await breath();
             }
             const QByteArray path = folder + '/' + name;
             struct stat status {};
@@ -85,15 +129,20 @@ public:
                 continue;
             }
             const QString shown = uniqueName(prefix + decodeLine(name));
+            bool added = false;
             if (S_ISDIR(status.st_mode)) {
-                if (!addHeader(shown + u'/', status) || (levels > 1 && !addFolder(path, shown + u'/', levels - 1))) {
-                    return false;
+                added = addHeader(shown + u'/', status);
+                if (added && levels > 1) {
+                    added = co_await addFolder(path, shown + u'/', levels - 1);
                 }
-            } else if (!addFile(path, shown)) {
-                return false;
+            } else {
+                added = co_await addFile(path, shown);
+            }
+            if (!added) {
+                co_return false;
             }
         }
-        return true;
+        co_return true;
     }
 
 private:
@@ -120,59 +169,47 @@ private:
         return archive_write_header(m_writer, entry.get()) == ARCHIVE_OK;
     }
 
-    bool addFile(const QByteArray &path, const QString &name)
+    Task<bool> addFile(QByteArray path, QString name)
     {
         // Without waiting, so that a pipe cannot hold the program.
-        const int file = ::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        const Descriptor file(::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
         struct stat status {};
-        if (file < 0 || ::fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
+        if (!file.isOpen() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
             reportFault(u"left out of the archive: '"_s + name + u'\'');
-            if (file >= 0) {
-                ::close(file);
-            }
-            return true;
+            co_return true;
         }
-        const bool added = addHeader(name, status) && copy(file, status.st_size);
-        ::close(file);
-        return added;
-    }
-
-    /// At most the octets that the header told: a file that grows while it is read is taken as it was at the start.
-    bool copy(int file, qint64 size)
-    {
-        while (size > 0) {
-            const auto wanted = static_cast<std::size_t>(std::min<qint64>(size, m_chunk.size()));
-            const ssize_t count = ::read(file, m_chunk.data(), wanted);
+        if (!addHeader(name, status)) {
+            co_return false;
+        }
+        // At most the octets that the header told: a file that grows while it is read is taken as it was at the start.
+        for (qint64 left = status.st_size; left > 0;) {
+            const auto wanted = static_cast<std::size_t>(std::min<qint64>(left, m_chunk.size()));
+            const ssize_t count = ::read(file.number(), m_chunk.data(), wanted);
             if (count < 0 && errno == EINTR) {
                 continue;
             }
             if (count <= 0) {
-                return true;
+                co_return true;
             }
             if (archive_write_data(m_writer, m_chunk.constData(), static_cast<std::size_t>(count)) != count) {
-                return false;
+                co_return false;
             }
-            size -= count;
-            if (!breathe()) {
-                return false;
+            left -= count;
+            if (needsBreath()) {
+                co_await breath();
             }
         }
-        return true;
+        co_return true;
     }
 
-    /// False when the work is to end.
-    bool breathe()
+    [[nodiscard]] bool needsBreath() const { return m_sinceBreath.hasExpired(breathMilliseconds); }
+    Pending<> breath()
     {
-        if (!m_breathe || !m_sinceBreath.hasExpired(breathMilliseconds)) {
-            return true;
-        }
-        const bool goOn = m_breathe();
         m_sinceBreath.restart();
-        return goOn;
+        return nextTurn();
     }
 
     archive *m_writer;
-    std::function<bool()> m_breathe;
     QElapsedTimer m_sinceBreath;
     QByteArray m_chunk;
     QSet<QString> m_names;
@@ -185,7 +222,7 @@ void ZipBuilder::AddPattern(const QString &pattern)
     m_patterns.append(pattern);
 }
 
-bool ZipBuilder::Build()
+Task<bool> ZipBuilder::Build()
 {
     std::map<QString, int> levelsOf;
     for (QString folder : std::as_const(m_patterns)) {
@@ -196,29 +233,28 @@ bool ZipBuilder::Build()
         }
         levelsOf[folder] = std::max(levelsOf[folder], levels);
     }
-    const QByteArray target = QFile::encodeName(ArchivePath);
-    const QByteArray partial = target + ".part";
-    const int file = ::open(partial.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    PartialFile partial(QFile::encodeName(ArchivePath));
     const Writer writer(archive_write_new());
     bool built = archive_write_set_format_zip(writer.get()) == ARCHIVE_OK &&
-                 archive_write_set_options(writer.get(), "zip:hdrcharset=UTF-8") == ARCHIVE_OK && file >= 0 &&
-                 archive_write_open_fd(writer.get(), file) == ARCHIVE_OK;
+                 archive_write_set_options(writer.get(), "zip:hdrcharset=UTF-8") == ARCHIVE_OK &&
+                 partial.file().isOpen() && archive_write_open_fd(writer.get(), partial.file().number()) == ARCHIVE_OK;
     if (built) {
-        Packer packer(writer.get(), Breathe);
+        Packer packer(writer.get());
         for (const auto &[folder, levels] : levelsOf) {
-            built = built && levels > 0 && packer.addFolder(QFile::encodeName(folder), QString(), levels);
+            built = built && levels > 0;
+            if (built) {
+                built = co_await packer.addFolder(QFile::encodeName(folder), QString(), levels);
+            }
         }
     }
     const bool ended = archive_write_close(writer.get()) == ARCHIVE_OK;
-    const bool closed = file >= 0 && ::close(file) == 0;
-    built = built && ended && closed && ::rename(partial.constData(), target.constData()) == 0;
+    built = built && ended && partial.keep();
     if (!built) {
         const char *reason = archive_error_string(writer.get());
         reportFault(u"cannot write the archive '"_s + ArchivePath + u"': "_s +
                     QString::fromLocal8Bit(reason ? reason : std::strerror(errno)));
-        ::unlink(partial.constData());
     }
-    return built;
+    co_return built;
 }
 
 } // namespace quillon

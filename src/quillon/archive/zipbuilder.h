@@ -1,11 +1,11 @@
 #pragma once
 
+#include "quillon/sequence/task.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
-
-#include <functional>
 
 namespace quillon {
 
@@ -14,15 +14,14 @@ namespace quillon {
 class ZipBuilder {
 public:
     QString ArchivePath; ///< where the archive goes
-    /// Called some twenty times a second while Build() is at work; false ends it without an archive.
-    std::function<bool()> Breathe;
 
     /// Adds what matches a path of a folder and one or more levels "/*": each level takes in the files and folders
     /// of one further level below that folder.
     void AddPattern(const QString &pattern);
 
-    /// Writes the archive, whole or not at all. False with a fault when that failed; no archive is then there.
-    bool Build();
+    /// Writes the archive, whole or not at all, and lets the event loop run some twenty times a second meanwhile. False
+    /// with a fault when that failed; no archive is then there, nor when the sequence ends before. Outlives its task.
+    Task<bool> Build();
 
 private:
     QStringList m_patterns;

@@ -5,7 +5,8 @@
 #include "quillon/mail/smtpsession.h"
 
 #include <QDateTime>
-#include <QPointer>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -50,18 +51,35 @@ long MailTransport::State() const
     return m_session->stage() == SmtpSession::Stage::Connecting ? Connecting : Closed;
 }
 
-void MailTransport::Connect(const QString &server, long port, long, long)
+bool MailTransport::isBusy(const QString &name) const
 {
-    if (m_busy) {
-        reportFault(u"MailTransport: Connect within another call"_s);
-        return;
+    if (m_operation == Operation::None) {
+        return false;
+    }
+    reportFault(u"MailTransport: %1 within another call"_s.arg(name));
+    return true;
+}
+
+void MailTransport::begin(Operation operation, std::function<void(bool success)> settle)
+{
+    m_operation = operation;
+    m_settle = std::move(settle);
+    ++m_call;
+}
+
+Pending<> MailTransport::Connect(const QString &server, long port, long, long)
+{
+    if (isBusy(u"Connect"_s)) {
+        return Pending<>::settled();
     }
     Quit();
     m_failureKnown = true;
+    Pending<> pending;
+    begin(Operation::Connect, [settler = pending.settler()](bool) { settler.settle(); });
     const QString fault = faultOfSettings(server, port);
     if (!fault.isEmpty()) {
-        report({0, fault});
-        return;
+        failLater(SmtpFailure{0, fault});
+        return pending;
     }
     SmtpTarget target;
     target.Host = asciiHost(server);
@@ -76,28 +94,17 @@ void MailTransport::Connect(const QString &server, long port, long, long)
         target.Proxy = QNetworkProxy(QNetworkProxy::Socks5Proxy, asciiHost(ProxyServer),
                                      static_cast<quint16>(ProxyPort), asOctets(ProxyUser), asOctets(ProxyPassword));
     }
-    m_session = std::make_shared<SmtpSession>(target, timeouts);
+    m_session = std::make_unique<SmtpSession>(target, timeouts);
     connect(m_session.get(), &SmtpSession::progressed, this, &MailTransport::Progress);
-
-    const QPointer<MailTransport> self(this);
-    const std::shared_ptr<SmtpSession> session = m_session;
-    m_busy = true;
-    session->open();
-    if (!self) {
-        return;
-    }
-    m_busy = false;
-    m_failureKnown = false;
-    if (const std::optional<SmtpFailure> failure = session->takeFailure()) {
-        m_failureKnown = true;
-        report(*failure);
-    }
+    connect(m_session.get(), &SmtpSession::answered, this, &MailTransport::onAnswered);
+    m_session->open();
+    return pending;
 }
 
-bool MailTransport::Send(const MailMessage &message)
+Pending<bool> MailTransport::Send(const MailMessage &message)
 {
     // What cannot be sent need not be encoded.
-    if (m_busy || !m_session || (State() != Connected && m_failureKnown)) {
+    if (m_operation != Operation::None || !m_session || (State() != Connected && m_failureKnown)) {
         return SendEncoded(EncodedMail(), QString(), QStringList());
     }
     QStringList recipients;
@@ -111,59 +118,34 @@ bool MailTransport::Send(const MailMessage &message)
     return SendEncoded(encoder.encode(message, QDateTime::currentDateTime()), message.From.Address, recipients);
 }
 
-bool MailTransport::SendEncoded(const EncodedMail &mail, const QString &from, const QStringList &recipients)
+Pending<bool> MailTransport::SendEncoded(const EncodedMail &mail, const QString &from, const QStringList &recipients)
 {
-    if (m_busy) {
-        reportFault(u"MailTransport: Send within another call"_s);
-        return false;
+    if (isBusy(u"Send"_s)) {
+        return Pending<bool>::settled(false);
     }
+    Pending<bool> pending;
+    begin(Operation::Send, [settler = pending.settler()](bool success) { settler.settle(success); });
     if (!m_session || State() == Closed) {
-        const std::optional<SmtpFailure> failure = m_session ? m_session->takeFailure() : std::nullopt;
-        if (!m_failureKnown || failure) {
-            report(failure.value_or(
-                SmtpFailure{0, u"The message was not sent: there is no connection to a mail server."_s}));
+        std::optional<SmtpFailure> failure = m_session ? m_session->takeFailure() : std::nullopt;
+        if (!failure && !m_failureKnown) {
+            failure = SmtpFailure{0, u"The message was not sent: there is no connection to a mail server."_s};
         }
-        return false;
+        failLater(failure);
+    } else {
+        m_session->send({mail, from, recipients});
     }
-    const QPointer<MailTransport> self(this);
-    const std::shared_ptr<SmtpSession> session = m_session;
-    m_busy = true;
-    const bool sent = session->send({mail, from, recipients});
-    if (!self) {
-        return false;
-    }
-    m_busy = false;
-    if (sent) {
-        return true; // what may have gone wrong after that is for the next call to tell
-    }
-    if (const std::optional<SmtpFailure> failure = session->takeFailure()) {
-        report(*failure);
-    }
-    return false;
+    return pending;
 }
 
-bool MailTransport::Accepted()
+Pending<bool> MailTransport::Accepted()
 {
-    if (m_busy) {
-        reportFault(u"MailTransport: Accepted within another call"_s);
-        return false;
+    if (isBusy(u"Accepted"_s) || !m_session) {
+        return Pending<bool>::settled(false);
     }
-    if (!m_session) {
-        return false;
-    }
-    const QPointer<MailTransport> self(this);
-    const std::shared_ptr<SmtpSession> session = m_session;
-    m_busy = true;
-    const bool accepted = session->settle();
-    if (!self) {
-        return false;
-    }
-    m_busy = false;
-    if (const std::optional<SmtpFailure> failure = accepted ? std::nullopt : session->takeFailure()) {
-        m_failureKnown = true;
-        report(*failure);
-    }
-    return accepted;
+    Pending<bool> pending;
+    begin(Operation::Accepted, [settler = pending.settler()](bool success) { settler.settle(success); });
+    m_session->settle();
+    return pending;
 }
 
 void MailTransport::Quit()
@@ -173,18 +155,53 @@ void MailTransport::Quit()
         m_session->close();
         m_session.reset();
     }
+    if (m_operation != Operation::None) {
+        end(false, std::nullopt);
+    }
+}
+
+void MailTransport::failLater(const std::optional<SmtpFailure> &failure)
+{
+    QMetaObject::invokeMethod(
+        this,
+        [this, failure, call = m_call] {
+            if (call == m_call && m_operation != Operation::None) {
+                end(false, failure);
+            }
+        },
+        Qt::QueuedConnection);
+}
+
+void MailTransport::onAnswered(bool success)
+{
+    std::optional<SmtpFailure> failure;
+    // What may have gone wrong after a success is for the next call to tell.
+    if (m_operation == Operation::Connect || !success) {
+        failure = m_session->takeFailure();
+    }
+    if (m_operation == Operation::Connect) {
+        m_failureKnown = failure.has_value();
+    } else if (m_operation == Operation::Accepted && failure) {
+        m_failureKnown = true;
+    }
+    end(success, failure);
+}
+
+// Whoever hears of the failure may do what he likes with this object, which is not touched any more after that.
+void MailTransport::end(bool success, const std::optional<SmtpFailure> &failure)
+{
+    m_operation = Operation::None;
+    const std::function<void(bool)> settle = std::exchange(m_settle, nullptr);
+    if (failure) {
+        Q_EMIT Error(failure->Code, failure->Text);
+    }
+    settle(success);
 }
 
 void MailTransport::setTimeouts(int connectMs, int silenceMs, int graceMs)
 {
     timeouts = {std::chrono::milliseconds(connectMs), std::chrono::milliseconds(silenceMs),
                 std::chrono::milliseconds(graceMs)};
-}
-
-// The last thing that a call does: whoever hears of it may do what he likes with this object.
-void MailTransport::report(const SmtpFailure &failure)
-{
-    Q_EMIT Error(failure.Code, failure.Text);
 }
 
 QString MailTransport::faultOfSettings(const QString &server, long port) const

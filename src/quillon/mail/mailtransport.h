@@ -1,12 +1,15 @@
 #pragma once
 
 #include "quillon/mail/mailmessage.h"
+#include "quillon/sequence/pending.h"
 
 #include <QObject>
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
+#include <optional>
 
 namespace quillon {
 
@@ -14,8 +17,10 @@ class SmtpSession;
 struct EncodedMail;
 struct SmtpFailure;
 
-/// One SMTP connection (RFC 5321): it connects, sends, and reports what goes wrong. Connect() and Send() block their
-/// caller while the event loop keeps running inside. A transport lives for one connection.
+/// One SMTP connection (RFC 5321): it connects, sends, and reports what goes wrong. Connect(), Send() and Accepted()
+/// are awaited, one at a time; what goes wrong is reported from the event loop before the call settles, so that a
+/// receiver may do what it likes, also destroy the transport. A transport lives for one connection; its end settles a
+/// call that is under way as failed.
 class MailTransport : public QObject {
     Q_OBJECT
 
@@ -40,19 +45,20 @@ public:
     /// Connects to @p server (host name or address) on @p port and goes on with greeting, EHLO, TLS and AUTH. The two
     /// further arguments have no meaning and are 0. A failure is reported once by Error() and leaves State() other
     /// than 2. A peer that says nothing leaves State() at 2 after a grace of three seconds.
-    void Connect(const QString &server, long port, long reserved1, long reserved2);
+    Pending<> Connect(const QString &server, long port, long reserved1, long reserved2);
 
     /// Sends @p message to all of its recipients, or to none. False: the reason has been reported by Error(), unless
     /// an earlier Connect() failed, which has reported its own.
-    bool Send(const MailMessage &message);
+    Pending<bool> Send(const MailMessage &message);
 
     /// As Send(), for a mail that is encoded already: from the address @p from to each of @p recipients.
-    bool SendEncoded(const EncodedMail &mail, const QString &from, const QStringList &recipients);
+    Pending<bool> SendEncoded(const EncodedMail &mail, const QString &from, const QStringList &recipients);
 
     /// Whether the server has accepted the session; waits for that up to the time-out.
-    bool Accepted();
+    Pending<bool> Accepted();
 
-    /// Ends the connection; never waits for a peer that hangs.
+    /// Ends the connection, and a call that is under way as failed, without a report; never waits for a peer that
+    /// hangs.
     void Quit();
 
     /// Time-outs of every connection made from now on, in milliseconds, each above 0: for a connection to stand
@@ -67,11 +73,21 @@ Q_SIGNALS:
     void Progress(int ProgID, const QString &ProgDesc);
 
 private:
-    void report(const SmtpFailure &failure);
+    enum class Operation { None, Connect, Send, Accepted };
+
+    /// Whether another call is under way, which is a fault.
+    [[nodiscard]] bool isBusy(const QString &name) const;
+    void begin(Operation operation, std::function<void(bool success)> settle);
+    /// Ends the call from the event loop, as failed, and reports @p failure if there is one.
+    void failLater(const std::optional<SmtpFailure> &failure);
+    void onAnswered(bool success);
+    void end(bool success, const std::optional<SmtpFailure> &failure);
     [[nodiscard]] QString faultOfSettings(const QString &server, long port) const;
 
-    std::shared_ptr<SmtpSession> m_session; // shared with the calls under way, which may outlive this object
-    bool m_busy = false;
+    std::unique_ptr<SmtpSession> m_session;
+    Operation m_operation = Operation::None; // that is under way
+    std::function<void(bool success)> m_settle;
+    int m_call = 0;              // number of the call, so that a late end of one is not taken for that of another
     bool m_failureKnown = false; // the session's end has been reported by Connect() or Accepted()
 };
 

@@ -1,5 +1,7 @@
 #include "quillon/mail/smtpsession.h"
 
+#include <QPointer>
+
 using namespace Qt::StringLiterals;
 
 namespace quillon {
@@ -30,34 +32,27 @@ void SmtpSession::open()
 {
     enter(Stage::Connecting);
     m_wire.allowSilence(m_timeouts.Connect);
+    begin(Call::Open);
     m_wire.open(m_target.Host, m_target.Port, m_target.Proxy);
-    waitFor([this] { return m_stage == Stage::Ready || m_stage == Stage::Closed || m_graceOver; });
 }
 
-bool SmtpSession::settle()
+void SmtpSession::settle()
 {
-    const bool settled = m_stage == Stage::Ready || m_stage == Stage::Closed || m_stage == Stage::Idle;
-    if (!settled) {
+    if (stands() && m_stage != Stage::Ready) {
         // The time that the program itself has let pass since is not the server's.
         m_wire.allowSilence(m_timeouts.Silence);
-        waitFor([this] { return m_stage == Stage::Ready || m_stage == Stage::Closed; });
     }
-    return m_stage == Stage::Ready;
+    begin(Call::Settle);
 }
 
-bool SmtpSession::send(const SmtpMail &mail)
+void SmtpSession::send(const SmtpMail &mail)
 {
-    if (!settle()) {
-        return false;
+    m_mail = mail;
+    settle();
+    m_call = Call::Send;
+    if (m_stage == Stage::Ready) {
+        beginTransaction();
     }
-    m_transaction = std::make_unique<SmtpTransaction>(m_wire, mail, m_extensions);
-    enter(Stage::Sending);
-    m_transaction->begin();
-    followTransaction();
-    waitFor([this] { return m_stage == Stage::Closed || m_transaction->isOver(); });
-    const bool sent = m_transaction->state() == SmtpTransaction::State::Sent;
-    m_transaction.reset();
-    return sent;
 }
 
 void SmtpSession::close()
@@ -65,37 +60,73 @@ void SmtpSession::close()
     // QUIT has a meaning only where the server listens to commands.
     const bool politely = m_stage == Stage::Ready || m_stage == Stage::Reset;
     m_stage = Stage::Closed;
+    m_call = Call::None;
     m_failure.reset();
     m_grace.stop();
     m_wire.close(politely);
+}
+
+void SmtpSession::begin(Call call)
+{
+    m_call = call;
     wake();
 }
 
-// Runs the event loop until the condition is met. A loop that ends without wake() was ended by the program's exit.
-template <typename Condition> void SmtpSession::waitFor(Condition isMet)
+bool SmtpSession::isAtEnd() const
 {
-    ++m_calls;
-    while (!isMet()) {
-        QEventLoop loop;
-        m_loop = &loop;
-        m_woken = false;
-        loop.exec();
-        m_loop = nullptr;
-        if (!m_woken) {
-            close();
-            break;
-        }
+    const bool settled = m_stage == Stage::Ready || m_stage == Stage::Closed || m_stage == Stage::Idle;
+    switch (m_call) {
+    case Call::Open:
+        return settled || m_graceOver;
+    case Call::Settle:
+        return settled;
+    case Call::Send:
+        return m_transaction ? m_stage == Stage::Closed || m_transaction->isOver() : settled;
+    default:
+        return false;
     }
-    deliverProgress();
-    --m_calls;
 }
 
+// Something has come about that may end the call; it does so from the event loop, behind whatever is being done.
 void SmtpSession::wake()
 {
-    m_woken = true;
-    if (m_loop != nullptr) {
-        m_loop->quit();
+    if (!m_answerQueued && isAtEnd()) {
+        m_answerQueued = true;
+        QMetaObject::invokeMethod(this, &SmtpSession::answer, Qt::QueuedConnection);
     }
+}
+
+void SmtpSession::answer()
+{
+    m_answerQueued = false;
+    if (m_call == Call::Send && !m_transaction && m_stage == Stage::Ready) {
+        beginTransaction();
+        return;
+    }
+    if (!isAtEnd()) {
+        return;
+    }
+    const QPointer<SmtpSession> self(this);
+    deliverProgress();
+    if (!self || m_call == Call::None) {
+        return;
+    }
+    const bool sent = m_transaction && m_transaction->state() == SmtpTransaction::State::Sent;
+    const bool success = m_call == Call::Send ? sent : m_stage == Stage::Ready;
+    m_call = Call::None;
+    m_transaction.reset();
+    m_mail.reset();
+    Q_EMIT answered(success);
+}
+
+void SmtpSession::beginTransaction()
+{
+    m_transaction = std::make_unique<SmtpTransaction>(m_wire, *m_mail, m_extensions);
+    m_mail.reset();
+    enter(Stage::Sending);
+    m_transaction->begin();
+    followTransaction();
+    wake();
 }
 
 void SmtpSession::enter(Stage stage)
@@ -124,11 +155,12 @@ void SmtpSession::tell(const QString &text)
 
 void SmtpSession::deliverProgress()
 {
-    if (m_calls == 0) {
+    const QPointer<SmtpSession> self(this);
+    if (m_call == Call::None) {
         // What happens between two calls is nobody's progress.
         m_told.clear();
     }
-    while (!m_told.isEmpty()) {
+    while (self && !m_told.isEmpty()) {
         const auto [stage, text] = m_told.takeFirst();
         Q_EMIT progressed(stage, text);
     }

@@ -4,7 +4,6 @@
 #include "quillon/mail/smtptransaction.h"
 #include "quillon/mail/smtpwire.h"
 
-#include <QEventLoop>
 #include <QStringList>
 
 namespace quillon {
@@ -27,9 +26,9 @@ struct SmtpTarget {
     QNetworkProxy Proxy;
 };
 
-/// One SMTP session as a state machine over a SmtpWire. open(), settle() and send() block in a nested event loop; what
-/// goes wrong is kept, once, until takeFailure() asks for it, so that nothing is reported from within a socket's turn
-/// or between two calls.
+/// One SMTP session as a state machine over a SmtpWire. open(), settle() and send() are calls, one at a time, which
+/// answered() ends from the event loop; what goes wrong is kept, once, until takeFailure() asks for it, so that nothing
+/// is reported from within a socket's turn or between two calls.
 class SmtpSession : public QObject {
     Q_OBJECT
 
@@ -56,13 +55,13 @@ public:
     /// Connects and goes on until the session is settled, has failed, or the peer has said nothing for the grace.
     void open();
 
-    /// Waits until the session is settled: true when a mail can be sent now.
-    bool settle();
+    /// Waits until the session is settled, with success when a mail can be sent now.
+    void settle();
 
-    /// Sends @p mail; true when the server has taken it for all of its recipients.
-    bool send(const SmtpMail &mail);
+    /// Sends @p mail once the session is settled, with success when the server has taken it for all of its recipients.
+    void send(const SmtpMail &mail);
 
-    /// Gives the session up; a call that is under way ends with false and without a failure.
+    /// Gives the session up, and with it a call that is under way, which is not answered any more.
     void close();
 
     [[nodiscard]] Stage stage() const { return m_stage; }
@@ -70,12 +69,20 @@ public:
     std::optional<SmtpFailure> takeFailure() { return std::exchange(m_failure, std::nullopt); }
 
 Q_SIGNALS:
+    /// The call that is under way has come to its end. A receiver may do what it likes, also destroy the session.
+    void answered(bool success);
     /// Comes from the event loop itself, never from the middle of a step, so that a receiver may do what it likes.
     void progressed(int stage, const QString &text);
 
 private:
-    template <typename Condition> void waitFor(Condition isMet);
+    /// The call that is under way.
+    enum class Call { None, Open, Settle, Send };
+
+    void begin(Call call);
+    [[nodiscard]] bool isAtEnd() const;
     void wake();
+    void answer();
+    void beginTransaction();
     void enter(Stage stage);
     void tell(const QString &text);
     void deliverProgress();
@@ -110,9 +117,9 @@ private:
     QString m_lastReply;
     QTimer m_grace;
     bool m_graceOver = false;
-    QEventLoop *m_loop = nullptr;
-    bool m_woken = false;
-    int m_calls = 0; // that wait
+    Call m_call = Call::None;
+    std::optional<SmtpMail> m_mail; // of the call to send, until it can go
+    bool m_answerQueued = false;
     QList<std::pair<int, QString>> m_told;
     QString m_toldLast;
 };

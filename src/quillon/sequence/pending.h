@@ -79,7 +79,7 @@ public:
     [[nodiscard]] bool isSettled() const { return m_state->value.has_value(); }
 
     /// For those who are no sequence: @p wake is called once, when it is settled, from where that happens.
-    void whenSettled(std::function<void()> wake) { m_state->wake = std::move(wake); }
+    void whenSettled(const std::function<void()> &wake) { m_state->wake = wake; }
 
     // What co_await asks.
     [[nodiscard]] bool await_ready() const { return isSettled(); }

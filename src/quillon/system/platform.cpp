@@ -2,8 +2,6 @@
 
 #include "quillon/fault.h"
 
-#include <QEventLoop>
-#include <QTimer>
 
 #include <utility>
 
@@ -53,18 +51,9 @@ QDateTime Clock::now() const
     return QDateTime::currentDateTime();
 }
 
-void Clock::wait(qint64 milliseconds)
+Pending<> Clock::wait(qint64 milliseconds)
 {
-    if (milliseconds <= 0) {
-        return;
-    }
-    QEventLoop loop;
-    QTimer timer;
-    timer.setSingleShot(true);
-    timer.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
-    timer.start(std::chrono::milliseconds(milliseconds));
-    loop.exec();
+    return elapsed(milliseconds);
 }
 
 bool DesktopOpener::open(const QString &pathOrUrl)

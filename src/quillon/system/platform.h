@@ -1,5 +1,7 @@
 #pragma once
 
+#include "quillon/sequence/pending.h"
+
 #include <QDateTime>
 #include <QString>
 #include <QStringList>
@@ -11,8 +13,8 @@ class Clock {
 public:
     virtual ~Clock() = default;
     [[nodiscard]] virtual QDateTime now() const;
-    /// Waits that long while events are handled.
-    virtual void wait(qint64 milliseconds);
+    /// Settled when that time is over; 0 or less is no time.
+    virtual Pending<> wait(qint64 milliseconds);
 };
 
 /// Other processes of this user.

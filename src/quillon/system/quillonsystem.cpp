@@ -106,9 +106,9 @@ void QuillonSystem::EndProcess(const QString &executable) const
     processes().end(executable, dataRootBelow(GetSpecialFolder(userDataFolder)));
 }
 
-void QuillonSystem::WaitMilliseconds(qint64 milliseconds) const
+Pending<> QuillonSystem::WaitMilliseconds(qint64 milliseconds) const
 {
-    systemClock().wait(milliseconds);
+    return systemClock().wait(milliseconds);
 }
 
 } // namespace quillon

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillon/sequence/pending.h"
 #include "quillon/system/prompts.h"
 
 #include <QList>
@@ -47,8 +48,8 @@ public:
     void OpenTarget(const QString &target, int style, const QStringList &arguments = {}) const;
     /// Ends all of this user's processes whose executable has that file name and that work on the same data.
     void EndProcess(const QString &executable) const;
-    /// Pauses; events are handled meanwhile, and nothing shortens the pause.
-    void WaitMilliseconds(qint64 milliseconds) const;
+    /// A pause: settled when it is over, while the event loop goes on; nothing shortens it.
+    Pending<> WaitMilliseconds(qint64 milliseconds) const;
 
     // Windows, menus, clipboard: defined in the form target.
     [[nodiscard]] QWidget *FindWindowByTitle(const QString &title) const;

@@ -94,9 +94,9 @@ RecordButtons buttonsOf(const QWidget *form, const QString &group, const ButtonO
 
 } // namespace
 
-frmPubOptions::frmPubOptions(ApplicationGlobals &globals, MessageWindow &window, quillon::FormRegistry &forms,
+frmPubOptions::frmPubOptions(ApplicationGlobals &globals, Message &message, quillon::FormRegistry &forms,
                              OptionsHooks hooks)
-    : m_globals(globals), m_window(window), m_forms(forms), m_hooks(std::move(hooks)),
+    : m_globals(globals), m_message(message), m_forms(forms), m_hooks(std::move(hooks)),
       m_senders(senderKind(), headingsOf(u"lsv(0)"_s, {u"Display Name"_s, u"Email Address"_s, u"Remark"_s}), globals),
       m_signatures(signatureKind(), headingsOf(u"lsv(1)"_s, {u"Signature"_s}), globals),
       m_proxies(proxyKind(), headingsOf(u"lsv(2)"_s, {u"Address"_s, u"Port"_s, u"User"_s}), globals),
@@ -269,8 +269,7 @@ void frmPubOptions::test()
     }
     const QString line = list.selectedLine();
     if (!ofAccount) {
-        const Site site = readSite(m_globals.programFolder);
-        showTest(u"CONN_PROXY"_s, [&](QString &reason) { return TestProxyConnection(line, site, &reason); });
+        m_test.start(showTest(u"CONN_PROXY"_s, TestProxyConnection(line, readSite(m_globals.programFolder))));
         return;
     }
     if (m_settings->usesProxy() && m_proxies.isEmpty()) {
@@ -279,10 +278,10 @@ void frmPubOptions::test()
         return;
     }
     const QString proxy = m_settings->usesProxy() ? m_globals.settings.proxy[ProxyDefault] : QString();
-    showTest(u"CONN_SMTP"_s, [&](QString &reason) { return TestSmtpConnection(line, proxy, &reason); });
+    m_test.start(showTest(u"CONN_SMTP"_s, TestSmtpConnection(line, proxy)));
 }
 
-void frmPubOptions::showTest(const QString &key, const std::function<bool(QString &reason)> &connects)
+quillon::Task<> frmPubOptions::showTest(QString key, quillon::Task<ConnectionTestResult> test)
 {
     auto *status = findChild<QLabel *>(u"lbl(14)"_s);
     m_ui->lblReason->clear();
@@ -292,21 +291,18 @@ void frmPubOptions::showTest(const QString &key, const std::function<bool(QStrin
     const QPointer<QWidget> focus = focusWidget(); // a form that is disabled loses it
     setEnabled(false);
     m_testing = true;
-    const QPointer<frmPubOptions> alive = this;
 
-    QString reason;
-    bool connected = false;
-    {
-        const WaitPointer hourglass;
-        connected = connects(reason);
-    }
-    if (!alive || property(quillon::unloadedProperty).toBool()) {
-        return; // the program's exit has closed the form meanwhile
+    auto hourglass = std::make_unique<WaitPointer>();
+    const ConnectionTestResult result = co_await test;
+    hourglass.reset();
+    if (property(quillon::unloadedProperty).toBool()) {
+        co_return; // the program's exit has closed the form meanwhile
     }
     m_testing = false;
-    m_ui->lblReason->setText(reason);
-    m_ui->lblReason->setToolTip(reason); // a long word is cut off at the end of the form
-    showMessage(key + (connected ? u"_SUCC"_s : u"_UNSU"_s), connected ? quillon::InformationBox : quillon::WarningBox);
+    m_ui->lblReason->setText(result.reason);
+    m_ui->lblReason->setToolTip(result.reason); // a long word is cut off at the end of the form
+    co_await messageShown(key + (result.works ? u"_SUCC"_s : u"_UNSU"_s),
+                          result.works ? quillon::InformationBox : quillon::WarningBox);
     status->clear();
     unsetCursor();
     setEnabled(true);
@@ -317,9 +313,9 @@ void frmPubOptions::showTest(const QString &key, const std::function<bool(QStrin
 
 QString frmPubOptions::codeOfEncoding(const QString &displayName)
 {
-    for (int i = 0; i < m_window.encodingCount(); ++i) {
-        m_window.selectEncoding(i);
-        const QString entry = m_window.selectedEncoding();
+    for (int i = 0; i < m_message.encodingCount(); ++i) {
+        m_message.selectEncoding(i);
+        const QString entry = m_message.selectedEncoding();
         if (entry.section(u" | "_s, 1) == displayName) {
             return entry.section(u" | "_s, 0, 0);
         }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "core/globals.h"
-#include "core/messagewindow.h"
+#include "message/message.h"
 #include "quillon/forms/tabbedform.h"
+#include "quillon/sequence/sequence.h"
+#include "records/connectiontest.h"
 #include "records/recordlist.h"
 
 #include <QDialog>
@@ -43,7 +45,8 @@ public:
     enum Tab { ProxyTab, AccountTab, SenderTab, SignaturesTab, OtherTab };
 
     /// @p forms knows the dialogs of the lists. All of the arguments outlive the dialog.
-    frmPubOptions(ApplicationGlobals &globals, MessageWindow &window, quillon::FormRegistry &forms, OptionsHooks hooks);
+    /// @p message is asked for its list of encodings.
+    frmPubOptions(ApplicationGlobals &globals, Message &message, quillon::FormRegistry &forms, OptionsHooks hooks);
     ~frmPubOptions() override;
 
     void showTab(int tab) override;
@@ -66,12 +69,12 @@ private:
     void save();
     void restore();
     void test();
-    /// Shows that a test is under way while @p connects runs, and then how it ended.
-    void showTest(const QString &key, const std::function<bool(QString &reason)> &connects);
+    /// Shows that a test is under way while it takes its steps, and then how it ended.
+    quillon::Task<> showTest(QString key, quillon::Task<ConnectionTestResult> test);
     [[nodiscard]] QString codeOfEncoding(const QString &displayName);
 
     ApplicationGlobals &m_globals;
-    MessageWindow &m_window;
+    Message &m_message;
     quillon::FormRegistry &m_forms;
     OptionsHooks m_hooks;
     RecordList m_senders;
@@ -82,6 +85,7 @@ private:
     SettingsTab *m_settings = nullptr;
     SignatureTab *m_signatureTab = nullptr;
     bool m_testing = false;
+    quillon::Sequence m_test; // last, since what it ends with uses the others
 };
 
 } // namespace corvane

@@ -1,11 +1,13 @@
 #include "quillon/archive/zipbuilder.h"
 #include "quillon/fault.h"
+#include "support/waitfor.h"
 
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -44,6 +46,7 @@ private Q_SLOTS:
     void failedWriteLeavesNoArchive();
     void anEarlierArchiveIsReplaced();
     void longWorkLetsOthersBreathe();
+    void anArchiveWhosePackingIsEndedIsNotThere();
 
 private:
     [[nodiscard]] QString path(const QString &name) const { return m_folder->filePath(name); }
@@ -60,7 +63,7 @@ private:
         for (int i = 1; i <= levels; ++i) {
             zip.AddPattern(path(u"mine"_s) + u"/*"_s.repeated(i));
         }
-        return zip.Build();
+        return waitFor(zip.Build());
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -144,11 +147,11 @@ void TestZipBuilder::failedWriteLeavesNoArchive()
     zip.ArchivePath = path(u"not there/a.zip"_s);
     zip.AddPattern(path(u"mine/*"_s));
     const int faults = quillon::faultCount();
-    QVERIFY(!zip.Build());
+    QVERIFY(!waitFor(zip.Build()));
     QCOMPARE(quillon::faultCount(), faults + 1);
     QVERIFY(QDir().mkpath(path(u"folder.zip"_s)));
     zip.ArchivePath = path(u"folder.zip"_s);
-    QVERIFY(!zip.Build());
+    QVERIFY(!waitFor(zip.Build()));
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
              (QStringList{u"folder.zip"_s, u"mine"_s}));
 }
@@ -168,20 +171,38 @@ void TestZipBuilder::longWorkLetsOthersBreathe()
     quillon::ZipBuilder zip;
     zip.ArchivePath = path(u"a.zip"_s);
     zip.AddPattern(path(u"mine/*"_s));
-    int breaths = 0;
-    zip.Breathe = [&] {
-        ++breaths;
-        return true;
-    };
-    QVERIFY(zip.Build());
-    QVERIFY(breaths > 1);
+    int turns = 0;
+    QTimer timer;
+    connect(&timer, &QTimer::timeout, &timer, [&turns] { ++turns; });
+    timer.start(0);
+    QVERIFY(waitFor(zip.Build()));
+    QVERIFY(turns > 1);
     struct stat status {};
     QCOMPARE(::stat(QFile::encodeName(path(u"a.zip"_s)).constData(), &status), 0);
     QCOMPARE(static_cast<int>(status.st_mode & 0777), 0600);
-    zip.Breathe = [] { return false; };
+}
+
+namespace {
+quillon::Task<> buildWith(quillon::ZipBuilder *zip)
+{
+    co_await zip->Build();
+}
+} // namespace
+
+void TestZipBuilder::anArchiveWhosePackingIsEndedIsNotThere()
+{
+    write(u"mine/large"_s, "x");
+    QCOMPARE(::truncate(QFile::encodeName(path(u"mine/large"_s)).constData(), 400'000'000), 0);
+    quillon::ZipBuilder zip;
     zip.ArchivePath = path(u"b.zip"_s);
-    QVERIFY(!zip.Build());
-    QVERIFY(!QFile::exists(path(u"b.zip"_s)) && !QFile::exists(path(u"b.zip.part"_s)));
+    zip.AddPattern(path(u"mine/*"_s));
+    quillon::Sequence packing;
+    packing.start(buildWith(&zip));
+    QVERIFY(packing.isUnderWay());
+    QVERIFY(QFile::exists(path(u"b.zip.part"_s)));
+    packing.end();
+    QVERIFY(!QFile::exists(path(u"b.zip"_s)));
+    QVERIFY(!QFile::exists(path(u"b.zip.part"_s)));
 }
 
 QTEST_GUILESS_MAIN(TestZipBuilder)

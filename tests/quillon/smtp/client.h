@@ -2,6 +2,7 @@
 
 #include "quillon/mail/encodedmail.h"
 #include "quillon/mail/mailtransport.h"
+#include "support/waitfor.h"
 
 #include <QFileInfo>
 #include <QStringList>
@@ -25,15 +26,18 @@ struct Client {
 
     long connectTo(quint16 port, const QString &host = QStringLiteral("127.0.0.1"))
     {
-        Transport.Connect(host, port, 0, 0);
+        waitFor(Transport.Connect(host, port, 0, 0));
         return Transport.State();
     }
 
     bool send(const QByteArray &text, const QStringList &to = {QStringLiteral("to@example.org")},
               const QString &from = QStringLiteral("from@example.org"))
     {
-        return Transport.SendEncoded(mailOf(text), from, to);
+        return waitFor(Transport.SendEncoded(mailOf(text), from, to));
     }
+
+    bool accepted() { return waitFor(Transport.Accepted()); }
+    bool sendMessage(const quillon::MailMessage &message) { return waitFor(Transport.Send(message)); }
 
     static quillon::EncodedMail mailOf(const QByteArray &text)
     {

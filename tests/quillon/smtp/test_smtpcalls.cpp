@@ -44,7 +44,7 @@ private Q_SLOTS:
 void TestSmtpCalls::anEmptyPortFieldIsPortZeroAndAnError()
 {
     Client client;
-    client.Transport.Connect(u"127.0.0.1"_s, QString().toLong(), 0, 0);
+    waitFor(client.Transport.Connect(u"127.0.0.1"_s, QString().toLong(), 0, 0));
     QVERIFY(client.Transport.State() != 2);
     QCOMPARE(client.Errors.size(), 1);
     QVERIFY2(client.Errors.first().contains(u"0 is not a port"), qPrintable(client.Errors.first()));
@@ -70,7 +70,7 @@ void TestSmtpCalls::badServersAndPortsAreErrorsWithoutAConnection()
     QFETCH(QString, server);
     QFETCH(long, port);
     Client client;
-    client.Transport.Connect(server, port, 0, 0);
+    waitFor(client.Transport.Connect(server, port, 0, 0));
     QCOMPARE(client.Transport.State(), 0);
     QCOMPARE(client.Errors.size(), 1);
     QCOMPARE(client.Errors.first(), client.Errors.first().simplified());
@@ -111,14 +111,14 @@ void TestSmtpCalls::sendAfterAFailedConnectIsFalseWithoutASecondError()
     QVERIFY(client.connectTo(server.port()) != 2);
     QCOMPARE(client.Errors.size(), 1);
     QVERIFY(!client.send(text));
-    QVERIFY(!client.Transport.Send(MailMessage()));
+    QVERIFY(!client.sendMessage(MailMessage()));
     QCOMPARE(client.Errors.size(), 1);
 }
 
 void TestSmtpCalls::sendWithoutConnectIsAnError()
 {
     Client client;
-    QVERIFY(!client.Transport.Send(MailMessage()));
+    QVERIFY(!client.sendMessage(MailMessage()));
     QCOMPARE(client.Errors.size(), 1);
 }
 
@@ -226,7 +226,7 @@ void TestSmtpCalls::aMessageGoesToToCcAndBcc()
     message.BCC.Add({u"to@example.org"_s, {}});
     message.Subject = u"Hello"_s;
     message.Content = u"Text\r\n.\r\n"_s;
-    QVERIFY2(client.Transport.Send(message), qPrintable(client.Errors.join(u'\n')));
+    QVERIFY2(client.sendMessage(message), qPrintable(client.Errors.join(u'\n')));
     QCOMPARE(server.Lines.mid(2), (QList<QByteArray>{"RCPT TO:<to@example.org>", "RCPT TO:<cc@example.org>",
                                                      "RCPT TO:<bcc@example.org>", "DATA"}));
     QCOMPARE(server.Mails.size(), 1);
@@ -242,7 +242,7 @@ void TestSmtpCalls::aMessageThatCannotBeEncodedIsAnErrorOfSend()
     message.From = {u"from@example.org"_s, {}};
     message.To.Add({u"to@example.org"_s, {}});
     message.Attachments.Add({u"gone.txt"_s, u"/nowhere/gone.txt"_s});
-    QVERIFY(!client.Transport.Send(message));
+    QVERIFY(!client.sendMessage(message));
     QCOMPARE(client.Errors.size(), 1);
     QVERIFY2(client.Errors.first().contains(u"gone.txt"), qPrintable(client.Errors.first()));
     QVERIFY(!server.heard("MAIL"));

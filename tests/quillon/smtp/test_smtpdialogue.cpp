@@ -28,7 +28,7 @@ void TestSmtpDialogue::aMailGoesStepByStep()
     ScriptedServer server;
     Client client;
     QCOMPARE(client.connectTo(server.port()), 2);
-    QVERIFY(client.Transport.Accepted());
+    QVERIFY(client.accepted());
     QVERIFY(client.send(text, {u"a@b.c"_s, u"d@e.f"_s}));
     QCOMPARE(server.Lines.mid(1),
              (QList<QByteArray>{"MAIL FROM:<from@example.org>", "RCPT TO:<a@b.c>", "RCPT TO:<d@e.f>", "DATA"}));

@@ -80,7 +80,7 @@ void TestSmtpGreeting::acceptedWaitsForALateGreeting()
     Client client;
     QCOMPARE(client.connectTo(server.port()), 2);
     QTimer::singleShot(0, &server, [&server] { server.say("220 here at last\r\n"); });
-    QVERIFY(client.Transport.Accepted());
+    QVERIFY(client.accepted());
     QVERIFY(server.heard("EHLO"));
 }
 
@@ -91,7 +91,7 @@ void TestSmtpGreeting::acceptedIsFalseForAPeerThatStaysSilent()
     server.Greeting = "";
     Client client;
     QCOMPARE(client.connectTo(server.port()), 2);
-    QVERIFY(!client.Transport.Accepted());
+    QVERIFY(!client.accepted());
     QCOMPARE(client.Transport.State(), 0);
     QCOMPARE(client.Errors.size(), 1);
     QVERIFY(!client.send(text));
@@ -125,14 +125,14 @@ void TestSmtpGreeting::aGreetingThatHasBegunIsWaitedFor()
 void TestSmtpGreeting::acceptedIsTrueOnlyForAFinishedSession()
 {
     Client never;
-    QVERIFY(!never.Transport.Accepted());
+    QVERIFY(!never.accepted());
     ScriptedServer server;
     Client client;
     QCOMPARE(client.connectTo(server.port()), 2);
-    QVERIFY(client.Transport.Accepted());
-    QVERIFY(client.Transport.Accepted());
+    QVERIFY(client.accepted());
+    QVERIFY(client.accepted());
     client.Transport.Quit();
-    QVERIFY(!client.Transport.Accepted());
+    QVERIFY(!client.accepted());
     QVERIFY(client.Errors.isEmpty());
 }
 

@@ -90,7 +90,7 @@ void TestSmtpServerTls::plainTalkWithATlsServerIsAnError()
     server.Key = m_certificates->localhostKey();
     Client client;
     QCOMPARE(client.connectTo(server.port(), u"localhost"_s), 2);
-    QVERIFY(!client.Transport.Accepted());
+    QVERIFY(!client.accepted());
     QCOMPARE(client.Errors.size(), 1);
 }
 

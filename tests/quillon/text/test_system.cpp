@@ -2,6 +2,7 @@
 #include "quillon/system/platform.h"
 #include "quillon/system/quillonregistry.h"
 #include "quillon/system/quillonsystem.h"
+#include "support/waitfor.h"
 
 #include <QDir>
 #include <QFile>
@@ -76,11 +77,11 @@ void TestSystem::waitHandlesEventsAndLastsItsTime()
     timer.start(1);
     QElapsedTimer clock;
     clock.start();
-    m_system.WaitMilliseconds(50);
+    waitFor(m_system.WaitMilliseconds(50));
     QVERIFY(clock.elapsed() >= 50);
     QVERIFY(ticks > 0);
-    m_system.WaitMilliseconds(0);
-    m_system.WaitMilliseconds(-5);
+    waitFor(m_system.WaitMilliseconds(0));
+    waitFor(m_system.WaitMilliseconds(-5));
 }
 
 void TestSystem::endProcessEndsThoseOfThatNameAndDataOnly()

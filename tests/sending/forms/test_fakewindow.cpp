@@ -3,7 +3,7 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using Field = corvane::MessageWindow::Field;
+using Field = corvane::Message::Field;
 
 /// The stand-in keeps the promises of the window it stands for.
 class TestFakeWindow : public QObject {
@@ -20,7 +20,7 @@ private Q_SLOTS:
 
 void TestFakeWindow::settingAFieldMarksTheMessageAsChanged()
 {
-    const auto changes = [](const std::function<void(corvane::MessageWindow &)> &edit) {
+    const auto changes = [](const std::function<void(corvane::Message &)> &edit) {
         FakeWindow window;
         edit(window);
         return window.pblnChanged;

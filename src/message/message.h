@@ -7,9 +7,10 @@
 
 namespace corvane {
 
-/// The message in the main window, as the other rooms see it. The window's controls are the message: there is no
-/// other copy, so a reader sees what the user sees. Setting a field fires its change rule just as typing would.
-class MessageWindow {
+/// One message, by its fields. The main window implements it over its controls, which are the message there: a reader
+/// sees what the user sees, and setting a field fires its change rule just as typing would. A stored template and plain
+/// values are messages too.
+class Message {
 public:
     enum class Field {
         Account,       ///< cbb(6)
@@ -35,15 +36,10 @@ public:
     enum class Format { Rich, Plain };         ///< opt(8), opt(9)
     enum class Priority { High, Normal, Low }; ///< menosh(0) to menosh(2)
 
-    virtual ~MessageWindow() = default;
+    virtual ~Message() = default;
 
     [[nodiscard]] virtual QString text(Field field) const = 0; ///< line ends are CR LF
     virtual void setText(Field field, const QString &text) = 0;
-    virtual void setFocus(Field field) = 0;
-
-    /// The lists of the combo boxes Account, Sender and ReplyReceiver. Setting a list leaves the box's text as it is.
-    [[nodiscard]] virtual QStringList list(Field field) const = 0;
-    virtual void setList(Field field, const QStringList &entries) = 0;
 
     [[nodiscard]] virtual bool isActual(Choice choice) const = 0;
     virtual void setActual(Choice choice, bool actual) = 0;
@@ -69,17 +65,10 @@ public:
     virtual void selectEncoding(int index) = 0;
     [[nodiscard]] virtual QString selectedEncoding() const = 0; ///< the selected entry, whole
 
-    [[nodiscard]] virtual QString title() const = 0;
-    virtual void setTitle(const QString &title) = 0;
-    [[nodiscard]] virtual QString statusText() const = 0; ///< panel 1 of the status bar
-    virtual void setStatusText(const QString &text) = 0;
-
-    QString Tag;              ///< "M" during a manual run; "EXITWITHMENU" lets the window unload
-    bool Sending = false;     ///< a send run is under way
-    bool pblnStop = false;    ///< Cancel was pressed in the progress dialog
     bool pblnChanged = false; ///< the message differs from what was last saved or created
-    bool mblnReady = false;   ///< false while a new message is being laid out or a template dialog is open
-    QString psTempName;       ///< name handed over from the template manager
 };
+
+/// The text that the message's body has in that format.
+[[nodiscard]] QString contentOf(const Message &message, Message::Format format);
 
 } // namespace corvane
