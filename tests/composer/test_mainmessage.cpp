@@ -24,6 +24,7 @@ private Q_SLOTS:
     void aFieldOfOneLineHoldsOneLine();
     void noBreakSpacesAndOtherUnicodeSurvive();
     void theRichDocumentIsAReadableAndWritableProperty();
+    void aDocumentsSourceKeepsUnicodesSeparators();
     void textChangesMarkTheMessageAsChanged();
     void textChangesWhileOptionsAreOpenMarkNothing();
     void checkMarksAndDateMarkNothing();
@@ -180,6 +181,15 @@ void TestMainMessage::theRichDocumentIsAReadableAndWritableProperty()
         QCOMPARE(editor->property("DocumentHTML").toString(), u"<p>a</p>\r\n<p>b</p>"_s);
     }
     QCOMPARE(main.message().text(Field::RichContent), u"<p>a</p>\r\n<p>b</p>"_s);
+}
+
+void TestMainMessage::aDocumentsSourceKeepsUnicodesSeparators()
+{
+    MainFixture main;
+    main.message().setText(Field::RichContent, u"<p>a\u2028b\u2029c</p>"_s);
+    QCOMPARE(main.message().text(Field::RichContent), u"<p>a\u2028b\u2029c</p>"_s);
+    main.message().setText(Field::PlainContent, u"a\u2028b\u2029c"_s); // where they are the box's own line ends
+    QCOMPARE(main.message().text(Field::PlainContent), u"a\r\nb\r\nc"_s);
 }
 
 void TestMainMessage::textChangesMarkTheMessageAsChanged()

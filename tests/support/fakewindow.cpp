@@ -1,15 +1,13 @@
 #include "support/fakewindow.h"
 
-using namespace Qt::StringLiterals;
+#include "quillon/text/lineends.h"
 
 QString FakeWindow::text(Field field) const
 {
     if (beforeRead) {
         beforeRead(field);
     }
-    QString text = texts.value(field);
-    text.replace(u"\r\n"_s, u"\n"_s);
-    return text.replace(u'\n', u"\r\n"_s);
+    return quillon::withCrLf(texts.value(field));
 }
 
 void FakeWindow::setText(Field field, const QString &text)

@@ -1,6 +1,7 @@
 #include "quillon/fault.h"
 #include "quillon/forms/formregistry.h"
 #include "quillon/system/quillonsystem.h"
+#include "quillon/text/lineends.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -129,15 +130,12 @@ void QuillonSystem::MarkMenuItem(QMenu *menu, int position) const
 void QuillonSystem::SetClipboardText(const QString &text) const
 {
     // The desktop's line end is a line feed; other programs would show a carriage return as a character.
-    QString desktop = text;
-    QApplication::clipboard()->setText(desktop.replace(u"\r\n"_s, u"\n"_s));
+    QApplication::clipboard()->setText(withCrLf(text).remove(u'\r'));
 }
 
 QString QuillonSystem::GetClipboardText() const
 {
-    QString text = QApplication::clipboard()->text();
-    text.replace(u"\r\n"_s, u"\n"_s);
-    return text.replace(u'\n', u"\r\n"_s);
+    return withCrLf(QApplication::clipboard()->text());
 }
 
 } // namespace quillon

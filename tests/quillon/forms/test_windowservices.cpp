@@ -170,6 +170,7 @@ void TestWindowServices::clipboardTextComesWithCarriageReturns_data()
     QTest::newRow("crlf") << u"a\r\nb\r\n"_s << u"a\r\nb\r\n"_s;
     QTest::newRow("lf") << u"a\nb"_s << u"a\r\nb"_s;
     QTest::newRow("both") << u"a\nb\r\nc"_s << u"a\r\nb\r\nc"_s;
+    QTest::newRow("cr") << u"a\rb"_s << u"a\r\nb"_s;
     QTest::newRow("none") << u"äß"_s << u"äß"_s;
 }
 
