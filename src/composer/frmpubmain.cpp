@@ -22,7 +22,7 @@
 #include "core/texts.h"
 #include "quillon/forms/arraynames.h"
 #include "quillon/system/platform.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 
 #include <QActionGroup>
 #include <QCloseEvent>

@@ -51,17 +51,6 @@ std::optional<QString> sampleText(const QString &macro)
     return momentText(macro);
 }
 
-QString cleanedMacroField(QString text)
-{
-    for (QChar &character : text) {
-        if (character == u'\t' || character == u'\r' || character == u'\n' || character == QChar::LineSeparator ||
-            character == QChar::ParagraphSeparator) {
-            character = u' ';
-        }
-    }
-    return text.trimmed();
-}
-
 MacroFault checkMacro(const MacroRow &row, const QStringList &present, qsizetype own)
 {
     if (row.text.isEmpty() || row.macro == QStringView(emptyMacro)) {

@@ -1,7 +1,7 @@
 #include "records/recordkind.h"
 
 #include "macros/myinformation.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 #include "records/signaturerecords.h"
 
 using namespace Qt::StringLiterals;

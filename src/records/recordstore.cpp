@@ -1,7 +1,7 @@
 #include "records/recordstore.h"
 
 #include "core/settings.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 
 using namespace Qt::StringLiterals;
 

@@ -4,7 +4,7 @@
 #include "quillon/files/linefile.h"
 #include "quillon/files/safefile.h"
 #include "quillon/files/textcoding.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 #include "records/signaturefiles.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "records/windowlists.h"
 
 #include "core/recipiententry.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 
 using namespace Qt::StringLiterals;
 

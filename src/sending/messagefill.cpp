@@ -2,7 +2,7 @@
 
 #include "core/recipiententry.h"
 #include "quillon/system/platform.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 #include "sending/attachments.h"
 
 using namespace Qt::StringLiterals;

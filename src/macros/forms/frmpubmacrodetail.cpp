@@ -1,5 +1,6 @@
 #include "macros/forms/frmpubmacrodetail.h"
 
+#include "core/recordline.h"
 #include "core/texts.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/text/quillontext.h"
@@ -72,8 +73,8 @@ bool frmPubMacroDetail::save()
     if (!m_task.save) {
         return false;
     }
-    const MacroFault fault = m_task.save({cleanedMacroField(m_ui->txtMacro->text()),
-                                          cleanedMacroField(m_ui->txtString->text()), m_ui->cbbCate->currentText()});
+    const MacroFault fault = m_task.save(
+        {fieldText(m_ui->txtMacro->text()), fieldText(m_ui->txtString->text()), m_ui->cbbCate->currentText()});
     if (fault == MacroFault::None) {
         return true;
     }

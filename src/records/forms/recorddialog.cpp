@@ -1,10 +1,10 @@
 #include "records/forms/recorddialog.h"
 
+#include "core/recordline.h"
 #include "core/texts.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/text/quillonaddress.h"
 #include "quillon/text/quillontext.h"
-#include "records/accountrecords.h"
 #include "records/forms/fieldboxes.h"
 
 #include <QCheckBox>

@@ -3,7 +3,6 @@
 #include "core/texts.h"
 #include "quillon/forms/arraynames.h"
 #include "quillon/forms/boxtext.h"
-#include "records/accountrecords.h"
 #include "records/forms/fieldboxes.h"
 #include "records/forms/renamedelegate.h"
 #include "records/signaturerecords.h"
