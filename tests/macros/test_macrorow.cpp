@@ -1,8 +1,8 @@
 #include "core/recordline.h"
 #include "macros/macrocatalogue.h"
 #include "macros/macrorow.h"
-#include "support/temporarytree.h"
 #include "support/testclock.h"
+#include "support/treefixture.h"
 
 #include <QLocale>
 #include <QTest>
@@ -19,16 +19,12 @@ MacroRow usersRow(const QString &macro, const QString &text)
 
 } // namespace
 
-class TestMacroRow : public QObject {
+class TestMacroRow : public QObject, protected TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_tree = std::make_unique<TemporaryTree>();
-        m_tree->prepare();
-    }
-    void cleanup() { m_tree.reset(); }
+    void init() { makeTree(); }
+    void cleanup() { dropTree(); }
 
     void aLineSplitsIntoItsFourFields();
     void aShortLineIsShownAsFarAsItGoes();
@@ -59,8 +55,6 @@ private Q_SLOTS:
 private:
     [[nodiscard]] const QString &file() const { return m_tree->globals.paths.macrosFile; }
     [[nodiscard]] const ApplicationGlobals &globals() const { return m_tree->globals; }
-
-    std::unique_ptr<TemporaryTree> m_tree;
 };
 
 void TestMacroRow::aLineSplitsIntoItsFourFields()

@@ -1,6 +1,6 @@
 #include "macros/macrocatalogue.h"
 #include "macros/myinformation.h"
-#include "support/temporarytree.h"
+#include "support/treefixture.h"
 
 #include <QTest>
 
@@ -10,16 +10,12 @@
 using namespace Qt::StringLiterals;
 using namespace corvane;
 
-class TestMyInformation : public QObject {
+class TestMyInformation : public QObject, protected TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_tree = std::make_unique<TemporaryTree>();
-        m_tree->prepare();
-    }
-    void cleanup() { m_tree.reset(); }
+    void init() { makeTree(); }
+    void cleanup() { dropTree(); }
 
     void blankMacrosAreFilledAndMoveToTheEnd();
     void aSingleWordNameIsBothNames();
@@ -45,8 +41,6 @@ private:
     [[nodiscard]] const QString &file() const { return m_tree->globals.paths.macrosFile; }
     [[nodiscard]] QStringList lines() const { return m_tree->globals.lines.ReadLines(file()); }
     void sync() const { SyncMyInformation(m_tree->globals); }
-
-    std::unique_ptr<TemporaryTree> m_tree;
 };
 
 void TestMyInformation::blankMacrosAreFilledAndMoveToTheEnd()

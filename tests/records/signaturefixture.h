@@ -1,23 +1,15 @@
 #pragma once
 
 #include "records/signaturerecords.h"
-#include "support/temporarytree.h"
+#include "support/treefixture.h"
 
 #include <QFileInfo>
 
-#include <memory>
 #include <sys/stat.h>
 
 /// Signatures in a data tree that each test gets anew.
-class SignatureFixture {
+class SignatureFixture : protected TreeFixture {
 protected:
-    void makeTree()
-    {
-        m_tree = std::make_unique<TemporaryTree>();
-        m_tree->prepare();
-    }
-
-    [[nodiscard]] corvane::ApplicationGlobals &globals() const { return m_tree->globals; }
     [[nodiscard]] QByteArray list() const { return contentOf(globals().paths.signsFile); }
     void setList(const QByteArray &octets) const { writeFile(globals().paths.signsFile, octets); }
     [[nodiscard]] QString file(const QString &name) const
@@ -44,8 +36,6 @@ protected:
     {
         save(QStringLiteral("M"), name, {}, text, path);
     }
-
-    std::unique_ptr<TemporaryTree> m_tree;
 };
 
 /// What a whole write replaces.

@@ -12,7 +12,7 @@ class TestSignatureContent : public QObject, SignatureFixture {
 
 private Q_SLOTS:
     void init() { makeTree(); }
-    void cleanup() { m_tree.reset(); }
+    void cleanup() { dropTree(); }
 
     void aTextSignatureShowsItsText();
     void aFileSignatureShowsItsPath();

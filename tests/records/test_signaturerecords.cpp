@@ -17,7 +17,7 @@ class TestSignatureRecords : public QObject, SignatureFixture {
 
 private Q_SLOTS:
     void init() { makeTree(); }
-    void cleanup() { m_tree.reset(); }
+    void cleanup() { dropTree(); }
 
     void addAppendsTheLineAndWritesTheText();
     void addWithoutATextWritesNoFile();

@@ -13,7 +13,7 @@ class TestSignatureRename : public QObject, SignatureFixture {
 
 private Q_SLOTS:
     void init() { makeTree(); }
-    void cleanup() { m_tree.reset(); }
+    void cleanup() { dropTree(); }
 
     void renameKeepsThePlaceAndMovesTheText();
     void renameKeepsThePathOfAFileSignature();

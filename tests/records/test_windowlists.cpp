@@ -13,7 +13,7 @@ class TestWindowLists : public QObject, protected AccountFixture {
 
 private Q_SLOTS:
     void init() { makeTree(); }
-    void cleanup() { m_tree.reset(); }
+    void cleanup() { dropTree(); }
 
     void accountBoxGetsTheAddressesAndKeepsItsText();
     void withoutADefaultTheAccountBoxStaysEmpty();
