@@ -1,5 +1,6 @@
 #include "records/forms/frmpuboptions.h"
 
+#include "core/encodingsearch.h"
 #include "core/settings.h"
 #include "core/site.h"
 #include "core/texts.h"
@@ -141,8 +142,9 @@ void frmPubOptions::makeTabs()
     tab(m_senders, u"lsv(0)"_s, buttonsOf(this, u"sbtSender"_s, usualOrder), dialog(u"frmPubSender"_s));
     tab(m_signatures, u"lsv(1)"_s, buttonsOf(this, u"sbtSign"_s, signatureOrder), {});
     m_signatureTab = new SignatureTab(this, m_signatures, m_globals, m_hooks.macroItems);
-    m_settings = new SettingsTab(this, {m_hooks.encodingName ? m_hooks.encodingName : [] { return QString(); },
-                                        [this](const QString &displayName) { return codeOfEncoding(displayName); }});
+    m_settings = new SettingsTab(
+        this, {m_hooks.encodingName ? m_hooks.encodingName : [] { return QString(); },
+               [this](const QString &displayName) { return selectEncodingOfName(m_window, displayName); }});
 }
 
 void frmPubOptions::makePresetMenu(RecordTab *accounts)
@@ -313,18 +315,6 @@ void frmPubOptions::showTest(const QString &key, const std::function<bool(QStrin
     if (focus) {
         focus->setFocus();
     }
-}
-
-QString frmPubOptions::codeOfEncoding(const QString &displayName)
-{
-    for (int i = 0; i < m_window.encodingCount(); ++i) {
-        m_window.selectEncoding(i);
-        const QString entry = m_window.selectedEncoding();
-        if (entry.section(u" | "_s, 1) == displayName) {
-            return entry.section(u" | "_s, 0, 0);
-        }
-    }
-    return {};
 }
 
 void frmPubOptions::closeEvent(QCloseEvent *event)

@@ -68,7 +68,6 @@ private:
     void test();
     /// Shows that a test is under way while @p connects runs, and then how it ended.
     void showTest(const QString &key, const std::function<bool(QString &reason)> &connects);
-    [[nodiscard]] QString codeOfEncoding(const QString &displayName);
 
     ApplicationGlobals &m_globals;
     MessageWindow &m_window;
