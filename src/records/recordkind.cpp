@@ -98,6 +98,15 @@ void saveSignature(ApplicationGlobals &globals, const QString &mode, const QStri
     }
 }
 
+/// The default account is in the settings' memory by now. A line that has no sender names nobody.
+void syncMyInformation(const ApplicationGlobals &globals)
+{
+    const QString record = globals.settings.smtp[0];
+    if (record.count(u'\t') >= AccountSenderAddress) {
+        SyncMyInformation(globals, recordField(record, AccountSenderName), recordField(record, AccountSenderAddress));
+    }
+}
+
 /// The file stands again, empty, where it was deleted; as one rewrite there is no moment without it.
 template <QString DataPaths::*File> void emptyFile(const ApplicationGlobals &globals)
 {
@@ -196,7 +205,7 @@ const RecordKind &accountKind()
         emptyFile<&DataPaths::smtpFile>,
         isDefaultAccount,
         storeDefaultAccount,
-        SyncMyInformation};
+        syncMyInformation};
     return kind;
 }
 

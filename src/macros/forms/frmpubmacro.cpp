@@ -2,6 +2,7 @@
 
 #include "core/texts.h"
 #include "macros/forms/macroitem.h"
+#include "macros/placeholders.h"
 #include "quillon/forms/columnsort.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formregistry.h"
@@ -89,7 +90,7 @@ void frmPubMacro::loadRows()
     const int margin = fontMetrics().averageCharWidth() * 3;
     const QFontMetrics metrics = fontMetrics();
     m_ui->lsv->setColumnWidth(MacroNameColumn,
-                              metrics.horizontalAdvance(u"{Email Address of The Recipient}"_s) + margin);
+                              metrics.horizontalAdvance(QString::fromUtf16(recipientAddress)) + margin);
     m_ui->lsv->setColumnWidth(MacroSampleColumn, metrics.averageCharWidth() * 46);
 }
 
