@@ -90,10 +90,10 @@ bool isDefaultSignature(const ApplicationGlobals &globals, const QString &line)
     return !standard.isEmpty() && signatureName(line) == standard;
 }
 
-void saveSignature(ApplicationGlobals &globals, const QString &mode, const QStringList &keys, const RecordEdit &edit)
+void saveSignature(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit)
 {
     Q_UNUSED(edit)
-    if (mode == "D"_L1) {
+    if (change == RecordChange::Delete) {
         deleteSignatures(globals, keys);
     }
 }
@@ -125,7 +125,7 @@ void appendSignature(const ApplicationGlobals &globals, const QString &line)
 
 void clearSignatures(const ApplicationGlobals &globals)
 {
-    SaveSignatureRecord(globals, u"C"_s, {}, {}, {}, {});
+    SaveSignatureRecord(globals, SignatureChange::Clear, {}, {}, {}, {});
 }
 
 } // namespace

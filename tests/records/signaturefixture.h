@@ -27,14 +27,14 @@ protected:
         return files;
     }
 
-    bool save(const QString &mode, const QString &name, const QString &newName, const QString &text = {},
+    bool save(corvane::SignatureChange change, const QString &name, const QString &newName, const QString &text = {},
               const QString &path = {}) const
     {
-        return corvane::SaveSignatureRecord(globals(), mode, name, newName, text, path);
+        return corvane::SaveSignatureRecord(globals(), change, name, newName, text, path);
     }
     void modify(const QString &name, const QString &text, const QString &path = {}) const
     {
-        save(QStringLiteral("M"), name, {}, text, path);
+        save(corvane::SignatureChange::Modify, name, {}, text, path);
     }
 };
 
