@@ -140,7 +140,7 @@ void Program::loadLists()
 void Program::refillMainWindow()
 {
     m_refilling = true;
-    LoadSenderLists(MainWindowBoxes, m_globals, m_main->message());
+    LoadSenderLists(m_globals, m_main->message());
     m_main->setSignatureMenu(signatureNames(m_globals), m_globals.settings.signature[SignatureDefault]);
     LoadSmtpLists(m_globals, m_main->message());
     m_refilling = false;

@@ -40,9 +40,8 @@ void LoadSmtpLists(const ApplicationGlobals &globals, MessageWindow &window)
     }
 }
 
-void LoadSenderLists(SenderTarget target, const ApplicationGlobals &globals, MessageWindow &window)
+void LoadSenderLists(const ApplicationGlobals &globals, MessageWindow &window)
 {
-    Q_UNUSED(target)
     QStringList entries;
     const QStringList lines = globals.lines.ReadLines(globals.paths.sendersFile);
     for (const QString &line : lines) {
