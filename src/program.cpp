@@ -8,6 +8,7 @@
 #include "macros/forms/frmpubmacro.h"
 #include "macros/forms/frmpubmacrodetail.h"
 #include "macros/macrocatalogue.h"
+#include "quillon/forms/windowservices.h"
 #include "recipients/forms/frmpubprompt.h"
 #include "records/accountrecords.h"
 #include "records/forms/frmpubproxy.h"
@@ -243,8 +244,8 @@ bool Program::eventFilter(QObject *watched, QEvent *event)
 
 void Program::closeHelp() const
 {
-    if (QWidget *help = m_globals.system.FindWindowByTitle(u"Corvane Help"_s)) {
-        m_globals.system.SendWindowMessage(help, closeMessage, 0, 0);
+    if (QWidget *help = quillon::QuillonWindows().FindWindowByTitle(u"Corvane Help"_s)) {
+        quillon::QuillonWindows().SendWindowMessage(help, closeMessage, 0, 0);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "composer/richeditor.h"
 #include "mainfixture.h"
+#include "quillon/forms/windowservices.h"
 
 #include <QDateEdit>
 #include <QSignalSpy>
@@ -279,8 +280,8 @@ void TestMainMessage::anEncodingFromTheMenuGoesToTheBox()
     QVERIFY2(second->isChecked(), "picking it again must not take the mark away");
     QVERIFY(main.message().pblnChanged);
     // It stands at a fixed place: item 7 of menu 4.
-    QMenuBar *bar = main.globals().system.GetMenuHandle(main.window.get());
-    QMenu *menu = main.globals().system.GetSubMenuHandle(main.globals().system.GetSubMenuHandle(bar, 4), 7);
+    QMenuBar *bar = quillon::QuillonWindows().GetMenuHandle(main.window.get());
+    QMenu *menu = quillon::QuillonWindows().GetSubMenuHandle(quillon::QuillonWindows().GetSubMenuHandle(bar, 4), 7);
     QVERIFY(menu && menu->actions().contains(second));
 }
 

@@ -7,7 +7,7 @@
 #include "quillon/forms/arraynames.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formregistry.h"
-#include "quillon/text/quillontext.h"
+#include "quillon/forms/formtexts.h"
 #include "records/accountpresets.h"
 #include "records/connectiontest.h"
 #include "records/forms/recordtab.h"
@@ -109,8 +109,8 @@ frmPubOptions::frmPubOptions(ApplicationGlobals &globals, MessageWindow &window,
     makeTabs();
     connectButtons();
     addKeys();
-    quillon::QuillonText().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
-    quillon::QuillonText().ApplyMenuTexts(this, languageFolder() + u"/menus.dll"_s);
+    quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
+    quillon::QuillonFormTexts().ApplyMenuTexts(this, languageFolder() + u"/menus.dll"_s);
     keepCaptions(this);
     connect(m_ui->sst, &QTabWidget::currentChanged, this, &frmPubOptions::ShowOptionsTab);
     m_ui->sst->setCurrentIndex(ProxyTab);
