@@ -139,7 +139,7 @@ void frmPubMain::prepareContent()
 void frmPubMain::makeConcerns()
 {
     MainControls &c = *m_controls;
-    m_account = new AccountFields(c.cbb[6], {{{c.cbb[0], c.opt[0], c.opt[1]}, {c.cbb[1], c.opt[2], c.opt[3]}}}, m_hooks.findSmtpRecord,
+    m_account = new AccountFields(c.cbb[6], {{{c.cbb[0], c.opt[0]}, {c.cbb[1], c.opt[2]}}}, m_hooks.findSmtpRecord,
                                   m_globals.sender);
     m_encodings =
         new EncodingChoice(c.cbb[2], c.cbb[3], findChild<QMenu *>(u"menoes"_s), findChild<QAction *>(u"menoesa(0)"_s));

@@ -44,7 +44,6 @@ public:
 
     [[nodiscard]] MessageWindow &message() { return *m_message; }
     [[nodiscard]] const CommandTable &commands() const { return *m_commands; }
-    [[nodiscard]] ContentLayout &layoutOfContent() { return *m_layout; }
     /// The display name of the encoding that is set as the default; see EncodingChoice::displayName().
     QString EncodingDisplayName();
     /// Priority Normal, format mark Plain, no receipt, not one by one.

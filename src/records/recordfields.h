@@ -34,7 +34,6 @@ inline constexpr int proxyFieldCount = 7;
 
 /// Fields of a custom sender's line, from 0.
 enum SenderField { SenderName, SenderAddress, SenderRemark };
-inline constexpr int senderFieldCount = 3;
 
 /// Fields of a signature's line, from 0. The path is empty for a signature whose text the program keeps.
 enum SignatureField { SignatureName, SignaturePath };
