@@ -8,6 +8,7 @@
 #include "macros/forms/frmpubmacro.h"
 #include "macros/forms/frmpubmacrodetail.h"
 #include "macros/macrocatalogue.h"
+#include "quillon/forms/windowservices.h"
 #include "recipients/forms/frmpubprompt.h"
 #include "records/accountrecords.h"
 #include "records/forms/frmpubproxy.h"
@@ -141,7 +142,7 @@ void Program::loadLists()
 void Program::refillMainWindow()
 {
     m_refilling = true;
-    LoadSenderLists(MainWindowBoxes, m_globals, m_main->message(), m_main->view());
+    LoadSenderLists(m_globals, m_main->message(), m_main->view());
     m_main->setSignatureMenu(signatureNames(m_globals), m_globals.settings.signature[SignatureDefault]);
     LoadSmtpLists(m_globals, m_main->message(), m_main->view());
     m_refilling = false;
@@ -244,8 +245,8 @@ bool Program::eventFilter(QObject *watched, QEvent *event)
 
 void Program::closeHelp() const
 {
-    if (QWidget *help = m_globals.system.FindWindowByTitle(u"Corvane Help"_s)) {
-        m_globals.system.SendWindowMessage(help, closeMessage, 0, 0);
+    if (QWidget *help = quillon::QuillonWindows().FindWindowByTitle(u"Corvane Help"_s)) {
+        quillon::QuillonWindows().SendWindowMessage(help, closeMessage, 0, 0);
     }
 }
 

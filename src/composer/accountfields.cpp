@@ -3,6 +3,7 @@
 #include "composer/controltext.h"
 #include "core/recipiententry.h"
 #include "records/accountrecords.h"
+#include "records/recordfields.h"
 
 #include <QAbstractButton>
 #include <QComboBox>

@@ -23,8 +23,7 @@ public:
 
     struct Follower {
         QComboBox *box;
-        QAbstractButton *actual;
-        QAbstractButton *custom;
+        QAbstractButton *actual; ///< off: the user's own choice
     };
 
     /// @p standard is the default sender, read at the moment of use.

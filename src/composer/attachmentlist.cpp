@@ -2,6 +2,7 @@
 
 #include "core/texts.h"
 #include "quillon/fault.h"
+#include "quillon/forms/windowservices.h"
 
 #include <QDirIterator>
 #include <QFileInfo>
@@ -91,7 +92,7 @@ bool AttachmentList::hasKey(const QString &key) const
 
 void AttachmentList::add(const QString &path, const QString &key)
 {
-    auto *row = new QListWidgetItem(m_system.DrawFileIcon(path), rowText(path), m_list);
+    auto *row = new QListWidgetItem(quillon::QuillonWindows().DrawFileIcon(path), rowText(path), m_list);
     row->setData(PathRole, path);
     row->setData(KeyRole, key);
     row->setToolTip(path);

@@ -17,7 +17,6 @@ public:
 
     void toggle() { setExpanded(!m_expanded); }
     void setExpanded(bool on);
-    [[nodiscard]] bool isExpanded() const { return m_expanded; }
 
 private:
     QWidget *m_header;

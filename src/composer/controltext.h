@@ -9,7 +9,6 @@ class QComboBox;
 namespace corvane {
 
 using quillon::textOf;
-using quillon::withCrLf;
 
 /// Sets the text of an editable combo box, listed or not, and says so once, if the text is another one.
 void setComboText(QComboBox *box, const QString &text);

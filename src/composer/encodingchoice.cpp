@@ -2,6 +2,7 @@
 
 #include "composer/controltext.h"
 #include "composer/menuitemarray.h"
+#include "quillon/mail/encodinglist.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -31,11 +32,9 @@ void EncodingChoice::fill(const QString &entries)
 {
     QStringList pairs;
     QStringList names;
-    for (const QString &entry : entries.split(u" || "_s, Qt::SkipEmptyParts)) {
-        if (!entry.startsWith(u'_')) {
-            pairs.append(entry);
-            names.append(entry.section(u" | "_s, 1));
-        }
+    for (const quillon::EncodingEntry &entry : quillon::offeredEncodings(entries)) {
+        pairs.append(entry.format());
+        names.append(entry.Name);
     }
     m_hidden->clear();
     m_hidden->addItems(pairs);
@@ -57,9 +56,9 @@ QString EncodingChoice::displayName(const QString &code)
     }
     for (int i = 0; i < m_hidden->count(); ++i) {
         m_hidden->setCurrentIndex(i);
-        const QString entry = m_hidden->currentText();
-        if (entry.section(u" | "_s, 0, 0) == code) {
-            return entry.section(u" | "_s, 1);
+        const auto entry = quillon::EncodingEntry::parse(m_hidden->currentText());
+        if (entry && entry->Code == code) {
+            return entry->Name;
         }
     }
     return {};

@@ -18,8 +18,7 @@ public:
     /// @p base is the menu's hidden first item, `menoesa(0)`; the offered ones follow it.
     EncodingChoice(QComboBox *shown, QComboBox *hidden, QMenu *menu, QAction *base);
 
-    /// Fills boxes and menu from entries of code, " | ", display name, separated by " || ". Entries that begin with
-    /// "_" are not offered.
+    /// Fills boxes and menu with those encodings of a list that are offered; see quillon::offeredEncodings().
     void fill(const QString &entries);
 
     /// The display name of a code: selects the hidden entries one by one up to the match, or all when there is none,

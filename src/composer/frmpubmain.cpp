@@ -21,8 +21,10 @@
 #include "composer/windowplacement.h"
 #include "core/texts.h"
 #include "quillon/forms/arraynames.h"
+#include "quillon/forms/formtexts.h"
+#include "quillon/forms/windowservices.h"
 #include "quillon/system/platform.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 
 #include <QActionGroup>
 #include <QCloseEvent>
@@ -137,8 +139,8 @@ void frmPubMain::prepareContent()
 void frmPubMain::makeConcerns()
 {
     MainControls &c = *m_controls;
-    m_account = new AccountFields(c.cbb[6], {{{c.cbb[0], c.opt[0], c.opt[1]}, {c.cbb[1], c.opt[2], c.opt[3]}}},
-                                  m_hooks.findSmtpRecord, m_globals.sender);
+    m_account = new AccountFields(c.cbb[6], {{{c.cbb[0], c.opt[0]}, {c.cbb[1], c.opt[2]}}}, m_hooks.findSmtpRecord,
+                                  m_globals.sender);
     m_encodings =
         new EncodingChoice(c.cbb[2], c.cbb[3], findChild<QMenu *>(u"menoes"_s), findChild<QAction *>(u"menoesa(0)"_s));
     m_edit = new EditCommands(this);
@@ -216,8 +218,8 @@ void frmPubMain::load()
 
 void frmPubMain::applyTexts()
 {
-    m_globals.text.ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
-    m_globals.text.ApplyMenuTexts(this, languageFolder() + u"/menus.dll"_s);
+    quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
+    quillon::QuillonFormTexts().ApplyMenuTexts(this, languageFolder() + u"/menus.dll"_s);
     setAccessibleNames(this);
 }
 
@@ -282,7 +284,7 @@ void frmPubMain::setMacroMenu(const QStringList &captions)
 
 void frmPubMain::insertMacro(const QString &macro)
 {
-    m_globals.system.SetClipboardText(macro);
+    quillon::QuillonWindows().SetClipboardText(macro);
     if (m_hooks.insertIntoSignature && m_hooks.insertIntoSignature(macro)) {
         return;
     }

@@ -46,7 +46,6 @@ public:
     [[nodiscard]] Message &message() { return *m_message; }
     [[nodiscard]] Window &view() { return *m_view; }
     [[nodiscard]] const CommandTable &commands() const { return *m_commands; }
-    [[nodiscard]] ContentLayout &layoutOfContent() { return *m_layout; }
     /// The display name of the encoding that is set as the default; see EncodingChoice::displayName().
     QString EncodingDisplayName();
     /// Priority Normal, format mark Plain, no receipt, not one by one.

@@ -5,6 +5,7 @@
 #include "composer/contentviews.h"
 #include "composer/controltext.h"
 #include "composer/richeditor.h"
+#include "quillon/text/lineends.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -13,19 +14,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
-using namespace Qt::StringLiterals;
-
 namespace corvane {
-
-namespace {
-
-/// A field of one line holds one line, even when several were pasted into it.
-QString inOneLine(const QString &text)
-{
-    return withCrLf(text).replace(u"\r\n"_s, u" "_s);
-}
-
-} // namespace
 
 MainWindowMessage::MainWindowMessage(const MainControls &controls, const Rules &rules)
     : m_controls(controls), m_rules(rules)
@@ -35,14 +24,15 @@ MainWindowMessage::MainWindowMessage(const MainControls &controls, const Rules &
 QString MainWindowMessage::text(Field field) const
 {
     QWidget *holder = m_controls.holderOf(field);
+    // A field of one line holds one line, even when several were pasted into it.
     if (const auto *combo = qobject_cast<QComboBox *>(holder)) {
-        return inOneLine(combo->currentText());
+        return quillon::onOneLine(combo->currentText());
     }
     if (const auto *box = qobject_cast<QPlainTextEdit *>(holder)) {
         return textOf(box);
     }
     if (const auto *line = qobject_cast<QLineEdit *>(holder)) {
-        return inOneLine(line->text());
+        return quillon::onOneLine(line->text());
     }
     return m_controls.dhe->documentHtml();
 }
@@ -56,7 +46,7 @@ void MainWindowMessage::setText(Field field, const QString &text)
             m_rules.account.follow(); // the same address may have another record by now
         }
     } else if (auto *box = qobject_cast<QPlainTextEdit *>(holder)) {
-        box->setPlainText(withCrLf(text));
+        box->setPlainText(quillon::withCrLf(text));
     } else if (auto *line = qobject_cast<QLineEdit *>(holder)) {
         line->setText(text);
     } else {

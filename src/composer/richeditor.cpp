@@ -1,6 +1,6 @@
 #include "composer/richeditor.h"
 
-#include "composer/controltext.h"
+#include "quillon/text/lineends.h"
 
 namespace corvane {
 
@@ -16,7 +16,7 @@ QString RichEditor::documentHtml() const
 
 void RichEditor::setDocumentHtml(const QString &source)
 {
-    m_source = withCrLf(source);
+    m_source = quillon::withCrLf(source);
 }
 
 } // namespace corvane

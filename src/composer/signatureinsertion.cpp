@@ -2,8 +2,8 @@
 
 #include "composer/editcommands.h"
 #include "composer/menuitemarray.h"
+#include "quillon/forms/windowservices.h"
 #include "quillon/mail/htmltext.h"
-#include "quillon/system/quillonsystem.h"
 
 #include <QAction>
 #include <QMenu>
@@ -60,7 +60,7 @@ void SignatureInsertion::insert(const QString &caption)
     const SignatureText signature = m_find(name);
     const QString text = plainTextOf(signature);
     if (!text.isEmpty()) {
-        quillon::QuillonSystem().SetClipboardText(text);
+        quillon::QuillonWindows().SetClipboardText(text);
         m_edit.paste();
     }
 }

@@ -1,5 +1,6 @@
 #include "core/recipiententry.h"
 
+#include "quillon/text/lineends.h"
 #include "quillon/text/quillonaddress.h"
 
 using namespace Qt::StringLiterals;
@@ -41,11 +42,7 @@ QString toRecipientEntry(const QString &name, const QString &address)
 
 QString trimmedEntry(const QString &piece)
 {
-    QString entry = piece.trimmed();
-    entry.replace(u"\r\n"_s, u" "_s);
-    entry.replace(u'\n', u' ');
-    entry.replace(u'\r', u' ');
-    return entry;
+    return quillon::onOneLine(piece.trimmed());
 }
 
 QStringList splitRecipients(const QString &text)

@@ -3,6 +3,7 @@
 #include "macros/macrocatalogue.h"
 #include "macros/moments.h"
 #include "macros/orderedreplacement.h"
+#include "macros/placeholders.h"
 
 #include <optional>
 
@@ -12,50 +13,28 @@ namespace corvane {
 
 namespace {
 
-struct RecipientValues {
-    QString fullName;
-    QString address;
-    QString firstName;
-    QString lastName;
-};
-
 RecipientValues valuesOf(const quillon::MailMessage &message)
 {
-    RecipientValues values;
     for (const quillon::MailAddressList *list : {&message.To, &message.CC, &message.BCC}) {
         if (list->Count() == 0) {
             continue;
         }
         const quillon::MailAddress &recipient = list->Item(1);
-        values.address = recipient.Address;
         const qsizetype at = recipient.Address.indexOf(u'@');
-        values.fullName = !recipient.Name.trimmed().isEmpty() ? recipient.Name
-                          : at >= 0                           ? recipient.Address.first(at)
-                                                              : QString();
-        break;
+        const QString name = !recipient.Name.trimmed().isEmpty() ? recipient.Name
+                             : at >= 0                           ? recipient.Address.first(at)
+                                                                 : QString();
+        return {name, recipient.Address};
     }
-    const QStringList words = values.fullName.split(u' ');
-    values.firstName = words.constFirst();
-    values.lastName = words.constLast();
-    return values;
+    return {};
 }
 
 /// What a line's placeholder turns into now; nothing when it stays as it is.
 std::optional<QString> replacement(const QStringList &fields, const RecipientValues &values)
 {
-    const auto unlessEmpty = [](const QString &text) { return text.isEmpty() ? std::nullopt : std::optional(text); };
     const QString &key = fields.constFirst();
-    if (key == "{First Name of The Recipient}"_L1) {
-        return unlessEmpty(values.firstName);
-    }
-    if (key == "{Last Name of The Recipient}"_L1) {
-        return unlessEmpty(values.lastName);
-    }
-    if (key == "{Full Name of The Recipient}"_L1) {
-        return unlessEmpty(values.fullName);
-    }
-    if (key == "{Email Address of The Recipient}"_L1) {
-        return unlessEmpty(values.address);
+    if (auto text = recipientText(key, values)) {
+        return text->isEmpty() ? std::nullopt : text;
     }
     if (auto moment = momentText(key)) {
         return moment;

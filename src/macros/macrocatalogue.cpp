@@ -1,5 +1,6 @@
 #include "macros/macrocatalogue.h"
 
+#include "macros/placeholders.h"
 #include "quillon/fault.h"
 #include "quillon/files/linefile.h"
 
@@ -20,20 +21,20 @@ struct Predefined {
 };
 
 constexpr std::array<Predefined, 20> predefined = {{
-    {u"{First Name of The Recipient}", u"Recipient Information", u"D"},
-    {u"{Last Name of The Recipient}", u"Recipient Information", u"D"},
-    {u"{Full Name of The Recipient}", u"Recipient Information", u"D"},
-    {u"{Email Address of The Recipient}", u"Recipient Information", u"D"},
-    {u"{Long Date}", u"Sending Date and Time", u"D"},
-    {u"{Short Date}", u"Sending Date and Time", u"D"},
-    {u"{Long Time}", u"Sending Date and Time", u"D"},
-    {u"{Short Time}", u"Sending Date and Time", u"D"},
-    {u"{Long Date and Time}", u"Sending Date and Time", u"D"},
-    {u"{Short Date and Time}", u"Sending Date and Time", u"D"},
-    {u"{My First Name}", u"My Information", u"U"},
-    {u"{My Last Name}", u"My Information", u"U"},
-    {u"{My Full Name}", u"My Information", u"U"},
-    {u"{My Email Address}", u"My Information", u"U"},
+    {recipientFirstName, u"Recipient Information", u"D"},
+    {recipientLastName, u"Recipient Information", u"D"},
+    {recipientFullName, u"Recipient Information", u"D"},
+    {recipientAddress, u"Recipient Information", u"D"},
+    {longDate, u"Sending Date and Time", u"D"},
+    {shortDate, u"Sending Date and Time", u"D"},
+    {longTime, u"Sending Date and Time", u"D"},
+    {shortTime, u"Sending Date and Time", u"D"},
+    {longDateAndTime, u"Sending Date and Time", u"D"},
+    {shortDateAndTime, u"Sending Date and Time", u"D"},
+    {myFirstName, u"My Information", u"U"},
+    {myLastName, u"My Information", u"U"},
+    {myFullName, u"My Information", u"U"},
+    {myAddress, u"My Information", u"U"},
     {u"{My Website}", u"My Information", u"U"},
     {u"{My Company Name}", u"My Information", u"U"},
     {u"{My Tel No.}", u"My Information", u"U"},

@@ -2,6 +2,7 @@
 
 #include "macros/macrocatalogue.h"
 #include "macros/moments.h"
+#include "macros/placeholders.h"
 #include "quillon/files/linefile.h"
 
 #include <QSet>
@@ -35,31 +36,11 @@ QList<MacroRow> macroRows(const ApplicationGlobals &globals)
 
 std::optional<QString> sampleText(const QString &macro)
 {
-    const QString name = QString::fromUtf16(sampleRecipient);
-    if (macro == "{First Name of The Recipient}"_L1) {
-        return name.section(u' ', 0, 0);
-    }
-    if (macro == "{Last Name of The Recipient}"_L1) {
-        return name.section(u' ', -1);
-    }
-    if (macro == "{Full Name of The Recipient}"_L1) {
-        return name;
-    }
-    if (macro == "{Email Address of The Recipient}"_L1) {
-        return QString::fromUtf16(sampleAddress);
+    const RecipientValues sample(QString::fromUtf16(sampleRecipient), QString::fromUtf16(sampleAddress));
+    if (auto text = recipientText(macro, sample)) {
+        return text;
     }
     return momentText(macro);
-}
-
-QString cleanedMacroField(QString text)
-{
-    for (QChar &character : text) {
-        if (character == u'\t' || character == u'\r' || character == u'\n' || character == QChar::LineSeparator ||
-            character == QChar::ParagraphSeparator) {
-            character = u' ';
-        }
-    }
-    return text.trimmed();
 }
 
 MacroFault checkMacro(const MacroRow &row, const QStringList &present, qsizetype own)

@@ -37,10 +37,6 @@ struct MacroRow {
 /// nothing for a macro that shows its own text.
 [[nodiscard]] std::optional<QString> sampleText(const QString &macro);
 
-/// What a user typed, as it can stand in a line of four fields: tabs and line ends, which only a paste can bring,
-/// become blanks, and the text is trimmed.
-[[nodiscard]] QString cleanedMacroField(QString text);
-
 /// What is wrong with a macro.
 enum class MacroFault {
     None,
@@ -49,8 +45,9 @@ enum class MacroFault {
     Exists,       ///< another row has this placeholder
 };
 
-/// Tests a cleaned row against the placeholders of all rows, exact in case. @p own is the index of the row that is
-/// edited and may keep its placeholder, -1 when a macro is added. The faults are looked for in the order of the enum.
+/// Tests a row, its texts as fieldText() gives them, against the placeholders of all rows, exact in case. @p own is the
+/// index of the row that is edited and may keep its placeholder, -1 when a macro is added. The faults are looked for in
+/// the order of the enum.
 [[nodiscard]] MacroFault checkMacro(const MacroRow &row, const QStringList &present, qsizetype own);
 /// The message key of a fault; empty for none.
 [[nodiscard]] QString messageKeyOf(MacroFault fault);

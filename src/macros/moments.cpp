@@ -1,5 +1,6 @@
 #include "macros/moments.h"
 
+#include "macros/placeholders.h"
 #include "quillon/system/platform.h"
 
 #include <QLocale>
@@ -16,12 +17,9 @@ struct Moment {
 };
 
 constexpr Moment moments[] = {
-    {u"{Long Date}", true, false, QLocale::LongFormat},
-    {u"{Short Date}", true, false, QLocale::ShortFormat},
-    {u"{Long Time}", false, true, QLocale::LongFormat},
-    {u"{Short Time}", false, true, QLocale::ShortFormat},
-    {u"{Long Date and Time}", true, true, QLocale::LongFormat},
-    {u"{Short Date and Time}", true, true, QLocale::ShortFormat},
+    {longDate, true, false, QLocale::LongFormat},       {shortDate, true, false, QLocale::ShortFormat},
+    {longTime, false, true, QLocale::LongFormat},       {shortTime, false, true, QLocale::ShortFormat},
+    {longDateAndTime, true, true, QLocale::LongFormat}, {shortDateAndTime, true, true, QLocale::ShortFormat},
 };
 
 QString textOf(const Moment &moment)

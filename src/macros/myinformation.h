@@ -5,9 +5,8 @@
 namespace corvane {
 
 /// Fills those of the macros {My First Name}, {My Last Name}, {My Full Name} and {My Email Address} that have no text
-/// yet from the default account's line, which must be in the settings' memory already. A filled macro moves to the end
-/// of macros.dll; one that has a text, or that was deleted, is left alone. Without a default account nothing changes.
-/// The file is rewritten once, so that a kill loses no macro.
-void SyncMyInformation(const ApplicationGlobals &globals);
+/// yet from the name and the address of who sends. A filled macro moves to the end of macros.dll; one that has a text,
+/// or that was deleted, is left alone. The file is rewritten once, so that a kill loses no macro.
+void SyncMyInformation(const ApplicationGlobals &globals, const QString &name, const QString &address);
 
 } // namespace corvane

@@ -1,6 +1,6 @@
 #include "message/plainmessage.h"
 
-using namespace Qt::StringLiterals;
+#include "quillon/text/lineends.h"
 
 namespace corvane {
 
@@ -22,9 +22,8 @@ QString contentOf(const Message &message, Message::Format format)
 
 QString PlainMessage::text(Field field) const
 {
-    QString text = m_texts.value(field);
-    text.replace(u"\r\n"_s, u"\n"_s);
-    return text.replace(u'\n', isOneLine(field) ? u" "_s : u"\r\n"_s);
+    const QString text = m_texts.value(field);
+    return isOneLine(field) ? quillon::onOneLine(text) : quillon::withCrLf(text);
 }
 
 void PlainMessage::setText(Field field, const QString &text)

@@ -1,6 +1,6 @@
 #include "records/accountpresets.h"
 
-#include "records/accountrecords.h"
+#include "core/recordline.h"
 
 using namespace Qt::StringLiterals;
 

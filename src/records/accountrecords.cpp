@@ -2,36 +2,11 @@
 
 #include "core/recipiententry.h"
 #include "quillon/text/quillonaddress.h"
+#include "records/recordfields.h"
 
 using namespace Qt::StringLiterals;
 
 namespace corvane {
-
-QString fieldText(const QString &text)
-{
-    QString clean = text;
-    clean.replace(u"\r\n"_s, u" "_s);
-    for (QChar &letter : clean) {
-        if (letter.category() == QChar::Other_Control) {
-            letter = u' ';
-        }
-    }
-    return clean.trimmed();
-}
-
-QString recordLine(const QStringList &fields)
-{
-    QStringList clean;
-    for (const QString &field : fields) {
-        clean.append(fieldText(field));
-    }
-    return clean.join(u'\t');
-}
-
-QString recordField(const QString &record, int field)
-{
-    return record.section(u'\t', field, field);
-}
 
 QString FindSmtpRecord(const ApplicationGlobals &globals, const QString &address)
 {

@@ -1,6 +1,6 @@
 #include "records/connectiontest.h"
 
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 #include "records/transportsettings.h"
 
 #include <QScopedValueRollback>

@@ -1,7 +1,7 @@
 #include "records/recordkind.h"
 
 #include "macros/myinformation.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 #include "records/signaturerecords.h"
 
 using namespace Qt::StringLiterals;
@@ -90,11 +90,20 @@ bool isDefaultSignature(const ApplicationGlobals &globals, const QString &line)
     return !standard.isEmpty() && signatureName(line) == standard;
 }
 
-void saveSignature(ApplicationGlobals &globals, const QString &mode, const QStringList &keys, const RecordEdit &edit)
+void saveSignature(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit)
 {
     Q_UNUSED(edit)
-    if (mode == "D"_L1) {
+    if (change == RecordChange::Delete) {
         deleteSignatures(globals, keys);
+    }
+}
+
+/// The default account is in the settings' memory by now. A line that has no sender names nobody.
+void syncMyInformation(const ApplicationGlobals &globals)
+{
+    const QString record = globals.settings.smtp[0];
+    if (record.count(u'\t') >= AccountSenderAddress) {
+        SyncMyInformation(globals, recordField(record, AccountSenderName), recordField(record, AccountSenderAddress));
     }
 }
 
@@ -116,7 +125,7 @@ void appendSignature(const ApplicationGlobals &globals, const QString &line)
 
 void clearSignatures(const ApplicationGlobals &globals)
 {
-    SaveSignatureRecord(globals, u"C"_s, {}, {}, {}, {});
+    SaveSignatureRecord(globals, SignatureChange::Clear, {}, {}, {}, {});
 }
 
 } // namespace
@@ -196,7 +205,7 @@ const RecordKind &accountKind()
         emptyFile<&DataPaths::smtpFile>,
         isDefaultAccount,
         storeDefaultAccount,
-        SyncMyInformation};
+        syncMyInformation};
     return kind;
 }
 

@@ -41,8 +41,8 @@ struct RecordKind {
     QString (*key)(const QString &line);
     /// Adds a record's line to the file.
     void (*append)(const ApplicationGlobals &globals, const QString &line);
-    /// Changes the file: see SaveSmtpRecord(). A kind that is edited in other ways knows the mode "D" only.
-    void (*save)(ApplicationGlobals &globals, const QString &mode, const QStringList &keys, const RecordEdit &edit);
+    /// Changes the file: see SaveSmtpRecord(). A kind that is edited in other ways knows RecordChange::Delete only.
+    void (*save)(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit);
     /// Empties the file.
     void (*clear)(const ApplicationGlobals &globals);
 

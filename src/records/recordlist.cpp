@@ -31,7 +31,7 @@ void RecordList::change(const QString &line)
 {
     const int row = present();
     const RecordEdit edit = {presentLine(), line};
-    m_kind.save(m_globals, m_model.isMarked(row) ? QStringLiteral("ED") : QStringLiteral("EN"), {}, edit);
+    m_kind.save(m_globals, m_model.isMarked(row) ? RecordChange::EditDefault : RecordChange::Edit, {}, edit);
     m_model.replace(row, line);
 }
 
@@ -48,7 +48,7 @@ void RecordList::deleteSelected()
         keys.append(m_kind.key(m_model.line(index.row())));
     }
     if (!rows.isEmpty()) {
-        m_kind.save(m_globals, QStringLiteral("D"), keys, {});
+        m_kind.save(m_globals, RecordChange::Delete, keys, {});
         m_model.remove(rows);
     }
     if (isEmpty()) {

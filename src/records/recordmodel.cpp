@@ -1,6 +1,6 @@
 #include "records/recordmodel.h"
 
-#include "records/accountrecords.h"
+#include "core/recordline.h"
 
 #include <algorithm>
 #include <numeric>

@@ -1,7 +1,7 @@
 #include "records/recordstore.h"
 
 #include "core/settings.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 
 using namespace Qt::StringLiterals;
 
@@ -17,15 +17,15 @@ struct Store {
     void (*storeDefault)(ApplicationGlobals &globals, const QString &line);
 };
 
-void saveRecord(ApplicationGlobals &globals, const Store &store, const QString &mode, const QStringList &keys,
+void saveRecord(ApplicationGlobals &globals, const Store &store, RecordChange change, const QStringList &keys,
                 const RecordEdit &edit)
 {
-    if (mode == "D"_L1) {
+    if (change == RecordChange::Delete) {
         globals.lines.DeleteLinesByKeys(store.path, keys, store.delimiter, store.keyField);
         return;
     }
     globals.lines.ReplaceLine(store.path, edit.oldLine, edit.newLine, QString(), 0);
-    if (mode == "ED"_L1) {
+    if (change == RecordChange::EditDefault) {
         store.storeDefault(globals, edit.newLine);
     }
 }
@@ -38,19 +38,19 @@ void storeEditedAccount(ApplicationGlobals &globals, const QString &line)
 
 } // namespace
 
-void SaveSmtpRecord(ApplicationGlobals &globals, const QString &mode, const QStringList &keys, const RecordEdit &edit)
+void SaveSmtpRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit)
 {
-    saveRecord(globals, {globals.paths.smtpFile, {}, 0, &storeEditedAccount}, mode, keys, edit);
+    saveRecord(globals, {globals.paths.smtpFile, {}, 0, &storeEditedAccount}, change, keys, edit);
 }
 
-void SaveProxyRecord(ApplicationGlobals &globals, const QString &mode, const QStringList &keys, const RecordEdit &edit)
+void SaveProxyRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit)
 {
-    saveRecord(globals, {globals.paths.proxyFile, {}, 0, &storeDefaultProxy}, mode, keys, edit);
+    saveRecord(globals, {globals.paths.proxyFile, {}, 0, &storeDefaultProxy}, change, keys, edit);
 }
 
-void SaveSenderRecord(ApplicationGlobals &globals, const QString &mode, const QStringList &keys, const RecordEdit &edit)
+void SaveSenderRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit)
 {
-    saveRecord(globals, {globals.paths.sendersFile, u"\t"_s, SenderAddress, &storeDefaultSender}, mode, keys, edit);
+    saveRecord(globals, {globals.paths.sendersFile, u"\t"_s, SenderAddress, &storeDefaultSender}, change, keys, edit);
 }
 
 void storeDefaultAccount(ApplicationGlobals &globals, const QString &line)

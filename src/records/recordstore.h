@@ -13,18 +13,23 @@ struct RecordEdit {
     QString newLine;
 };
 
-/// Changes the accounts' file. Modes: "EN" puts the new line of @p edit in place of its old one; "ED" does the same to
-/// the default account, which stays the default; "D" deletes all lines that equal one of @p keys, with one rewrite.
-/// A line that is not there changes nothing.
-void SaveSmtpRecord(ApplicationGlobals &globals, const QString &mode, const QStringList &keys,
+/// What is done to records.
+enum class RecordChange {
+    Edit,        ///< the new line of an edit takes the place of its old one
+    EditDefault, ///< the same to the default record, which stays the default
+    Delete,      ///< all lines that keys tell go, with one rewrite
+};
+
+/// Changes the accounts' file; an account's key is its whole line. A line that is not there changes nothing.
+void SaveSmtpRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys,
                     const RecordEdit &edit = {});
 
 /// The same for the proxy servers.
-void SaveProxyRecord(ApplicationGlobals &globals, const QString &mode, const QStringList &keys,
+void SaveProxyRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys,
                      const RecordEdit &edit = {});
 
 /// The same for the custom senders, whose keys are email addresses: two senders with one address go together.
-void SaveSenderRecord(ApplicationGlobals &globals, const QString &mode, const QStringList &keys,
+void SaveSenderRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys,
                       const RecordEdit &edit = {});
 
 /// Make a record the default of its kind, in memory and in the settings; an empty line stands for none.

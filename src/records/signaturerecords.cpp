@@ -4,7 +4,7 @@
 #include "quillon/files/linefile.h"
 #include "quillon/files/safefile.h"
 #include "quillon/files/textcoding.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 #include "records/signaturefiles.h"
 
 #include <QDir>
@@ -219,22 +219,22 @@ QString signatureFile(const ApplicationGlobals &globals, const QString &name)
     return SignatureFiles(globals.paths.signs, {}).target(name);
 }
 
-bool SaveSignatureRecord(const ApplicationGlobals &globals, const QString &mode, const QString &name,
+bool SaveSignatureRecord(const ApplicationGlobals &globals, SignatureChange change, const QString &name,
                          const QString &newName, const QString &text, const QString &path)
 {
-    if (mode == "A"_L1) {
+    switch (change) {
+    case SignatureChange::Add:
         return add(globals, newName, path, text.isEmpty() ? std::nullopt : std::optional(octetsOf(text)));
-    }
-    if (mode == "M"_L1) {
+    case SignatureChange::Modify:
         return modify(globals, name, text, path);
-    }
-    if (mode == "R"_L1) {
+    case SignatureChange::Rename:
         return rename(globals, name, newName);
-    }
-    if (mode == "D"_L1) {
+    case SignatureChange::Delete:
         deleteSignatures(globals, {name});
-    } else if (mode == "C"_L1) {
+        break;
+    case SignatureChange::Clear:
         clear(globals);
+        break;
     }
     return true;
 }

@@ -27,18 +27,22 @@ inline constexpr qint64 signatureTextLimit = 16 * 1024 * 1024;
 /// too long). Names are taken literally and never lead out of the folder.
 [[nodiscard]] QString signatureFile(const ApplicationGlobals &globals, const QString &name);
 
-/// Changes a signature. Modes:
-/// - "A" adds @p newName with @p path, and with @p text when there is some;
-/// - "M" makes @p name, which moves to the end of the file, a signature with that @p path, and deletes the stored texts
-///   of all signatures whose names begin with it; with an empty @p path it stores @p text instead;
-/// - "D" deletes @p name with its stored text;
-/// - "R" renames @p name to @p newName;
-/// - "C" deletes all.
+/// What SaveSignatureRecord() does.
+enum class SignatureChange {
+    Add,    ///< adds the new name with the path, and with the text when there is some
+    Modify, ///< makes the name, which moves to the end of the file, a signature with that path, and deletes the stored
+            ///< texts of all signatures whose names begin with it; with an empty path it stores the text instead
+    Delete, ///< deletes the name with its stored text
+    Rename, ///< gives the name the new name
+    Clear,  ///< deletes all
+};
+
+/// Changes a signature; what a change has no use for is left empty.
 /// Each change of signs.dll is one rewrite, and one that would change nothing is left out, of the text's file as well.
 /// A stored text goes only when signs.dll says that it is no longer there, so that a kill at any moment loses no more
-/// than this change. A text that cannot be read is not written over. Failures are faults; another mode changes nothing.
+/// than this change. A text that cannot be read is not written over. Failures are faults.
 /// True unless signs.dll could not be changed as told.
-bool SaveSignatureRecord(const ApplicationGlobals &globals, const QString &mode, const QString &name,
+bool SaveSignatureRecord(const ApplicationGlobals &globals, SignatureChange change, const QString &name,
                          const QString &newName, const QString &text, const QString &path);
 
 /// Adds a signature with an empty text file, which replaces one that a deleted signature may have left.

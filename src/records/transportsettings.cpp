@@ -1,7 +1,7 @@
 #include "records/transportsettings.h"
 
 #include "quillon/fault.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,7 +1,7 @@
 #include "records/windowlists.h"
 
 #include "core/recipiententry.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 
 using namespace Qt::StringLiterals;
 
@@ -40,9 +40,8 @@ void LoadSmtpLists(const ApplicationGlobals &globals, Message &message, Window &
     }
 }
 
-void LoadSenderLists(SenderTarget target, const ApplicationGlobals &globals, Message &message, Window &window)
+void LoadSenderLists(const ApplicationGlobals &globals, Message &message, Window &window)
 {
-    Q_UNUSED(target)
     QStringList entries;
     const QStringList lines = globals.lines.ReadLines(globals.paths.sendersFile);
     for (const QString &line : lines) {

@@ -10,10 +10,8 @@ namespace corvane {
 /// box gets the default account's address when there is a default.
 void LoadSmtpLists(const ApplicationGlobals &globals, Message &message, Window &window);
 
-/// Where LoadSenderLists() puts the senders.
-enum SenderTarget { MainWindowBoxes = 0 };
-
 /// Fills the main window's sender and reply receiver boxes with all custom senders; both keep their text.
-void LoadSenderLists(SenderTarget target, const ApplicationGlobals &globals, Message &message, Window &window);
+/// The list of the options is a RecordList, which loads itself.
+void LoadSenderLists(const ApplicationGlobals &globals, Message &message, Window &window);
 
 } // namespace corvane

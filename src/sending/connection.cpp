@@ -1,7 +1,7 @@
 #include "sending/connection.h"
 
 #include "core/settings.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 #include "records/transportsettings.h"
 
 #include <utility>

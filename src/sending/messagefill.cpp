@@ -1,8 +1,9 @@
 #include "sending/messagefill.h"
 
+#include "message/encodingsearch.h"
 #include "core/recipiententry.h"
 #include "quillon/system/platform.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 #include "sending/attachments.h"
 
 using namespace Qt::StringLiterals;
@@ -62,19 +63,12 @@ void fillDate(quillon::MailMessage &message, const FillContext &context)
     context.log.entry(u"Date & Time"_s, mailDateText(context.globals, now.date(), now.time()));
 }
 
-/// Walks the window's list to the encoding whose display name was chosen; the list stays there, or on its last entry.
 void fillEncoding(quillon::MailMessage &message, const FillContext &context)
 {
-    const QString separator = u" | "_s;
-    for (int i = 0; i < context.source.encodingCount(); ++i) {
-        context.source.selectEncoding(i);
-        const QString entry = context.source.selectedEncoding();
-        const qsizetype bar = entry.indexOf(separator);
-        if (bar >= 0 && entry.sliced(bar + separator.size()) == context.values.encoding) {
-            message.Charset = entry.first(bar);
-            context.log.entry(u"Encoding"_s, message.Charset);
-            return;
-        }
+    const QString code = selectEncodingOfName(context.source, context.values.encoding);
+    if (!code.isEmpty()) {
+        message.Charset = code;
+        context.log.entry(u"Encoding"_s, message.Charset);
     }
 }
 

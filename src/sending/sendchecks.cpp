@@ -3,7 +3,7 @@
 #include "core/recipiententry.h"
 #include "core/settings.h"
 #include "core/texts.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 
 #include <algorithm>
 

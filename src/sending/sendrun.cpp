@@ -4,6 +4,7 @@
 #include "macros/expansion.h"
 #include "quillon/system/platform.h"
 #include "records/accountrecords.h"
+#include "records/recordfields.h"
 #include "sending/messagefill.h"
 #include "sending/onebyone.h"
 

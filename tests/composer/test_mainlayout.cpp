@@ -317,9 +317,11 @@ void TestMainLayout::aFieldThatGetsTheFocusIsBroughtBack()
     MainFixture main;
     main.item(u"menve"_s)->trigger();
     main.view().setFocus(Field::PlainContent);
-    QVERIFY(main.window->layoutOfContent().isExpanded());
+    QVERIFY(!main.recipients(1)->isVisibleTo(main.window.get()));
+    QCOMPARE(main.item(u"menve"_s)->text(), u"&Restore"_s);
     main.view().setFocus(Field::CC);
-    QVERIFY(!main.window->layoutOfContent().isExpanded());
+    QVERIFY(main.recipients(1)->isVisibleTo(main.window.get()));
+    QCOMPARE(main.item(u"menve"_s)->text(), u"&Expand"_s);
     QCOMPARE(main.window->focusWidget(), main.recipients(1));
 }
 

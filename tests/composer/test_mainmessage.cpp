@@ -1,5 +1,6 @@
 #include "composer/richeditor.h"
 #include "mainfixture.h"
+#include "quillon/forms/windowservices.h"
 
 #include <QDateEdit>
 #include <QSignalSpy>
@@ -24,6 +25,7 @@ private Q_SLOTS:
     void aFieldOfOneLineHoldsOneLine();
     void noBreakSpacesAndOtherUnicodeSurvive();
     void theRichDocumentIsAReadableAndWritableProperty();
+    void aDocumentsSourceKeepsUnicodesSeparators();
     void textChangesMarkTheMessageAsChanged();
     void textChangesWhileOptionsAreOpenMarkNothing();
     void checkMarksAndDateMarkNothing();
@@ -182,6 +184,15 @@ void TestMainMessage::theRichDocumentIsAReadableAndWritableProperty()
     QCOMPARE(main.message().text(Field::RichContent), u"<p>a</p>\r\n<p>b</p>"_s);
 }
 
+void TestMainMessage::aDocumentsSourceKeepsUnicodesSeparators()
+{
+    MainFixture main;
+    main.message().setText(Field::RichContent, u"<p>a\u2028b\u2029c</p>"_s);
+    QCOMPARE(main.message().text(Field::RichContent), u"<p>a\u2028b\u2029c</p>"_s);
+    main.message().setText(Field::PlainContent, u"a\u2028b\u2029c"_s); // where they are the box's own line ends
+    QCOMPARE(main.message().text(Field::PlainContent), u"a\r\nb\r\nc"_s);
+}
+
 void TestMainMessage::textChangesMarkTheMessageAsChanged()
 {
     MainFixture main;
@@ -269,8 +280,8 @@ void TestMainMessage::anEncodingFromTheMenuGoesToTheBox()
     QVERIFY2(second->isChecked(), "picking it again must not take the mark away");
     QVERIFY(main.message().pblnChanged);
     // It stands at a fixed place: item 7 of menu 4.
-    QMenuBar *bar = main.globals().system.GetMenuHandle(main.window.get());
-    QMenu *menu = main.globals().system.GetSubMenuHandle(main.globals().system.GetSubMenuHandle(bar, 4), 7);
+    QMenuBar *bar = quillon::QuillonWindows().GetMenuHandle(main.window.get());
+    QMenu *menu = quillon::QuillonWindows().GetSubMenuHandle(quillon::QuillonWindows().GetSubMenuHandle(bar, 4), 7);
     QVERIFY(menu && menu->actions().contains(second));
 }
 

@@ -1,5 +1,5 @@
 #include "quillon/mail/subjectcodec.h"
-#include "support/temporarytree.h"
+#include "support/treefixture.h"
 
 #include <QDirIterator>
 #include <QTest>
@@ -30,12 +30,12 @@ int modeOf(const QString &path)
 
 } // namespace
 
-class TestDataTree : public QObject {
+class TestDataTree : public QObject, protected TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_tree = std::make_unique<TemporaryTree>(); }
-    void cleanup() { m_tree.reset(); }
+    void init() { makeBareTree(); }
+    void cleanup() { dropTree(); }
 
     void newUserGetsNineEmptyFilesAndTheMarker();
     void foldersAndFilesAreForTheirOwner();
@@ -66,8 +66,6 @@ private:
     {
         return m_tree->globals.system.ReadSetting(file, section, key);
     }
-
-    std::unique_ptr<TemporaryTree> m_tree;
 };
 
 void TestDataTree::newUserGetsNineEmptyFilesAndTheMarker()

@@ -2,7 +2,7 @@
 #include "core/launcher.h"
 #include "quillon/system/platform.h"
 #include "quillon/system/quillonregistry.h"
-#include "support/temporarytree.h"
+#include "support/treefixture.h"
 
 #include <QProcess>
 #include <QTest>
@@ -36,20 +36,20 @@ private:
 
 } // namespace
 
-class TestLauncher : public QObject {
+class TestLauncher : public QObject, protected TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
     void init()
     {
-        m_tree = std::make_unique<TemporaryTree>();
+        makeBareTree();
         m_steps.clear();
         m_processes = std::make_unique<RecordedProcesses>(m_steps);
     }
     void cleanup()
     {
         m_processes.reset();
-        m_tree.reset();
+        dropTree();
     }
 
     void switchIsTheWholeCommandLineInEitherCase();
@@ -92,7 +92,6 @@ private:
                 [this] { m_steps.append(u"main"_s); }};
     }
 
-    std::unique_ptr<TemporaryTree> m_tree;
     QStringList m_steps;
     std::unique_ptr<RecordedProcesses> m_processes;
 };

@@ -66,6 +66,8 @@ void TestRecipientEntry::lineEndWithinAnEntryIsABlank()
 {
     QCOMPARE(splitRecipients(u"Bob\r\nLee <b@x.org>,\nCy\rD <c@x.org>"_s),
              (QStringList{u"Bob Lee <b@x.org>"_s, u"Cy D <c@x.org>"_s}));
+    QCOMPARE(trimmedEntry(u"\u2029Bob\u2028Lee <b@x.org>\u2028"_s), u"Bob Lee <b@x.org>"_s);
+    QCOMPARE(trimmedEntry(u"\tBob\tLee <b@x.org>\t"_s), u"Bob\tLee <b@x.org>"_s); // no line end: as it was typed
 }
 
 QTEST_GUILESS_MAIN(TestRecipientEntry)

@@ -1,20 +1,20 @@
-#include "support/temporarytree.h"
+#include "support/treefixture.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
 
-class TestSettings : public QObject {
+class TestSettings : public QObject, protected TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
     void init()
     {
-        m_tree = std::make_unique<TemporaryTree>();
+        makeBareTree();
         PrepareDataFolder(m_tree->globals);
     }
-    void cleanup() { m_tree.reset(); }
+    void cleanup() { dropTree(); }
 
     void firstRunWritesElevenDefaultsInTheirOrder();
     void presentSettingsStandOnALaterStart();
@@ -34,8 +34,6 @@ private:
     {
         return m_tree->globals.system.ReadSetting(options(), section, key);
     }
-
-    std::unique_ptr<TemporaryTree> m_tree;
 };
 
 void TestSettings::firstRunWritesElevenDefaultsInTheirOrder()

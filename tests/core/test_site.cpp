@@ -1,17 +1,17 @@
 #include "core/site.h"
-#include "support/temporarytree.h"
+#include "support/treefixture.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
 
-class TestSite : public QObject {
+class TestSite : public QObject, protected TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_tree = std::make_unique<TemporaryTree>(); }
-    void cleanup() { m_tree.reset(); }
+    void init() { makeBareTree(); }
+    void cleanup() { dropTree(); }
 
     void missingFileCallsNobody();
     void shippedFileTellsTheDefaults();
@@ -32,8 +32,6 @@ private:
         QCOMPARE(site.proxyTestHost, u"www.corvane.invalid"_s);
         QCOMPARE(site.proxyTestPort, 80L);
     }
-
-    std::unique_ptr<TemporaryTree> m_tree;
 };
 
 void TestSite::missingFileCallsNobody()

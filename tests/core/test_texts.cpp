@@ -1,4 +1,4 @@
-#include "support/temporarytree.h"
+#include "support/treefixture.h"
 
 #include <QTest>
 
@@ -34,12 +34,12 @@ private:
 
 } // namespace
 
-class TestTexts : public QObject {
+class TestTexts : public QObject, protected TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_tree = std::make_unique<TemporaryTree>(); }
-    void cleanup() { m_tree.reset(); }
+    void init() { makeBareTree(); }
+    void cleanup() { dropTree(); }
 
     void textIsReadAtEachUse();
     void keyThatIsNotThereGivesAnEmptyBoxThatStillWaits();
@@ -48,8 +48,6 @@ private Q_SLOTS:
 
 private:
     [[nodiscard]] QString tips() const { return m_tree->globals.programFolder + u"/tips.dll"_s; }
-
-    std::unique_ptr<TemporaryTree> m_tree;
 };
 
 void TestTexts::textIsReadAtEachUse()

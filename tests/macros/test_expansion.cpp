@@ -1,7 +1,7 @@
 #include "macros/expansion.h"
 #include "macros/macrocatalogue.h"
-#include "support/temporarytree.h"
 #include "support/testclock.h"
+#include "support/treefixture.h"
 
 #include <QLocale>
 #include <QTest>
@@ -25,17 +25,16 @@ MailMessage messageTo(const QString &name, const QString &address)
 
 } // namespace
 
-class TestExpansion : public QObject {
+class TestExpansion : public QObject, protected TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
     void init()
     {
-        m_tree = std::make_unique<TemporaryTree>();
-        m_tree->prepare();
+        makeTree();
         seedMacros(m_tree->globals);
     }
-    void cleanup() { m_tree.reset(); }
+    void cleanup() { dropTree(); }
 
     void threeWordNameGivesItsFirstAndLastWord();
     void emptyNameIsTheTextInFrontOfTheAt();
@@ -64,8 +63,6 @@ private:
         ExpandMacros(m_tree->globals, message);
         return message;
     }
-
-    std::unique_ptr<TemporaryTree> m_tree;
 };
 
 void TestExpansion::threeWordNameGivesItsFirstAndLastWord()

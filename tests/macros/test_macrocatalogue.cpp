@@ -1,21 +1,17 @@
 #include "macros/macrocatalogue.h"
-#include "support/temporarytree.h"
+#include "support/treefixture.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
 
-class TestMacroCatalogue : public QObject {
+class TestMacroCatalogue : public QObject, protected TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_tree = std::make_unique<TemporaryTree>();
-        m_tree->prepare();
-    }
-    void cleanup() { m_tree.reset(); }
+    void init() { makeTree(); }
+    void cleanup() { dropTree(); }
 
     void emptyFileGetsTwentyLines();
     void fileOfNineLinesGetsTwentyBehindThem();
@@ -27,8 +23,6 @@ private Q_SLOTS:
 
 private:
     [[nodiscard]] const QString &file() const { return m_tree->globals.paths.macrosFile; }
-
-    std::unique_ptr<TemporaryTree> m_tree;
 };
 
 void TestMacroCatalogue::emptyFileGetsTwentyLines()

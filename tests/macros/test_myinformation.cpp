@@ -1,6 +1,6 @@
 #include "macros/macrocatalogue.h"
 #include "macros/myinformation.h"
-#include "support/temporarytree.h"
+#include "support/treefixture.h"
 
 #include <QTest>
 
@@ -10,16 +10,12 @@
 using namespace Qt::StringLiterals;
 using namespace corvane;
 
-class TestMyInformation : public QObject {
+class TestMyInformation : public QObject, protected TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_tree = std::make_unique<TemporaryTree>();
-        m_tree->prepare();
-    }
-    void cleanup() { m_tree.reset(); }
+    void init() { makeTree(); }
+    void cleanup() { dropTree(); }
 
     void blankMacrosAreFilledAndMoveToTheEnd();
     void aSingleWordNameIsBothNames();
@@ -30,23 +26,23 @@ private Q_SLOTS:
     void theFirstLineThatBeginsWithTheMacroCounts();
     void aLineOfOneFieldIsBlank();
     void aSecondLineWithATextStays();
-    void withoutADefaultAccountNothingChanges();
+    void aMissingFileIsNotMade();
     void otherLinesKeepTheirOctets();
     void aFullDiskLosesNoMacro();
     void aFilledMacroIsInTheNextMenu();
 
 private:
-    void account(const QString &name, const QString &address) const
+    void account(const QString &name, const QString &address)
     {
-        m_tree->globals.settings.smtp[0] = QStringList{u"smtp.x.org"_s, u"25"_s, u"N"_s, u"N"_s,     u""_s, u""_s, name,
-                                                       address,         u""_s,   u""_s,  u"/SAEND"_s}
-                                               .join(u'\t');
+        m_name = name;
+        m_address = address;
     }
     [[nodiscard]] const QString &file() const { return m_tree->globals.paths.macrosFile; }
     [[nodiscard]] QStringList lines() const { return m_tree->globals.lines.ReadLines(file()); }
-    void sync() const { SyncMyInformation(m_tree->globals); }
+    void sync() const { SyncMyInformation(m_tree->globals, m_name, m_address); }
 
-    std::unique_ptr<TemporaryTree> m_tree;
+    QString m_name;
+    QString m_address;
 };
 
 void TestMyInformation::blankMacrosAreFilledAndMoveToTheEnd()
@@ -138,15 +134,12 @@ void TestMyInformation::aSecondLineWithATextStays()
              QByteArray("{My Full Name}\tAugusta\tMy Information\tU\r\n{My Full Name}\tAda\tMy Information\tU\r\n"));
 }
 
-void TestMyInformation::withoutADefaultAccountNothingChanges()
+void TestMyInformation::aMissingFileIsNotMade()
 {
-    seedMacros(m_tree->globals);
-    const QByteArray seeded = contentOf(file());
-    for (const QString &record : {QString(), u"smtp.x.org\t25\tN"_s}) {
-        m_tree->globals.settings.smtp[0] = record;
-        sync();
-        QCOMPARE(contentOf(file()), seeded);
-    }
+    QVERIFY(QFile::remove(file()));
+    account(u"Ada Lovelace"_s, u"ada@x.org"_s);
+    sync();
+    QVERIFY(!QFile::exists(file()));
 }
 
 void TestMyInformation::otherLinesKeepTheirOctets()

@@ -1,25 +1,24 @@
 #include "recipients/inputprompts.h"
-#include "support/temporarytree.h"
+#include "support/treefixture.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
 
-class TestInputPrompts : public QObject {
+class TestInputPrompts : public QObject, protected TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
     void init()
     {
-        m_tree = std::make_unique<TemporaryTree>();
-        m_tree->prepare();
+        makeTree();
         m_prompts = std::make_unique<InputPrompts>(m_tree->globals);
     }
     void cleanup()
     {
         m_prompts.reset();
-        m_tree.reset();
+        dropTree();
     }
 
     void readingSkipsBlankLinesAndTrimsNone();
@@ -36,7 +35,6 @@ private Q_SLOTS:
 private:
     [[nodiscard]] const QString &file() const { return m_tree->globals.paths.promptsFile; }
 
-    std::unique_ptr<TemporaryTree> m_tree;
     std::unique_ptr<InputPrompts> m_prompts;
 };
 

@@ -1,5 +1,5 @@
 #include "recipients/promptmodel.h"
-#include "support/temporarytree.h"
+#include "support/treefixture.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -7,19 +7,15 @@
 using namespace Qt::StringLiterals;
 using namespace corvane;
 
-class TestPromptModel : public QObject {
+class TestPromptModel : public QObject, protected TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_tree = std::make_unique<TemporaryTree>();
-        m_tree->prepare();
-    }
+    void init() { makeTree(); }
     void cleanup()
     {
         m_model.reset();
-        m_tree.reset();
+        dropTree();
     }
 
     void anEmptyListShowsThePlaceholder();
@@ -59,7 +55,6 @@ private:
     }
     [[nodiscard]] const QString &file() const { return m_tree->globals.paths.promptsFile; }
 
-    std::unique_ptr<TemporaryTree> m_tree;
     std::unique_ptr<PromptModel> m_model;
 };
 

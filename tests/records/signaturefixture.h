@@ -1,23 +1,15 @@
 #pragma once
 
 #include "records/signaturerecords.h"
-#include "support/temporarytree.h"
+#include "support/treefixture.h"
 
 #include <QFileInfo>
 
-#include <memory>
 #include <sys/stat.h>
 
 /// Signatures in a data tree that each test gets anew.
-class SignatureFixture {
+class SignatureFixture : protected TreeFixture {
 protected:
-    void makeTree()
-    {
-        m_tree = std::make_unique<TemporaryTree>();
-        m_tree->prepare();
-    }
-
-    [[nodiscard]] corvane::ApplicationGlobals &globals() const { return m_tree->globals; }
     [[nodiscard]] QByteArray list() const { return contentOf(globals().paths.signsFile); }
     void setList(const QByteArray &octets) const { writeFile(globals().paths.signsFile, octets); }
     [[nodiscard]] QString file(const QString &name) const
@@ -35,17 +27,15 @@ protected:
         return files;
     }
 
-    bool save(const QString &mode, const QString &name, const QString &newName, const QString &text = {},
+    bool save(corvane::SignatureChange change, const QString &name, const QString &newName, const QString &text = {},
               const QString &path = {}) const
     {
-        return corvane::SaveSignatureRecord(globals(), mode, name, newName, text, path);
+        return corvane::SaveSignatureRecord(globals(), change, name, newName, text, path);
     }
     void modify(const QString &name, const QString &text, const QString &path = {}) const
     {
-        save(QStringLiteral("M"), name, {}, text, path);
+        save(corvane::SignatureChange::Modify, name, {}, text, path);
     }
-
-    std::unique_ptr<TemporaryTree> m_tree;
 };
 
 /// What a whole write replaces.

@@ -11,7 +11,7 @@ class TestAccountRecords : public QObject, protected AccountFixture {
 
 private Q_SLOTS:
     void init() { makeTree(); }
-    void cleanup() { m_tree.reset(); }
+    void cleanup() { dropTree(); }
 
     void accountIsFoundBetweenTabsWithoutRegardToCase();
     void firstAndLastFieldAreNeverFound();

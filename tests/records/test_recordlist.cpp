@@ -51,6 +51,7 @@ private Q_SLOTS:
     void theFirstAccountFillsTheMacros();
     void anAccountMadeDefaultFillsTheMacros();
     void anEditedDefaultAccountFillsNoMacro();
+    void anAccountsLineWithoutASenderFillsNoMacro();
     void otherKindsFillNoMacro_data();
     void otherKindsFillNoMacro();
 };
@@ -339,6 +340,16 @@ void TestRecordList::anEditedDefaultAccountFillsNoMacro()
     writeFile(f.globals().paths.macrosFile, emptyMacros);
     f.list->select(1);
     f.list->change(f.facts.edited);
+    QCOMPARE(contentOf(f.globals().paths.macrosFile), emptyMacros);
+}
+
+void TestRecordList::anAccountsLineWithoutASenderFillsNoMacro()
+{
+    RecordFixture f(accountFacts());
+    f.load({});
+    writeFile(f.globals().paths.macrosFile, emptyMacros);
+    f.list->add(u"smtp.x.example\t25\tN\tN\t\t\tAnn"_s);
+    QCOMPARE(f.marked(), QList<int>{0});
     QCOMPARE(contentOf(f.globals().paths.macrosFile), emptyMacros);
 }
 

@@ -49,11 +49,11 @@ public:
         setDefault(facts.records[0]);
         writeFile(path(), octetsOf(facts.records));
     }
-    void edit(const QString &mode, const QString &oldLine, const QString &newLine)
+    void edit(RecordChange change, const QString &oldLine, const QString &newLine)
     {
-        facts.kind().save(globals(), mode, {}, {oldLine, newLine});
+        facts.kind().save(globals(), change, {}, {oldLine, newLine});
     }
-    void remove(const QStringList &keys) { facts.kind().save(globals(), u"D"_s, keys, {}); }
+    void remove(const QStringList &keys) { facts.kind().save(globals(), RecordChange::Delete, keys, {}); }
 };
 
 } // namespace
@@ -63,7 +63,7 @@ void TestRecordStore::editOfAnotherThanTheDefaultReplacesItsLineOnly()
     Store f(kindOfRow());
     const Rewrites file(f.path());
     const Rewrites options(f.optionsPath());
-    f.edit(u"EN"_s, f.facts.records[1], f.facts.edited);
+    f.edit(RecordChange::Edit, f.facts.records[1], f.facts.edited);
     QCOMPARE(f.file(), octetsOf({f.facts.records[0], f.facts.edited, f.facts.records[2]}));
     QCOMPARE(file.count(), 1);
     QCOMPARE(options.count(), 0);
@@ -74,7 +74,7 @@ void TestRecordStore::editOfTheDefaultReplacesItsLineAndTheDefault()
 {
     Store f(kindOfRow());
     const Rewrites options(f.optionsPath());
-    f.edit(u"ED"_s, f.facts.records[0], f.facts.edited);
+    f.edit(RecordChange::EditDefault, f.facts.records[0], f.facts.edited);
     QCOMPARE(f.file(), octetsOf({f.facts.edited, f.facts.records[1], f.facts.records[2]}));
     QCOMPARE(options.count(), 1);
     f.verifyDefault(f.facts.edited);
@@ -93,7 +93,7 @@ void TestRecordStore::editReplacesTheFirstOfEqualLines()
     Store f(kindOfRow());
     const QString twice = f.facts.records[1];
     writeFile(f.path(), octetsOf({f.facts.records[0], twice, twice}));
-    f.edit(u"EN"_s, twice, f.facts.edited);
+    f.edit(RecordChange::Edit, twice, f.facts.edited);
     QCOMPARE(f.file(), octetsOf({f.facts.records[0], f.facts.edited, twice}));
 }
 
@@ -101,7 +101,7 @@ void TestRecordStore::editOfALineThatIsGoneWritesNothing()
 {
     Store f(kindOfRow());
     const Rewrites file(f.path());
-    f.edit(u"EN"_s, f.facts.records[1].toUpper(), f.facts.edited);
+    f.edit(RecordChange::Edit, f.facts.records[1].toUpper(), f.facts.edited);
     QCOMPARE(f.file(), octetsOf(f.facts.records));
     QCOMPARE(file.count(), 0);
 }
@@ -110,7 +110,7 @@ void TestRecordStore::editOfTheDefaultStoresItEvenIfItsLineIsGone()
 {
     Store f(kindOfRow());
     writeFile(f.path(), octetsOf({f.facts.records[2]}));
-    f.edit(u"ED"_s, f.facts.records[0], f.facts.edited);
+    f.edit(RecordChange::EditDefault, f.facts.records[0], f.facts.edited);
     QCOMPARE(f.file(), octetsOf({f.facts.records[2]}));
     f.verifyDefault(f.facts.edited);
 }
@@ -164,7 +164,7 @@ void TestRecordStore::changedFilesAreForTheirOwnerOnly()
     const auto mode = [&] { return QFileInfo(f.path()).permissions() & QFile::Permissions(0x0fff); };
     const QFile::Permissions ownersOnly = QFile::ReadUser | QFile::WriteUser;
     QCOMPARE(mode() & ~(QFile::ReadOwner | QFile::WriteOwner), ownersOnly);
-    f.edit(u"EN"_s, f.facts.records[1], f.facts.edited);
+    f.edit(RecordChange::Edit, f.facts.records[1], f.facts.edited);
     QCOMPARE(mode() & ~(QFile::ReadOwner | QFile::WriteOwner), ownersOnly);
     f.facts.kind().clear(f.globals());
     QCOMPARE(mode() & ~(QFile::ReadOwner | QFile::WriteOwner), ownersOnly);
@@ -174,7 +174,7 @@ void TestRecordStore::editedDefaultAccountMeetsTheSectionOfTheOtherSpelling()
 {
     Store f(u"accounts"_s);
     QVERIFY(f.options().contains("[SMTP Account]\r\nDefault=smtp.ann.example\t"));
-    f.edit(u"ED"_s, f.facts.records[0], f.facts.edited);
+    f.edit(RecordChange::EditDefault, f.facts.records[0], f.facts.edited);
     QVERIFY(f.options().contains("[SMTP Account]\r\nDefault=" + f.facts.edited.toUtf8() + "\r\n"));
     QCOMPARE(f.options().toLower().count("[smtp account]"), 1);
 }
@@ -183,7 +183,7 @@ void TestRecordStore::editedDefaultAccountMakesTheSectionWhereThereIsNone()
 {
     Store f(u"accounts"_s);
     writeFile(f.optionsPath(), "[Other]\r\nInterval=26\r\n");
-    f.edit(u"ED"_s, f.facts.records[0], f.facts.edited);
+    f.edit(RecordChange::EditDefault, f.facts.records[0], f.facts.edited);
     QVERIFY2(f.options().contains("[SMTP account]\r\nDefault=" + f.facts.edited.toUtf8()), f.options().constData());
     LoadSettings(f.globals());
     QCOMPARE(f.globals().settings.smtp[0], f.facts.edited);

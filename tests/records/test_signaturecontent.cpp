@@ -12,7 +12,7 @@ class TestSignatureContent : public QObject, SignatureFixture {
 
 private Q_SLOTS:
     void init() { makeTree(); }
-    void cleanup() { m_tree.reset(); }
+    void cleanup() { dropTree(); }
 
     void aTextSignatureShowsItsText();
     void aFileSignatureShowsItsPath();
@@ -107,10 +107,10 @@ void TestSignatureContent::aTextThatCannotBeReadIsNeitherShownNorWrittenOver()
     modify(u"a"_s, u"typed"_s);
     QCOMPARE(node(file(u"a"_s)), before);
     QCOMPARE(list(), QByteArray("a\t\r\nb\t\r\n"));
-    save(u"R"_s, u"a"_s, u"c"_s); // but it can be moved and deleted
+    save(SignatureChange::Rename, u"a"_s, u"c"_s); // but it can be moved and deleted
     QCOMPARE(storedFiles(), QStringList{u"sign_c.dll"_s});
     QCOMPARE(node(file(u"c"_s)), before);
-    save(u"D"_s, u"c"_s, {});
+    save(SignatureChange::Delete, u"c"_s, {});
     QCOMPARE(list(), QByteArray("b\t\r\n"));
     QCOMPARE(storedFiles().isEmpty(), kind != "folder"_L1);
 }

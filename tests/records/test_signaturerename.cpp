@@ -13,7 +13,7 @@ class TestSignatureRename : public QObject, SignatureFixture {
 
 private Q_SLOTS:
     void init() { makeTree(); }
-    void cleanup() { m_tree.reset(); }
+    void cleanup() { dropTree(); }
 
     void renameKeepsThePlaceAndMovesTheText();
     void renameKeepsThePathOfAFileSignature();
@@ -33,7 +33,7 @@ void TestSignatureRename::renameKeepsThePlaceAndMovesTheText()
 {
     setList("a\t\r\nb\t\r\na\t/second\r\n");
     store(u"a"_s, "A");
-    save(u"R"_s, u"a"_s, u" new name "_s);
+    save(SignatureChange::Rename, u"a"_s, u" new name "_s);
     QCOMPARE(list(), QByteArray("new name\t\r\nb\t\r\na\t/second\r\n"));
     QCOMPARE(storedFiles(), QStringList{u"sign_new name.dll"_s});
     QCOMPARE(stored(u"new name"_s), QByteArray("A"));
@@ -43,7 +43,7 @@ void TestSignatureRename::renameKeepsThePathOfAFileSignature()
 {
     setList("a\t/a.txt\r\n");
     store(u"b"_s, "left behind");
-    save(u"R"_s, u"a"_s, u"b"_s);
+    save(SignatureChange::Rename, u"a"_s, u"b"_s);
     QCOMPARE(list(), QByteArray("b\t/a.txt\r\n"));
     QCOMPARE(storedFiles(), QStringList());
 }
@@ -52,7 +52,7 @@ void TestSignatureRename::renameToAnotherCaseKeepsTheText()
 {
     setList("work\t\r\n");
     store(u"work"_s, "text");
-    save(u"R"_s, u"work"_s, u"Work"_s);
+    save(SignatureChange::Rename, u"work"_s, u"Work"_s);
     QCOMPARE(list(), QByteArray("Work\t\r\n"));
     QCOMPARE(storedFiles(), QStringList{u"sign_Work.dll"_s});
     QCOMPARE(stored(u"Work"_s), QByteArray("text"));
@@ -63,13 +63,13 @@ void TestSignatureRename::renameSetsATextAsideThatWasLeftBehind()
     setList("a\t\r\n");
     store(u"a"_s, "A");
     store(u"b"_s, "left behind");
-    save(u"R"_s, u"a"_s, u"b"_s);
+    save(SignatureChange::Rename, u"a"_s, u"b"_s);
     QCOMPARE(stored(u"b"_s), QByteArray("A"));
     QCOMPARE(storedFiles(), (QStringList{u"left_1.dll"_s, u"sign_b.dll"_s}));
     QCOMPARE(contentOf(globals().paths.signs + u"/left_1.dll"_s), QByteArray("left behind"));
     // A text that stands under both names is what a move leaves that was killed half-way.
     QCOMPARE(::link(QFile::encodeName(file(u"b"_s)).constData(), QFile::encodeName(file(u"c"_s)).constData()), 0);
-    save(u"R"_s, u"b"_s, u"c"_s);
+    save(SignatureChange::Rename, u"b"_s, u"c"_s);
     QCOMPARE(stored(u"c"_s), QByteArray("A"));
     QCOMPARE(storedFiles(), (QStringList{u"left_1.dll"_s, u"sign_c.dll"_s}));
 }
@@ -78,7 +78,8 @@ void TestSignatureRename::aNewSignatureKeepsTheTextThatAnEarlierOneLeft()
 {
     setList("Signature #1\t\r\n");
     store(u"Signature #1"_s, "the only copy");
-    QVERIFY(save(u"R"_s, u"Signature #1"_s, u"Sales/Support"_s)); // no file can have that name: the text stays
+    QVERIFY(save(SignatureChange::Rename, u"Signature #1"_s,
+                 u"Sales/Support"_s)); // no file can have that name: the text stays
     corvane::addSignature(globals(), u"Signature #1"_s);
     QCOMPARE(stored(u"Signature #1"_s), QByteArray(""));
     QCOMPARE(contentOf(globals().paths.signs + u"/left_1.dll"_s), QByteArray("the only copy"));
@@ -91,7 +92,7 @@ void TestSignatureRename::renameToATakenNameChangesNothing()
     store(u"a"_s, "A");
     store(u"b"_s, "B");
     for (const QString &newName : {u"b"_s, u"  "_s, u"a"_s}) {
-        save(u"R"_s, u"a"_s, newName);
+        save(SignatureChange::Rename, u"a"_s, newName);
         QCOMPARE(list(), QByteArray("a\t\r\nb\t\r\n"));
         QCOMPARE(stored(u"a"_s), QByteArray("A"));
         QCOMPARE(stored(u"b"_s), QByteArray("B"));
@@ -102,9 +103,9 @@ void TestSignatureRename::renameThereAndBackOverANameThatNoFileCanHaveKeepsTheTe
 {
     setList("a\t\r\n");
     store(u"a"_s, "A");
-    save(u"R"_s, u"a"_s, u"a/b"_s);
+    save(SignatureChange::Rename, u"a"_s, u"a/b"_s);
     QCOMPARE(list(), QByteArray("a/b\t\r\n"));
-    save(u"R"_s, u"a/b"_s, u"a"_s);
+    save(SignatureChange::Rename, u"a/b"_s, u"a"_s);
     QCOMPARE(list(), QByteArray("a\t\r\n"));
     QCOMPARE(signatureContent(globals(), u"a"_s).text, u"A"_s);
 }
@@ -138,10 +139,10 @@ void TestSignatureRename::aNameThatNoFileCanHaveLeavesTheRowAndWritesNoText()
     QVERIFY(!signatureText(globals(), name).found);
     modify(name, {}, u"/x.txt"_s);
     QCOMPARE(list(), name.toUtf8() + "\t/x.txt\r\n");
-    save(u"R"_s, name, u"good"_s);
+    save(SignatureChange::Rename, name, u"good"_s);
     QCOMPARE(list(), QByteArray("good\t/x.txt\r\n"));
-    save(u"R"_s, u"good"_s, name);
-    save(u"D"_s, name, {});
+    save(SignatureChange::Rename, u"good"_s, name);
+    save(SignatureChange::Delete, name, {});
     QCOMPARE(list(), QByteArray(""));
     QCOMPARE(storedFiles(), QStringList{u"sign_.."_s});
     QCOMPARE(contentOf(globals().paths.smtpFile), QByteArray("account"));
@@ -179,8 +180,8 @@ void TestSignatureRename::namesThatDifferOnlyInCaseAreTwoSignatures()
     modify(u"work"_s, {}, u"/w.txt"_s);
     QCOMPARE(signatureContent(globals(), u"Work"_s).text, u"capital"_s);
     QVERIFY(!signatureText(globals(), u"work"_s).found); // nor does it take the other's text
-    save(u"R"_s, u"work"_s, u"WORK"_s);
-    save(u"D"_s, u"WORK"_s, {});
+    save(SignatureChange::Rename, u"work"_s, u"WORK"_s);
+    save(SignatureChange::Delete, u"WORK"_s, {});
     QCOMPARE(list(), QByteArray("Work\t\r\n"));
     QCOMPARE(stored(u"Work"_s), QByteArray("capital"));
 }
@@ -194,9 +195,9 @@ void TestSignatureRename::aTextIsFoundWithoutRegardToTheCaseOfItsFile()
     QCOMPARE(signatureContent(globals(), u"Work"_s).text, u"text of WORK"_s);
     QCOMPARE(signatureText(globals(), u"Work"_s).text, u"text of WORK"_s);
     modify(u"Work"_s, u"new"_s);
-    save(u"R"_s, u"B"_s, u"E"_s);
+    save(SignatureChange::Rename, u"B"_s, u"E"_s);
     modify(u"C"_s, {}, u"/c.txt"_s);
-    save(u"D"_s, u"D"_s, {});
+    save(SignatureChange::Delete, u"D"_s, {});
     QCOMPARE(storedFiles(), (QStringList{u"sign_E.dll"_s, u"sign_Work.dll"_s}));
     QCOMPARE(stored(u"Work"_s), QByteArray("new"));
     QCOMPARE(stored(u"E"_s), QByteArray("text of b"));

@@ -13,7 +13,7 @@ class TestWindowLists : public QObject, protected AccountFixture {
 
 private Q_SLOTS:
     void init() { makeTree(); }
-    void cleanup() { m_tree.reset(); }
+    void cleanup() { dropTree(); }
 
     void accountBoxGetsTheAddressesAndKeepsItsText();
     void withoutADefaultTheAccountBoxStaysEmpty();
@@ -75,7 +75,7 @@ void TestWindowLists::senderBoxesGetEntriesAndKeepTypedText()
     writeFile(m_tree->globals.paths.sendersFile, "Club\tclub@x.org\tremark\r\nShop\tshop@x.org\t\r\n");
     FakeWindow window;
     window.setText(Field::Sender, u"Typed <typed@x.org>"_s);
-    LoadSenderLists(MainWindowBoxes, m_tree->globals, window, window);
+    LoadSenderLists(m_tree->globals, window, window);
     const QStringList expected = {u"Club <club@x.org>"_s, u"Shop <shop@x.org>"_s};
     QCOMPARE(window.list(Field::Sender), expected);
     QCOMPARE(window.list(Field::ReplyReceiver), expected);
@@ -87,7 +87,7 @@ void TestWindowLists::senderWithoutANameShowsItsBareAddress()
 {
     writeFile(m_tree->globals.paths.sendersFile, " \tclub@x.org\t\r\n");
     FakeWindow window;
-    LoadSenderLists(MainWindowBoxes, m_tree->globals, window, window);
+    LoadSenderLists(m_tree->globals, window, window);
     QCOMPARE(window.list(Field::Sender), QStringList{u"club@x.org"_s});
 }
 
@@ -95,7 +95,7 @@ void TestWindowLists::shortSenderLinesGiveNoEntry()
 {
     writeFile(m_tree->globals.paths.sendersFile, "\r\nBob\r\nClub\tclub@x.org\t\r\n");
     FakeWindow window;
-    LoadSenderLists(MainWindowBoxes, m_tree->globals, window, window);
+    LoadSenderLists(m_tree->globals, window, window);
     QCOMPARE(window.list(Field::Sender), QStringList{u"Club <club@x.org>"_s});
 }
 
@@ -137,7 +137,7 @@ void TestWindowLists::senderWithoutARemarkIsOffered()
 {
     writeFile(m_tree->globals.paths.sendersFile, "Club\tclub@x.org\r\nShop\tshop@x.org\ta\tb\r\n\tbare@x.org\r\n");
     FakeWindow window;
-    LoadSenderLists(MainWindowBoxes, m_tree->globals, window, window);
+    LoadSenderLists(m_tree->globals, window, window);
     QCOMPARE(window.list(Field::ReplyReceiver),
              (QStringList{u"Club <club@x.org>"_s, u"Shop <shop@x.org>"_s, u"bare@x.org"_s}));
 }
@@ -150,7 +150,7 @@ void TestWindowLists::addressesInAnyScriptAreOffered()
               (u"王小明\twang@例え.jp\t\r\n"_s + long300 + u"\tλ@παράδειγμα.gr\t\r\n"_s).toUtf8());
     FakeWindow window;
     LoadSmtpLists(m_tree->globals, window, window);
-    LoadSenderLists(MainWindowBoxes, m_tree->globals, window, window);
+    LoadSenderLists(m_tree->globals, window, window);
     QCOMPARE(window.list(Field::Account), QStringList{u"почта@пример.рф"_s});
     QCOMPARE(window.list(Field::Sender), (QStringList{u"王小明 <wang@例え.jp>"_s, long300 + u" <λ@παράδειγμα.gr>"_s}));
 }
@@ -166,7 +166,7 @@ void TestWindowLists::filesThatCannotBeReadGiveEmptyListsAndStay()
     window.setList(Field::Account, {u"old@x.org"_s});
     window.setList(Field::Sender, {u"old@x.org"_s});
     LoadSmtpLists(m_tree->globals, window, window);
-    LoadSenderLists(MainWindowBoxes, m_tree->globals, window, window);
+    LoadSenderLists(m_tree->globals, window, window);
     QCOMPARE(window.list(Field::Account), QStringList());
     QCOMPARE(window.list(Field::Sender), QStringList());
     QVERIFY(QFileInfo(paths.smtpFile + u"/kept"_s).isDir());
@@ -180,7 +180,7 @@ void TestWindowLists::sendersBoxesThatKeepTheirTextMarkNoChange()
     FakeWindow window;
     window.setText(Field::ReplyReceiver, u"typed"_s);
     window.pblnChanged = false;
-    LoadSenderLists(MainWindowBoxes, m_tree->globals, window, window);
+    LoadSenderLists(m_tree->globals, window, window);
     QCOMPARE(window.text(Field::Sender), QString()); // the default sender is not put in here
     QVERIFY(!window.pblnChanged);
 }

@@ -8,6 +8,7 @@
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
+using corvane::SignatureChange;
 
 int main(int count, char **values)
 {
@@ -18,17 +19,19 @@ int main(int count, char **values)
     globals.paths = corvane::dataPathsBelow(QString::fromLocal8Bit(values[1]), QString());
     const QString outside = QString::fromLocal8Bit(values[2]);
     quillon::setTemporaryFolder(globals.paths.root);
-    const auto save = [&globals](const QString &mode, const QString &name, const QString &text, const QString &path) {
-        corvane::SaveSignatureRecord(globals, mode, name, mode == "R"_L1 ? text : QString(), text, path);
+    const auto save = [&globals](SignatureChange change, const QString &name, const QString &text,
+                                 const QString &path) {
+        corvane::SaveSignatureRecord(globals, change, name, change == SignatureChange::Rename ? text : QString(), text,
+                                     path);
         std::putchar('.');
         std::fflush(stdout);
     };
     for (int i = 0;; ++i) {
         const QString mark = QString::number(i);
-        save(u"M"_s, u"typed"_s, mark + QString(4000, u'x') + mark, {});
-        save(u"M"_s, u"switched"_s, {}, outside);
-        save(u"M"_s, u"switched"_s, mark + QString(4000, u'x') + mark, {});
-        save(u"R"_s, u"one"_s, u"other"_s, {});
-        save(u"R"_s, u"other"_s, u"one"_s, {});
+        save(SignatureChange::Modify, u"typed"_s, mark + QString(4000, u'x') + mark, {});
+        save(SignatureChange::Modify, u"switched"_s, {}, outside);
+        save(SignatureChange::Modify, u"switched"_s, mark + QString(4000, u'x') + mark, {});
+        save(SignatureChange::Rename, u"one"_s, u"other"_s, {});
+        save(SignatureChange::Rename, u"other"_s, u"one"_s, {});
     }
 }

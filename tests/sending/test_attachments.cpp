@@ -1,6 +1,6 @@
 #include "sending/attachments.h"
-#include "support/temporarytree.h"
 #include "support/waitfor.h"
+#include "support/treefixture.h"
 
 #include <QProcess>
 #include <QTest>
@@ -35,18 +35,17 @@ QStringList archiveContent(const QString &path)
 
 } // namespace
 
-class TestAttachments : public QObject {
+class TestAttachments : public QObject, protected TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
     void init()
     {
-        m_tree = std::make_unique<TemporaryTree>();
-        m_tree->prepare();
+        makeTree();
         m_message = {};
         QVERIFY(QDir().mkpath(path(u"mine"_s)));
     }
-    void cleanup() { m_tree.reset(); }
+    void cleanup() { dropTree(); }
 
     void fileIsAttachedAsItIs();
     void vanishedFileIsLeftOutQuietly();
@@ -66,7 +65,6 @@ private:
     QString resolve(const QStringList &paths) { return waitFor(ResolveAttachments(m_tree->globals, paths, m_message)); }
     [[nodiscard]] QString zip(const QString &name) const { return m_tree->globals.paths.zips + u'/' + name; }
 
-    std::unique_ptr<TemporaryTree> m_tree;
     quillon::MailMessage m_message;
 };
 

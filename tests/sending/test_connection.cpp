@@ -1,7 +1,7 @@
 #include "sending/connection.h"
 #include "support/scriptedserver.h"
-#include "support/temporarytree.h"
 #include "support/waitfor.h"
+#include "support/treefixture.h"
 
 #include <QTest>
 
@@ -9,21 +9,20 @@ using namespace Qt::StringLiterals;
 using namespace corvane;
 using quillon::MailTransport;
 
-class TestConnection : public QObject {
+class TestConnection : public QObject, protected TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
     void init()
     {
-        m_tree = std::make_unique<TemporaryTree>();
-        m_tree->prepare();
+        makeTree();
         m_errors.clear();
         m_transport.reset();
     }
     void cleanup()
     {
         m_transport.reset();
-        m_tree.reset();
+        dropTree();
     }
 
     void accountsFieldsReachTheTransport();
@@ -45,7 +44,6 @@ private:
         return u"127.0.0.1\t"_s + QString::number(port) + u'\t' + rest + u"\tAda\tada@x.org\t\t\t/SAEND"_s;
     }
 
-    std::unique_ptr<TemporaryTree> m_tree;
     QStringList m_errors;
     std::unique_ptr<MailTransport> m_transport;
 };

@@ -1,22 +1,18 @@
 #include "sending/sendinglog.h"
-#include "support/temporarytree.h"
 #include "support/testclock.h"
+#include "support/treefixture.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
 
-class TestSendingLog : public QObject {
+class TestSendingLog : public QObject, protected TreeFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_tree = std::make_unique<TemporaryTree>();
-        m_tree->prepare();
-    }
-    void cleanup() { m_tree.reset(); }
+    void init() { makeTree(); }
+    void cleanup() { dropTree(); }
 
     void fileIsNamedAfterYearAndMonth();
     void runAcrossTheMonthsEndStaysInItsFile();
@@ -31,8 +27,6 @@ private:
     {
         return contentOf(m_tree->globals.paths.logs + u'/' + name);
     }
-
-    std::unique_ptr<TemporaryTree> m_tree;
 };
 
 void TestSendingLog::fileIsNamedAfterYearAndMonth()

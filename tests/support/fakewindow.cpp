@@ -1,6 +1,6 @@
 #include "support/fakewindow.h"
 
-using namespace Qt::StringLiterals;
+#include "quillon/text/lineends.h"
 
 QString FakeWindow::text(Field field) const
 {

@@ -2,10 +2,11 @@
 
 #include "core/texts.h"
 #include "macros/forms/macroitem.h"
+#include "macros/placeholders.h"
 #include "quillon/forms/columnsort.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formregistry.h"
-#include "quillon/text/quillontext.h"
+#include "quillon/forms/formtexts.h"
 #include "ui_frmpubmacro.h"
 
 #include <QCloseEvent>
@@ -34,7 +35,7 @@ frmPubMacro::frmPubMacro(const ApplicationGlobals &globals, quillon::FormRegistr
     : m_globals(globals), m_forms(forms), m_hooks(std::move(hooks)), m_ui(std::make_unique<Ui::frmPubMacro>())
 {
     m_ui->setupUi(this);
-    quillon::QuillonText().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
+    quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
     m_ui->lblSample->setText(u"%1 %2 <%3>"_s.arg(m_ui->lblSample->text(), QString::fromUtf16(sampleRecipient),
                                                  QString::fromUtf16(sampleAddress)));
     m_ui->sbtHelp->setEnabled(static_cast<bool>(m_hooks.help));
@@ -89,7 +90,7 @@ void frmPubMacro::loadRows()
     const int margin = fontMetrics().averageCharWidth() * 3;
     const QFontMetrics metrics = fontMetrics();
     m_ui->lsv->setColumnWidth(MacroNameColumn,
-                              metrics.horizontalAdvance(u"{Email Address of The Recipient}"_s) + margin);
+                              metrics.horizontalAdvance(QString::fromUtf16(recipientAddress)) + margin);
     m_ui->lsv->setColumnWidth(MacroSampleColumn, metrics.averageCharWidth() * 46);
 }
 

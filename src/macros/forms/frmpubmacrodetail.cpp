@@ -1,8 +1,9 @@
 #include "macros/forms/frmpubmacrodetail.h"
 
+#include "core/recordline.h"
 #include "core/texts.h"
 #include "quillon/forms/formkeys.h"
-#include "quillon/text/quillontext.h"
+#include "quillon/forms/formtexts.h"
 #include "ui_frmpubmacrodetail.h"
 
 #include <limits>
@@ -17,7 +18,7 @@ frmPubMacroDetail::frmPubMacroDetail(std::function<void()> help) : m_ui(std::mak
     m_ui->setupUi(this);
     // These two are stored as they stand here, so they are the same in every language.
     m_ui->cbbCate->addItems({QString::fromUtf16(myInformation), QString::fromUtf16(otherInformation)});
-    quillon::QuillonText().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
+    quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
     m_ui->sbtHelp->setEnabled(static_cast<bool>(help));
     for (QLineEdit *edit : {m_ui->txtMacro, m_ui->txtString}) {
         edit->setMaxLength(std::numeric_limits<int>::max()); // a long text of the file is not cut
@@ -72,8 +73,8 @@ bool frmPubMacroDetail::save()
     if (!m_task.save) {
         return false;
     }
-    const MacroFault fault = m_task.save({cleanedMacroField(m_ui->txtMacro->text()),
-                                          cleanedMacroField(m_ui->txtString->text()), m_ui->cbbCate->currentText()});
+    const MacroFault fault = m_task.save(
+        {fieldText(m_ui->txtMacro->text()), fieldText(m_ui->txtString->text()), m_ui->cbbCate->currentText()});
     if (fault == MacroFault::None) {
         return true;
     }

@@ -6,9 +6,6 @@ class QPlainTextEdit;
 
 namespace quillon {
 
-/// The text with CR LF at every line end, whatever its line ends were.
-[[nodiscard]] QString withCrLf(QString text);
-
 /// The text of a box exactly as it was typed, no-break spaces included, with CR LF at its line ends.
 [[nodiscard]] QString textOf(const QPlainTextEdit *box);
 

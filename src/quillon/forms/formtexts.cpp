@@ -1,7 +1,6 @@
 #include "quillon/forms/formtexts.h"
 
 #include "quillon/files/settingsfile.h"
-#include "quillon/text/quillontext.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -72,7 +71,7 @@ void applyMenuSection(QObject *root, const QString &section, const QString &path
     }
 }
 
-void QuillonText::ApplyControlTexts(QWidget *form, const QString &path) const
+void QuillonFormTexts::ApplyControlTexts(QWidget *form, const QString &path) const
 {
     const SettingsFile texts(path);
     const QString section = form->objectName();
@@ -94,7 +93,7 @@ void QuillonText::ApplyControlTexts(QWidget *form, const QString &path) const
     }
 }
 
-void QuillonText::ApplyMenuTexts(QWidget *form, const QString &path) const
+void QuillonFormTexts::ApplyMenuTexts(QWidget *form, const QString &path) const
 {
     applyMenuSection(form, form->objectName(), path);
 }

@@ -1,6 +1,8 @@
+#include "quillon/forms/windowservices.h"
+
 #include "quillon/fault.h"
 #include "quillon/forms/formregistry.h"
-#include "quillon/system/quillonsystem.h"
+#include "quillon/text/lineends.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -48,7 +50,7 @@ QMenu *menuAt(const QList<QAction *> &items, int position)
 
 } // namespace
 
-QWidget *QuillonSystem::FindWindowByTitle(const QString &title) const
+QWidget *QuillonWindows::FindWindowByTitle(const QString &title) const
 {
     QWidget *hidden = nullptr;
     const QWidgetList windows = QApplication::topLevelWidgets();
@@ -64,7 +66,7 @@ QWidget *QuillonSystem::FindWindowByTitle(const QString &title) const
     return hidden;
 }
 
-void QuillonSystem::SendWindowMessage(QWidget *window, int message, long first, long second) const
+void QuillonWindows::SendWindowMessage(QWidget *window, int message, long first, long second) const
 {
     Q_UNUSED(first)
     Q_UNUSED(second)
@@ -75,12 +77,12 @@ void QuillonSystem::SendWindowMessage(QWidget *window, int message, long first, 
     window->close();
 }
 
-QIcon QuillonSystem::DrawFileIcon(const QString &path) const
+QIcon QuillonWindows::DrawFileIcon(const QString &path) const
 {
     return QFileIconProvider().icon(QFileInfo(path));
 }
 
-void QuillonSystem::SetListExtent(QListWidget *list, int width) const
+void QuillonWindows::SetListExtent(QListWidget *list, int width) const
 {
     list->setWordWrap(false);
     list->setTextElideMode(Qt::ElideNone);
@@ -89,22 +91,22 @@ void QuillonSystem::SetListExtent(QListWidget *list, int width) const
     list->setItemDelegate(new ExtentDelegate(width, list));
 }
 
-QMenuBar *QuillonSystem::GetMenuHandle(QMainWindow *window) const
+QMenuBar *QuillonWindows::GetMenuHandle(QMainWindow *window) const
 {
     return window->menuBar();
 }
 
-QMenu *QuillonSystem::GetSubMenuHandle(QMenuBar *bar, int position) const
+QMenu *QuillonWindows::GetSubMenuHandle(QMenuBar *bar, int position) const
 {
     return menuAt(bar->actions(), position);
 }
 
-QMenu *QuillonSystem::GetSubMenuHandle(QMenu *menu, int position) const
+QMenu *QuillonWindows::GetSubMenuHandle(QMenu *menu, int position) const
 {
     return menuAt(menu->actions(), position);
 }
 
-void QuillonSystem::MarkMenuItem(QMenu *menu, int position) const
+void QuillonWindows::MarkMenuItem(QMenu *menu, int position) const
 {
     const QList<QAction *> items = menu->actions();
     QAction *item = position >= 0 && position < items.size() ? items.at(position) : nullptr;
@@ -126,18 +128,15 @@ void QuillonSystem::MarkMenuItem(QMenu *menu, int position) const
     item->setChecked(true);
 }
 
-void QuillonSystem::SetClipboardText(const QString &text) const
+void QuillonWindows::SetClipboardText(const QString &text) const
 {
     // The desktop's line end is a line feed; other programs would show a carriage return as a character.
-    QString desktop = text;
-    QApplication::clipboard()->setText(desktop.replace(u"\r\n"_s, u"\n"_s));
+    QApplication::clipboard()->setText(withCrLf(text).remove(u'\r'));
 }
 
-QString QuillonSystem::GetClipboardText() const
+QString QuillonWindows::GetClipboardText() const
 {
-    QString text = QApplication::clipboard()->text();
-    text.replace(u"\r\n"_s, u"\n"_s);
-    return text.replace(u'\n', u"\r\n"_s);
+    return withCrLf(QApplication::clipboard()->text());
 }
 
 } // namespace quillon

@@ -1,50 +1,98 @@
 #include "quillon/mail/encodinglist.h"
 
+#include <QStringList>
+
 using namespace Qt::StringLiterals;
 
 namespace quillon {
 
+namespace {
+
+constexpr auto betweenEntries = " || "_L1;
+constexpr auto betweenCodeAndName = " | "_L1;
+
+struct Encoding {
+    const char16_t *code;
+    const char16_t *name;
+};
+
 // Left out on purpose: charsets that common readers refuse to decode for safety (ISO-2022-KR, UTF-7) and the wide
 // forms of Unicode, which no mail may hold as text.
+constexpr Encoding encodings[] = {
+    {u"_autodetect", u"Auto-Select"},
+    {u"_user", u"User Defined"},
+    {u"iso-8859-6", u"Arabic (ISO)"},
+    {u"windows-1256", u"Arabic (Windows)"},
+    {u"iso-8859-4", u"Baltic (ISO)"},
+    {u"iso-8859-13", u"Baltic (ISO-8859-13)"},
+    {u"windows-1257", u"Baltic (Windows)"},
+    {u"iso-8859-14", u"Celtic (ISO)"},
+    {u"iso-8859-2", u"Central European (ISO)"},
+    {u"windows-1250", u"Central European (Windows)"},
+    {u"gb18030", u"Chinese Simplified (GB18030)"},
+    {u"gb2312", u"Chinese Simplified (GB2312)"},
+    {u"big5", u"Chinese Traditional (Big5)"},
+    {u"iso-8859-5", u"Cyrillic (ISO)"},
+    {u"koi8-r", u"Cyrillic (KOI8-R)"},
+    {u"koi8-u", u"Cyrillic (KOI8-U)"},
+    {u"windows-1251", u"Cyrillic (Windows)"},
+    {u"iso-8859-7", u"Greek (ISO)"},
+    {u"windows-1253", u"Greek (Windows)"},
+    {u"iso-8859-8", u"Hebrew (ISO)"},
+    {u"windows-1255", u"Hebrew (Windows)"},
+    {u"euc-jp", u"Japanese (EUC)"},
+    {u"iso-2022-jp", u"Japanese (JIS)"},
+    {u"shift_jis", u"Japanese (Shift-JIS)"},
+    {u"euc-kr", u"Korean"},
+    {u"iso-8859-10", u"Nordic (ISO)"},
+    {u"iso-8859-3", u"South European (ISO)"},
+    {u"iso-8859-16", u"South-Eastern European (ISO)"},
+    {u"tis-620", u"Thai"},
+    {u"iso-8859-9", u"Turkish (ISO)"},
+    {u"windows-1254", u"Turkish (Windows)"},
+    {u"utf-8", u"Unicode (UTF-8)"},
+    {u"us-ascii", u"US-ASCII"},
+    {u"windows-1258", u"Vietnamese (Windows)"},
+    {u"iso-8859-1", u"Western European (ISO)"},
+    {u"iso-8859-15", u"Western European (ISO-8859-15)"},
+    {u"windows-1252", u"Western European (Windows)"},
+};
+
+} // namespace
+
+std::optional<EncodingEntry> EncodingEntry::parse(const QString &text)
+{
+    const qsizetype bar = text.indexOf(betweenCodeAndName);
+    if (bar < 0) {
+        return std::nullopt;
+    }
+    return EncodingEntry{text.first(bar), text.sliced(bar + betweenCodeAndName.size())};
+}
+
+QString EncodingEntry::format() const
+{
+    return Code + betweenCodeAndName + Name;
+}
+
 QString encodingList()
 {
-    return u"_autodetect | Auto-Select"
-           u" || _user | User Defined"
-           u" || iso-8859-6 | Arabic (ISO)"
-           u" || windows-1256 | Arabic (Windows)"
-           u" || iso-8859-4 | Baltic (ISO)"
-           u" || iso-8859-13 | Baltic (ISO-8859-13)"
-           u" || windows-1257 | Baltic (Windows)"
-           u" || iso-8859-14 | Celtic (ISO)"
-           u" || iso-8859-2 | Central European (ISO)"
-           u" || windows-1250 | Central European (Windows)"
-           u" || gb18030 | Chinese Simplified (GB18030)"
-           u" || gb2312 | Chinese Simplified (GB2312)"
-           u" || big5 | Chinese Traditional (Big5)"
-           u" || iso-8859-5 | Cyrillic (ISO)"
-           u" || koi8-r | Cyrillic (KOI8-R)"
-           u" || koi8-u | Cyrillic (KOI8-U)"
-           u" || windows-1251 | Cyrillic (Windows)"
-           u" || iso-8859-7 | Greek (ISO)"
-           u" || windows-1253 | Greek (Windows)"
-           u" || iso-8859-8 | Hebrew (ISO)"
-           u" || windows-1255 | Hebrew (Windows)"
-           u" || euc-jp | Japanese (EUC)"
-           u" || iso-2022-jp | Japanese (JIS)"
-           u" || shift_jis | Japanese (Shift-JIS)"
-           u" || euc-kr | Korean"
-           u" || iso-8859-10 | Nordic (ISO)"
-           u" || iso-8859-3 | South European (ISO)"
-           u" || iso-8859-16 | South-Eastern European (ISO)"
-           u" || tis-620 | Thai"
-           u" || iso-8859-9 | Turkish (ISO)"
-           u" || windows-1254 | Turkish (Windows)"
-           u" || utf-8 | Unicode (UTF-8)"
-           u" || us-ascii | US-ASCII"
-           u" || windows-1258 | Vietnamese (Windows)"
-           u" || iso-8859-1 | Western European (ISO)"
-           u" || iso-8859-15 | Western European (ISO-8859-15)"
-           u" || windows-1252 | Western European (Windows)"_s;
+    QStringList entries;
+    for (const Encoding &encoding : encodings) {
+        entries.append(EncodingEntry{QString::fromUtf16(encoding.code), QString::fromUtf16(encoding.name)}.format());
+    }
+    return entries.join(betweenEntries);
+}
+
+QList<EncodingEntry> offeredEncodings(const QString &list)
+{
+    QList<EncodingEntry> offered;
+    const QStringList texts = list.split(betweenEntries, Qt::SkipEmptyParts);
+    for (const QString &text : texts) {
+        if (auto entry = EncodingEntry::parse(text); entry && entry->isOffered()) {
+            offered.append(*std::move(entry));
+        }
+    }
+    return offered;
 }
 
 } // namespace quillon

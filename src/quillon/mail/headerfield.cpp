@@ -1,9 +1,8 @@
 #include "quillon/mail/headerfield.h"
 
+#include "quillon/mail/asciidomain.h"
 #include "quillon/mail/charset.h"
 #include "quillon/mail/encodedword.h"
-
-#include <QUrl>
 
 #include <algorithm>
 
@@ -113,8 +112,8 @@ bool isAsciiDomain(QByteArrayView domain)
            });
 }
 
-/// The domain's ASCII form, empty when it has none.
-QByteArray asciiDomain(const QString &domain)
+/// The domain in ASCII as it may stand in a header field; empty when it may not.
+QByteArray headerDomain(const QString &domain)
 {
     if (domain.startsWith(u'[')) {
         const bool isLiteral = domain.size() > 2 && domain.endsWith(u']') &&
@@ -123,7 +122,7 @@ QByteArray asciiDomain(const QString &domain)
                                });
         return isLiteral ? domain.toLatin1() : QByteArray();
     }
-    const QByteArray octets = isPrintableAscii(domain) ? domain.toLatin1() : QUrl::toAce(domain);
+    const QByteArray octets = asciiDomain(domain);
     return isAsciiDomain(octets) ? octets : QByteArray();
 }
 
@@ -212,7 +211,7 @@ std::optional<AddressSpec> addressSpec(const QString &address)
         return std::nullopt;
     }
     const QString local = address.left(at);
-    const QByteArray domain = asciiDomain(address.mid(at + 1));
+    const QByteArray domain = headerDomain(address.mid(at + 1));
     if (domain.isEmpty() || !isLocalPart(local)) {
         return std::nullopt;
     }

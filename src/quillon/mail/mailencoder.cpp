@@ -6,6 +6,7 @@
 #include "quillon/mail/mailfiles.h"
 #include "quillon/mail/mailheaders.h"
 #include "quillon/mail/transfercoding.h"
+#include "quillon/text/lineends.h"
 
 #include <QFileInfo>
 #include <QHash>

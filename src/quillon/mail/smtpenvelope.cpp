@@ -1,7 +1,8 @@
 #include "quillon/mail/smtpenvelope.h"
 
+#include "quillon/mail/asciidomain.h"
+
 #include <QSet>
-#include <QUrl>
 
 #include <algorithm>
 
@@ -53,17 +54,11 @@ std::optional<Path> pathOf(const QString &address)
         return std::nullopt;
     }
     const qsizetype at = address.lastIndexOf(u'@');
-    QString local = at < 0 ? address : address.left(at);
-    QString domain = at < 0 ? QString() : address.mid(at + 1);
+    const QString local = at < 0 ? address : address.left(at);
+    // Only the local part has no ASCII form; with one in ASCII, the domain's ASCII form spares the extension.
+    const QString domain = at < 0 ? QString() : QString::fromLatin1(asciiDomain(address.mid(at + 1)));
     if (local.isEmpty() || (at >= 0 && domain.isEmpty())) {
         return std::nullopt;
-    }
-    // Only the local part has no ASCII form; with one in ASCII, the domain's ASCII form spares the extension.
-    if (!isAscii(domain)) {
-        domain = QString::fromLatin1(QUrl::toAce(domain));
-        if (domain.isEmpty()) {
-            return std::nullopt;
-        }
     }
     Path path;
     path.NeedsUtf8 = !isAscii(local);
@@ -162,7 +157,7 @@ QString asciiHost(const QString &host)
     if (std::any_of(name.cbegin(), name.cend(), unfit)) {
         return {};
     }
-    return isAscii(name) ? name : QString::fromLatin1(QUrl::toAce(name));
+    return QString::fromLatin1(asciiDomain(name));
 }
 
 } // namespace quillon

@@ -182,24 +182,4 @@ void appendCoded(QByteArray &out, QByteArrayView bytes, TransferCoding coding, b
     }
 }
 
-QString withCrLf(const QString &text)
-{
-    QString result;
-    result.reserve(text.size() + text.size() / 32);
-    qsizetype begin = 0;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const char16_t c = text[i].unicode();
-        if (c != u'\r' && c != u'\n') {
-            continue;
-        }
-        result += QStringView(text).sliced(begin, i - begin);
-        result += u"\r\n";
-        if (c == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n') {
-            ++i;
-        }
-        begin = i + 1;
-    }
-    return result += QStringView(text).sliced(begin);
-}
-
 } // namespace quillon

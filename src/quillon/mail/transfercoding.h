@@ -35,7 +35,4 @@ enum class TransferCoding { SevenBit, QuotedPrintable, Base64 };
 /// Appends @p bytes in @p coding, see above.
 void appendCoded(QByteArray &out, QByteArrayView bytes, TransferCoding coding, bool standsAlone);
 
-/// @p text with every CR, LF or CR LF written as CR LF, the one line end of mail.
-[[nodiscard]] QString withCrLf(const QString &text);
-
 } // namespace quillon

@@ -7,17 +7,9 @@
 #include <QString>
 #include <QStringList>
 
-class QIcon;
-class QListWidget;
-class QMainWindow;
-class QMenu;
-class QMenuBar;
-class QWidget;
-
 namespace quillon {
 
-/// The system's services. Those that work on windows, menus and the clipboard are linked from the library's form
-/// target; a program without a display does not call them.
+/// The system's services, as far as they need no display; QuillonWindows has those on windows, menus and the clipboard.
 class QuillonSystem {
 public:
     /// Major version of the operating system; below 6 selects the paths of old systems. Here 10, unless a test set it.
@@ -50,20 +42,6 @@ public:
     void EndProcess(const QString &executable) const;
     /// A pause: settled when it is over, while the event loop goes on; nothing shortens it.
     Pending<> WaitMilliseconds(qint64 milliseconds) const;
-
-    // Windows, menus, clipboard: defined in the form target.
-    [[nodiscard]] QWidget *FindWindowByTitle(const QString &title) const;
-    /// Message 16 closes the window; another is a fault.
-    void SendWindowMessage(QWidget *window, int message, long first, long second) const;
-    [[nodiscard]] QIcon DrawFileIcon(const QString &path) const;
-    void SetListExtent(QListWidget *list, int width) const;
-    [[nodiscard]] QMenuBar *GetMenuHandle(QMainWindow *window) const;
-    [[nodiscard]] QMenu *GetSubMenuHandle(QMenuBar *bar, int position) const;
-    [[nodiscard]] QMenu *GetSubMenuHandle(QMenu *menu, int position) const;
-    /// Shows a radio mark at that position (from 0), and takes it from the others of its group.
-    void MarkMenuItem(QMenu *menu, int position) const;
-    void SetClipboardText(const QString &text) const;
-    [[nodiscard]] QString GetClipboardText() const;
 };
 
 } // namespace quillon

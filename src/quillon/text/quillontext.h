@@ -3,11 +3,9 @@
 #include <QString>
 #include <QStringList>
 
-class QWidget;
-
 namespace quillon {
 
-/// Texts that depend on the system or on the language files.
+/// Texts that depend on the system; QuillonFormTexts has those of the language files.
 class QuillonText {
 public:
     /// All encodings as one text: entries of code, " | ", display name, separated by " || ". Entries that begin with
@@ -25,13 +23,6 @@ public:
     [[nodiscard]] QString WeekdayText(int number) const;
     /// English name of a month, 1 to 12, as mail's Date header wants it ("Jan"); empty with a fault for another number.
     [[nodiscard]] QString MonthText(int number) const;
-
-    /// Sets captions and tool tips of the form's controls from a language file. Sections are named after the form;
-    /// keys are `<objectName>` for the caption and `<objectName>.tip` for the tool tip; `<form>` itself as the key
-    /// sets the form's title. A key that is not there leaves the control as it was designed.
-    void ApplyControlTexts(QWidget *form, const QString &path) const;
-    /// Sets captions of the form's menus and menu items (QMenu and QAction by objectName) from a language file.
-    void ApplyMenuTexts(QWidget *form, const QString &path) const;
 };
 
 } // namespace quillon

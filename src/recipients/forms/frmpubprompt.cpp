@@ -3,7 +3,7 @@
 #include "core/recipiententry.h"
 #include "core/texts.h"
 #include "quillon/forms/formkeys.h"
-#include "quillon/text/quillontext.h"
+#include "quillon/forms/formtexts.h"
 #include "recipients/promptmodel.h"
 #include "ui_frmpubprompt.h"
 
@@ -19,7 +19,7 @@ frmPubPrompt::frmPubPrompt(const ApplicationGlobals &globals, const QStringList 
       m_ui(std::make_unique<Ui::frmPubPrompt>())
 {
     m_ui->setupUi(this);
-    quillon::QuillonText().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
+    quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
     m_ui->sbtHelp->setEnabled(static_cast<bool>(help));
     connect(m_ui->sbtHelp, &QPushButton::clicked, this, [open = std::move(help)] { open(); });
     m_ui->lstRecips->setModel(m_model);

@@ -1,6 +1,7 @@
 #include "records/forms/fieldboxes.h"
 
 #include "core/texts.h"
+#include "quillon/text/lineends.h"
 
 #include <QAbstractButton>
 #include <QLineEdit>
@@ -13,34 +14,15 @@ namespace {
 
 constexpr quint64 highestPort = 65535;
 
-bool breaksLine(QChar letter)
-{
-    const QChar::Category category = letter.category();
-    return category == QChar::Other_Control || category == QChar::Separator_Line ||
-           category == QChar::Separator_Paragraph;
-}
-
-/// The text on one line; a carriage return with its line feed is one line end.
-QString onOneLine(QString text)
-{
-    text.replace("\r\n"_L1, " "_L1);
-    for (QChar &letter : text) {
-        if (breaksLine(letter)) {
-            letter = u' ';
-        }
-    }
-    return text;
-}
-
 } // namespace
 
 void keepOneLine(QLineEdit *box)
 {
     QObject::connect(box, &QLineEdit::textChanged, box, [box] {
         const QString text = box->text();
-        const QString clean = onOneLine(text);
+        const QString clean = quillon::withoutControls(text);
         if (clean != text) {
-            const auto caret = static_cast<int>(onOneLine(text.left(box->cursorPosition())).size());
+            const auto caret = static_cast<int>(quillon::withoutControls(text.left(box->cursorPosition())).size());
             box->setText(clean);
             box->setCursorPosition(caret);
         }

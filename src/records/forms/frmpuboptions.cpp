@@ -1,12 +1,13 @@
 #include "records/forms/frmpuboptions.h"
 
+#include "message/encodingsearch.h"
 #include "core/settings.h"
 #include "core/site.h"
 #include "core/texts.h"
 #include "quillon/forms/arraynames.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formregistry.h"
-#include "quillon/text/quillontext.h"
+#include "quillon/forms/formtexts.h"
 #include "records/accountpresets.h"
 #include "records/connectiontest.h"
 #include "records/forms/recordtab.h"
@@ -108,8 +109,8 @@ frmPubOptions::frmPubOptions(ApplicationGlobals &globals, Message &message, quil
     makeTabs();
     connectButtons();
     addKeys();
-    quillon::QuillonText().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
-    quillon::QuillonText().ApplyMenuTexts(this, languageFolder() + u"/menus.dll"_s);
+    quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
+    quillon::QuillonFormTexts().ApplyMenuTexts(this, languageFolder() + u"/menus.dll"_s);
     keepCaptions(this);
     connect(m_ui->sst, &QTabWidget::currentChanged, this, &frmPubOptions::ShowOptionsTab);
     m_ui->sst->setCurrentIndex(ProxyTab);
@@ -141,8 +142,9 @@ void frmPubOptions::makeTabs()
     tab(m_senders, u"lsv(0)"_s, buttonsOf(this, u"sbtSender"_s, usualOrder), dialog(u"frmPubSender"_s));
     tab(m_signatures, u"lsv(1)"_s, buttonsOf(this, u"sbtSign"_s, signatureOrder), {});
     m_signatureTab = new SignatureTab(this, m_signatures, m_globals, m_hooks.macroItems);
-    m_settings = new SettingsTab(this, {m_hooks.encodingName ? m_hooks.encodingName : [] { return QString(); },
-                                        [this](const QString &displayName) { return codeOfEncoding(displayName); }});
+    m_settings = new SettingsTab(
+        this, {m_hooks.encodingName ? m_hooks.encodingName : [] { return QString(); },
+               [this](const QString &displayName) { return selectEncodingOfName(m_message, displayName); }});
 }
 
 void frmPubOptions::makePresetMenu(RecordTab *accounts)
@@ -309,18 +311,6 @@ quillon::Task<> frmPubOptions::showTest(QString key, quillon::Task<ConnectionTes
     if (focus) {
         focus->setFocus();
     }
-}
-
-QString frmPubOptions::codeOfEncoding(const QString &displayName)
-{
-    for (int i = 0; i < m_message.encodingCount(); ++i) {
-        m_message.selectEncoding(i);
-        const QString entry = m_message.selectedEncoding();
-        if (entry.section(u" | "_s, 1) == displayName) {
-            return entry.section(u" | "_s, 0, 0);
-        }
-    }
-    return {};
 }
 
 void frmPubOptions::closeEvent(QCloseEvent *event)

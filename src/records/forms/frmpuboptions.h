@@ -71,7 +71,6 @@ private:
     void test();
     /// Shows that a test is under way while it takes its steps, and then how it ended.
     quillon::Task<> showTest(QString key, quillon::Task<ConnectionTestResult> test);
-    [[nodiscard]] QString codeOfEncoding(const QString &displayName);
 
     ApplicationGlobals &m_globals;
     Message &m_message;

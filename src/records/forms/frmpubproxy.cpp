@@ -2,8 +2,8 @@
 
 #include "quillon/forms/arraynames.h"
 #include "quillon/system/prompts.h"
-#include "records/accountrecords.h"
 #include "records/forms/fieldboxes.h"
+#include "records/recordfields.h"
 #include "ui_frmpubproxy.h"
 
 #include <utility>

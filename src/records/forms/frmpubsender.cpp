@@ -2,7 +2,7 @@
 
 #include "quillon/forms/arraynames.h"
 #include "quillon/system/prompts.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 #include "ui_frmpubsender.h"
 
 #include <utility>

@@ -1,10 +1,10 @@
 #include "records/forms/recorddialog.h"
 
+#include "core/recordline.h"
 #include "core/texts.h"
 #include "quillon/forms/formkeys.h"
+#include "quillon/forms/formtexts.h"
 #include "quillon/text/quillonaddress.h"
-#include "quillon/text/quillontext.h"
-#include "records/accountrecords.h"
 #include "records/forms/fieldboxes.h"
 
 #include <QCheckBox>
@@ -23,7 +23,7 @@ RecordDialog::RecordDialog() = default;
 void RecordDialog::setUp(Form form, std::function<void()> help)
 {
     m_form = std::move(form);
-    quillon::QuillonText().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
+    quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
     prepareBoxes();
     connectButtons(std::move(help));
     begin({});

@@ -1,6 +1,7 @@
 #include "records/forms/settingstab.h"
 
 #include "quillon/forms/arraynames.h"
+#include "quillon/mail/encodinglist.h"
 #include "quillon/text/quillontext.h"
 
 #include <QCheckBox>
@@ -65,11 +66,9 @@ void SettingsTab::fillLists()
     for (const int size : {8, 9, 10, 11, 12, 14, 16, 18, 20, 22, 24, 26, 28, 36, 48, 72}) {
         m_cbb[FontSizes]->addItem(QString::number(size));
     }
-    const QStringList entries = quillon::QuillonText().GetEncodingList().split(u" || "_s, Qt::SkipEmptyParts);
-    for (const QString &entry : entries) {
-        if (!entry.startsWith(u'_')) {
-            m_cbb[EncodingNames]->addItem(entry.section(u" | "_s, 1));
-        }
+    const auto encodings = quillon::offeredEncodings(quillon::QuillonText().GetEncodingList());
+    for (const quillon::EncodingEntry &entry : encodings) {
+        m_cbb[EncodingNames]->addItem(entry.Name);
     }
 }
 

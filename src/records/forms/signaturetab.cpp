@@ -3,7 +3,6 @@
 #include "core/texts.h"
 #include "quillon/forms/arraynames.h"
 #include "quillon/forms/boxtext.h"
-#include "records/accountrecords.h"
 #include "records/forms/fieldboxes.h"
 #include "records/forms/renamedelegate.h"
 #include "records/signaturerecords.h"
@@ -125,7 +124,7 @@ void SignatureTab::textChanged()
 {
     const QString text = quillon::textOf(m_text);
     if (!m_showing && m_writable && !text.trimmed().isEmpty()) {
-        SaveSignatureRecord(m_globals, u"M"_s, name(), {}, text, {});
+        SaveSignatureRecord(m_globals, SignatureChange::Modify, name(), {}, text, {});
     }
 }
 
@@ -138,7 +137,7 @@ void SignatureTab::pathChanged(const QString &path)
     if (!QFileInfo(path).isFile()) {
         showMessage(u"SIGN_NOT_EXIST"_s, quillon::WarningBox, path);
     } else if (m_list.present() >= 0) {
-        SaveSignatureRecord(m_globals, u"M"_s, name(), {}, {}, path);
+        SaveSignatureRecord(m_globals, SignatureChange::Modify, name(), {}, {}, path);
     }
 }
 
@@ -197,7 +196,7 @@ void SignatureTab::renamed(const QPersistentModelIndex &index, const QString &ty
         refuseName(index, u"SENDER_EXISTS", next);
     } else {
         const bool standard = m_globals.settings.signature[SignatureDefault] == old;
-        if (!SaveSignatureRecord(m_globals, u"R"_s, old, next, {}, {})) {
+        if (!SaveSignatureRecord(m_globals, SignatureChange::Rename, old, next, {}, {})) {
             return; // the list goes on to say what the file says
         }
         m_list.model().replace(index.row(), next);

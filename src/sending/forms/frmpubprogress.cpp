@@ -2,7 +2,7 @@
 
 #include "core/texts.h"
 #include "quillon/forms/formkeys.h"
-#include "quillon/text/quillontext.h"
+#include "quillon/forms/formtexts.h"
 #include "sending/progressview.h"
 #include "ui_frmpubprogress.h"
 
@@ -24,7 +24,7 @@ constexpr std::chrono::milliseconds rest{40}; // nobody reads faster, and a fast
 frmPubProgress::frmPubProgress(Hooks hooks) : m_hooks(std::move(hooks)), m_ui(std::make_unique<Ui::frmPubProgress>())
 {
     m_ui->setupUi(this);
-    quillon::QuillonText().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
+    quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
     // The rest text is compared with, so it is the same in every language.
     m_ui->lblQty->setText(QString::fromUtf16(progressRestText));
     setModal(false);

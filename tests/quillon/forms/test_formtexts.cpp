@@ -1,6 +1,5 @@
 #include "quillon/fault.h"
 #include "quillon/forms/formtexts.h"
-#include "quillon/text/quillontext.h"
 
 #include <QAction>
 #include <QFile>
@@ -87,7 +86,7 @@ void TestFormTexts::captionsAndTipsComeFromTheFormsSection()
         write(u"[frmPubX]\r\nfrmPubX=Titel\r\nlbl(0)=&Empfänger\r\nsbtA=&Senden\r\nsbtA.tip=Jetzt senden\r\n"
               "fraA=Rahmen\r\ntab(0)=Seite\r\ntab(0).tip=Erste Seite\r\n"
               "[frmPubY]\r\nsbtA=anders\r\n"_s);
-    quillon::QuillonText().ApplyControlTexts(&sample.form, path);
+    quillon::QuillonFormTexts().ApplyControlTexts(&sample.form, path);
     QCOMPARE(sample.form.windowTitle(), u"Titel"_s);
     QCOMPARE(sample.label->text(), u"&Empfänger"_s);
     QCOMPARE(sample.button->text(), u"&Senden"_s);
@@ -100,7 +99,7 @@ void TestFormTexts::captionsAndTipsComeFromTheFormsSection()
 void TestFormTexts::keysThatAreMissingLeaveTheDesign()
 {
     Sample sample;
-    quillon::QuillonText().ApplyControlTexts(&sample.form, write(u"[frmPubX]\r\nsbtA.tip=Tip\r\n"_s));
+    quillon::QuillonFormTexts().ApplyControlTexts(&sample.form, write(u"[frmPubX]\r\nsbtA.tip=Tip\r\n"_s));
     QCOMPARE(sample.form.windowTitle(), u"Design"_s);
     QCOMPARE(sample.button->text(), u"design"_s);
     QCOMPARE(sample.button->toolTip(), u"Tip"_s);
@@ -112,8 +111,8 @@ void TestFormTexts::aMissingFileLeavesTheDesign()
     Sample sample;
     const int faults = quillon::faultCount();
     const QString path = m_folder.filePath(u"none.dll"_s);
-    quillon::QuillonText().ApplyControlTexts(&sample.form, path);
-    quillon::QuillonText().ApplyMenuTexts(&sample.form, path);
+    quillon::QuillonFormTexts().ApplyControlTexts(&sample.form, path);
+    quillon::QuillonFormTexts().ApplyMenuTexts(&sample.form, path);
     QCOMPARE(sample.form.windowTitle(), u"Design"_s);
     QCOMPARE(sample.button->text(), u"design"_s);
     QCOMPARE(sample.menu->title(), u"design"_s);
@@ -125,7 +124,8 @@ void TestFormTexts::aMissingFileLeavesTheDesign()
 void TestFormTexts::aCaptionIsNeverAnEditsContent()
 {
     Sample sample;
-    quillon::QuillonText().ApplyControlTexts(&sample.form, write(u"[frmPubX]\r\ntxt(0)=wrong\r\ntxt(0).tip=Tip\r\n"_s));
+    quillon::QuillonFormTexts().ApplyControlTexts(&sample.form,
+                                                  write(u"[frmPubX]\r\ntxt(0)=wrong\r\ntxt(0).tip=Tip\r\n"_s));
     QCOMPARE(sample.edit->text(), u"content"_s);
     QCOMPARE(sample.edit->toolTip(), u"Tip"_s);
 }
@@ -133,8 +133,8 @@ void TestFormTexts::aCaptionIsNeverAnEditsContent()
 void TestFormTexts::menusAndItemsTakeTheirCaptions()
 {
     Sample sample;
-    quillon::QuillonText().ApplyMenuTexts(&sample.form,
-                                          write(u"[frmPubX]\r\nmenf=&Datei\r\nmenfs=&Senden\r\nsbtA=nicht\r\n"_s));
+    quillon::QuillonFormTexts().ApplyMenuTexts(&sample.form,
+                                               write(u"[frmPubX]\r\nmenf=&Datei\r\nmenfs=&Senden\r\nsbtA=nicht\r\n"_s));
     QCOMPARE(sample.menu->title(), u"&Datei"_s);
     QCOMPARE(sample.item->text(), u"&Senden"_s);
     QCOMPARE(sample.button->text(), u"design"_s);

@@ -1,6 +1,6 @@
 #include "quillon/fault.h"
 #include "quillon/forms/formregistry.h"
-#include "quillon/system/quillonsystem.h"
+#include "quillon/forms/windowservices.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -16,7 +16,7 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using quillon::QuillonSystem;
+using quillon::QuillonWindows;
 
 class TestWindowServices : public QObject {
     Q_OBJECT
@@ -42,8 +42,8 @@ void TestWindowServices::aWindowIsFoundByItsExactTitle()
     window.setWindowTitle(u"Corvane Help"_s);
     QWidget other;
     other.setWindowTitle(u"Corvane Help 2"_s);
-    QCOMPARE(QuillonSystem().FindWindowByTitle(u"Corvane Help"_s), &window);
-    QCOMPARE(QuillonSystem().FindWindowByTitle(u"corvane help"_s), nullptr);
+    QCOMPARE(QuillonWindows().FindWindowByTitle(u"Corvane Help"_s), &window);
+    QCOMPARE(QuillonWindows().FindWindowByTitle(u"corvane help"_s), nullptr);
 }
 
 void TestWindowServices::anUnloadedFormIsNotFound()
@@ -54,18 +54,18 @@ void TestWindowServices::anUnloadedFormIsNotFound()
         form->setWindowTitle(u"Corvane Help"_s);
         return form;
     });
-    QCOMPARE(QuillonSystem().FindWindowByTitle(u"Corvane Help"_s), nullptr);
+    QCOMPARE(QuillonWindows().FindWindowByTitle(u"Corvane Help"_s), nullptr);
     forms.form(u"frmPubHelp"_s);
-    QVERIFY(QuillonSystem().FindWindowByTitle(u"Corvane Help"_s));
+    QVERIFY(QuillonWindows().FindWindowByTitle(u"Corvane Help"_s));
     forms.unload(u"frmPubHelp"_s);
-    QCOMPARE(QuillonSystem().FindWindowByTitle(u"Corvane Help"_s), nullptr);
+    QCOMPARE(QuillonWindows().FindWindowByTitle(u"Corvane Help"_s), nullptr);
 }
 
 void TestWindowServices::message16ClosesAWindow()
 {
     QWidget window;
     window.show();
-    QuillonSystem().SendWindowMessage(&window, 16, 0, 0);
+    QuillonWindows().SendWindowMessage(&window, 16, 0, 0);
     QVERIFY(!window.isVisible());
 }
 
@@ -74,8 +74,8 @@ void TestWindowServices::anotherMessageIsAFault()
     QWidget window;
     window.show();
     const int faults = quillon::faultCount();
-    QuillonSystem().SendWindowMessage(&window, 17, 0, 0);
-    QuillonSystem().SendWindowMessage(nullptr, 16, 0, 0);
+    QuillonWindows().SendWindowMessage(&window, 17, 0, 0);
+    QuillonWindows().SendWindowMessage(nullptr, 16, 0, 0);
     QCOMPARE(quillon::faultCount(), faults + 2);
     QVERIFY(window.isVisible());
 }
@@ -85,8 +85,8 @@ void TestWindowServices::filesAndFoldersHaveAnIcon()
     const QTemporaryDir folder;
     QFile file(folder.filePath(u"a.txt"_s));
     QVERIFY(file.open(QIODevice::WriteOnly));
-    QVERIFY(!QuillonSystem().DrawFileIcon(file.fileName()).isNull());
-    QVERIFY(!QuillonSystem().DrawFileIcon(folder.path()).isNull());
+    QVERIFY(!QuillonWindows().DrawFileIcon(file.fileName()).isNull());
+    QVERIFY(!QuillonWindows().DrawFileIcon(folder.path()).isNull());
 }
 
 void TestWindowServices::aListScrollsToItsExtent()
@@ -95,7 +95,7 @@ void TestWindowServices::aListScrollsToItsExtent()
     list.addItem(u"short"_s);
     list.resize(200, 100);
     list.show();
-    QuillonSystem().SetListExtent(&list, 500);
+    QuillonWindows().SetListExtent(&list, 500);
     QVERIFY(QTest::qWaitForWindowExposed(&list));
     QTRY_COMPARE(list.horizontalScrollBar()->maximum() + list.viewport()->width(), 500);
 }
@@ -111,7 +111,7 @@ void TestWindowServices::subMenusAreReachedByPosition()
         i == 3 ? fifth->addSeparator() : fifth->addAction(QString::number(i));
     }
     QMenu *encodings = fifth->addMenu(u"Encoding"_s);
-    const QuillonSystem system;
+    const QuillonWindows system;
     QMenuBar *bar = system.GetMenuHandle(&window);
     QCOMPARE(bar, window.menuBar());
     QCOMPARE(system.GetSubMenuHandle(bar, 4), fifth);
@@ -123,9 +123,9 @@ void TestWindowServices::aMissingSubMenuIsAFault()
     QMenu menu;
     menu.addAction(u"plain"_s);
     const int faults = quillon::faultCount();
-    QCOMPARE(QuillonSystem().GetSubMenuHandle(&menu, 0), nullptr);
-    QCOMPARE(QuillonSystem().GetSubMenuHandle(&menu, 1), nullptr);
-    QCOMPARE(QuillonSystem().GetSubMenuHandle(&menu, -1), nullptr);
+    QCOMPARE(QuillonWindows().GetSubMenuHandle(&menu, 0), nullptr);
+    QCOMPARE(QuillonWindows().GetSubMenuHandle(&menu, 1), nullptr);
+    QCOMPARE(QuillonWindows().GetSubMenuHandle(&menu, -1), nullptr);
     QCOMPARE(quillon::faultCount(), faults + 3);
 }
 
@@ -143,9 +143,9 @@ void TestWindowServices::theRadioMarkMovesWithinItsGroup()
         }
         return checked;
     };
-    QuillonSystem().MarkMenuItem(&menu, 0);
+    QuillonWindows().MarkMenuItem(&menu, 0);
     QCOMPARE(marks(), (QList<bool>{true, false, false}));
-    QuillonSystem().MarkMenuItem(&menu, 2);
+    QuillonWindows().MarkMenuItem(&menu, 2);
     QCOMPARE(marks(), (QList<bool>{false, false, true}));
     QVERIFY(items.at(1)->isCheckable());
     QVERIFY(items.at(0)->actionGroup() && items.at(0)->actionGroup() == items.at(2)->actionGroup());
@@ -158,7 +158,7 @@ void TestWindowServices::aMarkOnNothingIsAFault()
     menu.addMenu(u"sub"_s);
     const int faults = quillon::faultCount();
     for (const int position : {-1, 0, 1, 2}) {
-        QuillonSystem().MarkMenuItem(&menu, position);
+        QuillonWindows().MarkMenuItem(&menu, position);
     }
     QCOMPARE(quillon::faultCount(), faults + 4);
 }
@@ -170,17 +170,18 @@ void TestWindowServices::clipboardTextComesWithCarriageReturns_data()
     QTest::newRow("crlf") << u"a\r\nb\r\n"_s << u"a\r\nb\r\n"_s;
     QTest::newRow("lf") << u"a\nb"_s << u"a\r\nb"_s;
     QTest::newRow("both") << u"a\nb\r\nc"_s << u"a\r\nb\r\nc"_s;
+    QTest::newRow("cr") << u"a\rb"_s << u"a\r\nb"_s;
     QTest::newRow("none") << u"äß"_s << u"äß"_s;
 }
 
 void TestWindowServices::clipboardTextComesWithCarriageReturns()
 {
     QFETCH(QString, put);
-    QuillonSystem().SetClipboardText(put);
-    QTEST(QuillonSystem().GetClipboardText(), "got");
+    QuillonWindows().SetClipboardText(put);
+    QTEST(QuillonWindows().GetClipboardText(), "got");
     QVERIFY(!QApplication::clipboard()->text().contains(u'\r'));
     QApplication::clipboard()->setText(put);
-    QTEST(QuillonSystem().GetClipboardText(), "got");
+    QTEST(QuillonWindows().GetClipboardText(), "got");
 }
 
 QTEST_MAIN(TestWindowServices)

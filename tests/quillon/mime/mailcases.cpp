@@ -110,10 +110,8 @@ void addCharset(QList<MailCase> &cases, const QTemporaryDir &files, const QByteA
 QList<MailCase> charsetCases(const QTemporaryDir &files)
 {
     QList<MailCase> cases;
-    for (const QString &entry : encodingList().split(u" || "_s)) {
-        if (!entry.startsWith(u'_')) {
-            addCharset(cases, files, entry.section(u" | "_s, 0, 0).toLatin1());
-        }
+    for (const EncodingEntry &entry : offeredEncodings(encodingList())) {
+        addCharset(cases, files, entry.Code.toLatin1());
     }
     return cases;
 }

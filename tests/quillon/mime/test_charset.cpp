@@ -14,6 +14,8 @@ class TestCharset : public QObject {
 private Q_SLOTS:
     void everyOfferedCharsetIsKnownAndBuildsMail();
     void entriesReadCodeBarDisplayName();
+    void anEntryIsReadAsItIsWritten();
+    void entriesWithAnUnderscoreOrWithoutANameAreNotOffered();
     void defaultEncodingHasItsDisplayName();
     void entriesAreInTheOrderOfTheirNames();
     void underscoreEntriesAreThereToBeSkipped();
@@ -29,11 +31,10 @@ private Q_SLOTS:
 void TestCharset::everyOfferedCharsetIsKnownAndBuildsMail()
 {
     MailEncoder encoder;
-    for (const QString &entry : encodingList().split(u" || "_s)) {
-        if (entry.startsWith(u'_')) {
-            continue;
-        }
-        const QByteArray code = entry.section(u" | "_s, 0, 0).toLatin1();
+    const QList<EncodingEntry> offered = offeredEncodings(encodingList());
+    QVERIFY(offered.size() > 10);
+    for (const EncodingEntry &entry : offered) {
+        const QByteArray code = entry.Code.toLatin1();
         QVERIFY2(isKnownCharset(code), code.constData());
         QCOMPARE(encodeStrictly(u"plain"_s, code), std::optional<QByteArray>("plain"));
         MailMessage message;
@@ -55,6 +56,23 @@ void TestCharset::entriesReadCodeBarDisplayName()
     }
 }
 
+void TestCharset::anEntryIsReadAsItIsWritten()
+{
+    const EncodingEntry entry = {u"utf-8"_s, u"Unicode | (UTF-8)"_s};
+    QCOMPARE(entry.format(), u"utf-8 | Unicode | (UTF-8)"_s);
+    QCOMPARE(EncodingEntry::parse(entry.format()), std::optional(entry));
+    QCOMPARE(EncodingEntry::parse(u"utf-8"_s), std::nullopt);
+    QCOMPARE(EncodingEntry::parse(QString()), std::nullopt);
+    QCOMPARE(EncodingEntry::parse(u"utf-8|Unicode"_s), std::nullopt);
+}
+
+void TestCharset::entriesWithAnUnderscoreOrWithoutANameAreNotOffered()
+{
+    const QList<EncodingEntry> expected = {{u"a"_s, u"A"_s}, {u"b_"_s, u"_B"_s}};
+    QCOMPARE(offeredEncodings(u"_x | X || a | A ||  || no bar || b_ | _B || _y"_s), expected);
+    QCOMPARE(offeredEncodings(QString()), QList<EncodingEntry>());
+}
+
 void TestCharset::defaultEncodingHasItsDisplayName()
 {
     QVERIFY(encodingList().split(u" || "_s).contains(u"utf-8 | Unicode (UTF-8)"_s));
@@ -63,10 +81,8 @@ void TestCharset::defaultEncodingHasItsDisplayName()
 void TestCharset::entriesAreInTheOrderOfTheirNames()
 {
     QStringList names;
-    for (const QString &entry : encodingList().split(u" || "_s)) {
-        if (!entry.startsWith(u'_')) {
-            names.append(entry.section(u" | "_s, 1));
-        }
+    for (const EncodingEntry &entry : offeredEncodings(encodingList())) {
+        names.append(entry.Name);
     }
     QStringList sorted = names;
     sorted.sort(Qt::CaseInsensitive);

@@ -4,7 +4,7 @@
 #include "quillon/mail/encodedword.h"
 #include "quillon/mail/headerfield.h"
 #include "quillon/mail/htmltext.h"
-#include "quillon/mail/transfercoding.h"
+#include "quillon/text/lineends.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>

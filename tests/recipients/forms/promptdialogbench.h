@@ -4,7 +4,7 @@
 #include "recipients/forms/frmpubprompt.h"
 #include "recipients/inputprompts.h"
 #include "support/expectedprompts.h"
-#include "support/temporarytree.h"
+#include "support/treefixture.h"
 
 #include <QListView>
 #include <QPushButton>
@@ -14,13 +14,12 @@
 #include <memory>
 
 /// The dialog of the input prompts over a data tree of its own.
-class PromptDialogBench {
+class PromptDialogBench : protected TreeFixture {
 protected:
     void begin()
     {
         using namespace Qt::StringLiterals;
-        m_tree = std::make_unique<TemporaryTree>();
-        m_tree->prepare();
+        makeTree();
         corvane::setLanguageFolder(QStringLiteral(TEST_SOURCE_DIR) + u"/../../../language/en"_s);
         m_memory = std::make_unique<corvane::InputPrompts>(m_tree->globals);
         m_forms = std::make_unique<quillon::FormRegistry>();
@@ -33,7 +32,7 @@ protected:
         m_help = {};
         m_forms.reset();
         m_memory.reset();
-        m_tree.reset();
+        dropTree();
     }
 
     corvane::frmPubPrompt *form() { return m_forms->as<corvane::frmPubPrompt>(QStringLiteral("frmPubPrompt")); }
@@ -82,7 +81,6 @@ protected:
     [[nodiscard]] QStringList lines() const { return m_tree->globals.lines.ReadLines(file()); }
     [[nodiscard]] const QString &file() const { return m_tree->globals.paths.promptsFile; }
 
-    std::unique_ptr<TemporaryTree> m_tree;
     std::unique_ptr<corvane::InputPrompts> m_memory;
     std::unique_ptr<quillon::FormRegistry> m_forms;
     std::function<void()> m_help;

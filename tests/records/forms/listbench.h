@@ -1,7 +1,7 @@
 #pragma once
 
+#include "core/recordline.h"
 #include "optionsbench.h"
-#include "records/accountrecords.h"
 #include "records/forms/frmpubsender.h"
 #include "records/recordfixture.h"
 

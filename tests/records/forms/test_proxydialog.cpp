@@ -1,5 +1,5 @@
 #include "recorddialogfixture.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 
 #include <QComboBox>
 #include <QLabel>

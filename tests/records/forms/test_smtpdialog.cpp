@@ -1,5 +1,5 @@
 #include "records/accountpresets.h"
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 #include "smtpfixture.h"
 
 #include <QLabel>

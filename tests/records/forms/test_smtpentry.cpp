@@ -1,4 +1,4 @@
-#include "records/accountrecords.h"
+#include "records/recordfields.h"
 #include "smtpfixture.h"
 
 using namespace Qt::StringLiterals;

@@ -25,7 +25,7 @@ void TestFakeWindow::settingAFieldMarksTheMessageAsChanged()
         edit(window);
         return window.pblnChanged;
     };
-    using W = corvane::MessageWindow;
+    using W = corvane::Message;
     QVERIFY(changes([](W &w) { w.setText(Field::Subject, u"a"_s); }));
     QVERIFY(changes([](W &w) { w.setActual(W::Choice::Sender, false); }));
     QVERIFY(changes([](W &w) { w.setFormat(W::Format::Rich); }));
