@@ -46,7 +46,10 @@ void MainWindowMessage::setText(Field field, const QString &text)
             m_rules.account.follow(); // the same address may have another record by now
         }
     } else if (auto *box = qobject_cast<QPlainTextEdit *>(holder)) {
-        box->setPlainText(quillon::withCrLf(text));
+        const QString lines = quillon::withCrLf(text);
+        if (textOf(box) != lines) { // the same text is no change
+            box->setPlainText(lines);
+        }
     } else if (auto *line = qobject_cast<QLineEdit *>(holder)) {
         line->setText(text);
     } else {

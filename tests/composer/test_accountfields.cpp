@@ -133,7 +133,7 @@ void TestAccountFields::refillingAnEmptyAccountBoxPicksNoAccount()
     MainFixture main;
     // An account without login has empty fields, which an empty text would be found in.
     writeFile(main.globals().paths.smtpFile, "smtp.example.com\t25\tN\tN\t\t\tAnn\tann@example.com\t\t\t/SAEND\r\n");
-    LoadSmtpLists(main.globals(), main.message());
+    LoadSmtpLists(main.globals(), main.message(), main.view());
     QCOMPARE(main.view().list(Field::Account), QStringList{u"ann@example.com"_s});
     QCOMPARE(main.message().text(Field::Account), QString());
     QCOMPARE(main.message().text(Field::Sender), QString());
@@ -146,7 +146,7 @@ void TestAccountFields::refillingFollowsAnAccountThatWasEdited()
     main.message().setText(Field::Account, u"ann@example.com"_s);
     QCOMPARE(main.message().text(Field::Sender), u"Ann Lee <ann@example.com>"_s);
     writeFile(main.globals().paths.smtpFile, "smtp.example.com\t25\tN\tN\t\t\tAnna\tann@example.com\t\t\t/SAEND\r\n");
-    LoadSmtpLists(main.globals(), main.message());
+    LoadSmtpLists(main.globals(), main.message(), main.view());
     QCOMPARE(main.message().text(Field::Sender), u"Anna <ann@example.com>"_s);
 }
 

@@ -12,7 +12,6 @@ private Q_SLOTS:
     void editOfTheDefaultReplacesItsLineAndTheDefault_data() { addKinds(); }
     void editOfTheDefaultReplacesItsLineAndTheDefault();
     void anyModeButDeleteEdits_data() { addKinds(); }
-    void anyModeButDeleteEdits();
     void editReplacesTheFirstOfEqualLines_data() { addKinds(); }
     void editReplacesTheFirstOfEqualLines();
     void editOfALineThatIsGoneWritesNothing_data() { addKinds(); }
@@ -78,14 +77,6 @@ void TestRecordStore::editOfTheDefaultReplacesItsLineAndTheDefault()
     QCOMPARE(f.file(), octetsOf({f.facts.edited, f.facts.records[1], f.facts.records[2]}));
     QCOMPARE(options.count(), 1);
     f.verifyDefault(f.facts.edited);
-}
-
-void TestRecordStore::anyModeButDeleteEdits()
-{
-    Store f(kindOfRow());
-    f.edit(u"d"_s, f.facts.records[1], f.facts.edited);
-    QCOMPARE(f.file(), octetsOf({f.facts.records[0], f.facts.edited, f.facts.records[2]}));
-    f.verifyDefault(f.facts.records[0]);
 }
 
 void TestRecordStore::editReplacesTheFirstOfEqualLines()

@@ -5,4 +5,4 @@ target_link_libraries(test_prompts PUBLIC corvane_flags quillon_system Qt6::Core
 
 add_library(test_fakes STATIC fakewindow.h fakewindow.cpp)
 target_include_directories(test_fakes PUBLIC ${CMAKE_SOURCE_DIR}/tests)
-target_link_libraries(test_fakes PUBLIC corvane_flags core Qt6::Core)
+target_link_libraries(test_fakes PUBLIC corvane_flags message Qt6::Core)

@@ -1,9 +1,9 @@
 #include "records/forms/frmpuboptions.h"
 
-#include "message/encodingsearch.h"
 #include "core/settings.h"
 #include "core/site.h"
 #include "core/texts.h"
+#include "message/encodingsearch.h"
 #include "quillon/forms/arraynames.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formregistry.h"
@@ -297,9 +297,6 @@ quillon::Task<> frmPubOptions::showTest(QString key, quillon::Task<ConnectionTes
     auto hourglass = std::make_unique<WaitPointer>();
     const ConnectionTestResult result = co_await test;
     hourglass.reset();
-    if (property(quillon::unloadedProperty).toBool()) {
-        co_return; // the program's exit has closed the form meanwhile
-    }
     m_testing = false;
     m_ui->lblReason->setText(result.reason);
     m_ui->lblReason->setToolTip(result.reason); // a long word is cut off at the end of the form
@@ -321,6 +318,9 @@ void frmPubOptions::closeEvent(QCloseEvent *event)
     }
     m_signatureTab->finishRename();
     QDialog::closeEvent(event);
+    if (event->isAccepted()) {
+        m_test.end(); // the program's exit closes the form meanwhile
+    }
     if (event->isAccepted() && m_hooks.refillMainWindow) {
         std::exchange(m_hooks.refillMainWindow, {})();
     }

@@ -68,6 +68,14 @@ public:
     }
     QAbstractButton *button(const QString &name) { return get<QAbstractButton>(name); }
     QAbstractButton *sbt(int index) { return button(QStringLiteral("sbt(%1)").arg(index)); }
+    /// Presses Test, and lets the event loop run until the test is over and the form, if it is still there, at rest.
+    void clickTest()
+    {
+        sbt(15)->click();
+        while (isLoaded() && !form()->isEnabled()) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+    }
     QAbstractButton *sign(int index) { return button(QStringLiteral("sbtSign(%1)").arg(index)); }
     QAbstractButton *cbx(int index) { return button(QStringLiteral("cbx(%1)").arg(index)); }
     QAbstractButton *opt(int index) { return button(QStringLiteral("opt(%1)").arg(index)); }

@@ -71,7 +71,7 @@ private:
                            const std::function<void()> &whileShown = {})
     {
         bench.prompts.expectBox(key, style, quillon::BoxAnswer::Ok, std::nullopt, whileShown);
-        bench.sbt(15)->click();
+        bench.clickTest();
         QCOMPARE(bench.prompts.leftOver(), QStringList());
     }
     /// That an account is tested past the proxy in the list.
@@ -292,7 +292,7 @@ void TestConnectionButton::aProxyThatReachesTheSiteIsTold()
         QVERIFY(!bench.form()->isEnabled());
         QCOMPARE(bench.form()->cursor().shape(), Qt::WaitCursor);
     });
-    bench.sbt(15)->click();
+    bench.clickTest();
     QCOMPARE(bench.prompts.leftOver(), QStringList());
     QCOMPARE(inside, LookupText(u"CONN_PROXY"_s));
     QVERIFY(!inside.isEmpty());
@@ -378,7 +378,7 @@ void TestConnectionButton::theExitUnloadsTheFormMeanwhile()
     putAccount(bench, accountLine(server.port(), u"N"_s, noLogin));
     bench.open(Tab::AccountTab);
     lookInside(server, [&bench] { bench.forms.unload(u"frmPubOptions"_s); });
-    bench.sbt(15)->click(); // no box comes any more
+    bench.clickTest(); // no box comes any more
     QVERIFY(!bench.isLoaded());
     QVERIFY(!QGuiApplication::overrideCursor());
     QCOMPARE(bench.refills, 2);

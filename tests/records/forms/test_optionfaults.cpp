@@ -65,7 +65,7 @@ void TestOptionFaults::aLongReasonDoesNotWidenTheWindow()
     bench.open(Tab::AccountTab);
     const int width = bench.form()->width();
     bench.prompts.expectBox(u"CONN_SMTP_UNSU"_s, quillon::WarningBox);
-    bench.sbt(15)->click();
+    bench.clickTest();
     QCoreApplication::processEvents();
     QVERIFY(bench.get<QLabel>(u"lblReason"_s)->text().contains(QString(60, u'a')));
     QCOMPARE(bench.form()->width(), width);
@@ -95,7 +95,7 @@ void TestOptionFaults::theSelectedRowIsTestedThoughAnotherIsPresent()
     bench.open(Tab::AccountTab);
     selectFirstWithSecondPresent(bench);
     bench.prompts.expectBox(u"CONN_SMTP_SUCC"_s, quillon::InformationBox);
-    bench.sbt(15)->click();
+    bench.clickTest();
     QCOMPARE(first.Connections, 1);
     QCOMPARE(second.Connections, 0);
 }
@@ -117,7 +117,7 @@ void TestOptionFaults::theHourglassShowsWhileConnectingOnly()
     bool atTheBox = true;
     bench.prompts.expectBox(u"CONN_SMTP_UNSU"_s, quillon::WarningBox, quillon::BoxAnswer::Ok, std::nullopt,
                             [&atTheBox] { atTheBox = QGuiApplication::overrideCursor(); });
-    bench.sbt(15)->click();
+    bench.clickTest();
     QCOMPARE(shape, Qt::WaitCursor);
     QVERIFY(!atTheBox);
     QVERIFY(!QGuiApplication::overrideCursor());
