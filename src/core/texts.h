@@ -17,6 +17,10 @@ inline constexpr char16_t sendingText[] = u" Sending email, please click here to
 [[nodiscard]] QString languageFolder();
 void setLanguageFolder(const QString &folder);
 
+/// Makes the sentences of the library and of the rooms (see quillon::OwnText) those of tips.dll, in which each room's
+/// have a section of their own. Without this, as in a program that has no language files, they are the English ones.
+void useLanguageTexts();
+
 /// The text of a message key, read from tips.dll at the moment of use. A key that is not there gives an empty text.
 [[nodiscard]] QString LookupText(const QString &key);
 
