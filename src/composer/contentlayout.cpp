@@ -1,6 +1,7 @@
 #include "composer/contentlayout.h"
 
 #include "composer/artwork.h"
+#include "composer/composertexts.h"
 
 #include <QAction>
 
@@ -23,9 +24,10 @@ void ContentLayout::setExpanded(bool on)
     if (on && !m_content->isAncestorOf(m_header->window()->focusWidget())) {
         m_content->setFocus();
     }
-    m_item->setText(on ? u"&Restore"_s : u"&Expand"_s);
-    m_tool->setText(on ? u"Restore"_s : u"Expand"_s);
-    m_tool->setToolTip(on ? u"Restores the email content area <F6>."_s : u"Expands the email content area <F6>."_s);
+    const ExpansionTexts &texts = on ? restoreTexts : expandTexts;
+    m_item->setText(QString::fromUtf16(texts.itemCaption));
+    m_tool->setText(QString::fromUtf16(texts.toolCaption));
+    m_tool->setToolTip(QString::fromUtf16(texts.toolTip));
     m_tool->setIcon(themeIcon(on ? u"restore"_s : u"expand"_s));
 }
 

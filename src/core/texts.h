@@ -9,9 +9,13 @@
 
 namespace corvane {
 
+// Fixed texts: the same in every language.
 inline constexpr char16_t programTitle[] = u"Corvane";
+inline constexpr char16_t helpTitle[] = u"Corvane Help"; ///< of the manual's window
 inline constexpr char16_t readyText[] = u" Ready.";
 inline constexpr char16_t sendingText[] = u" Sending email, please click here to display the progress...";
+inline constexpr char16_t allFilesFilter[] = u"All Files (*.*)";
+inline constexpr char16_t markerFileName[] = u"Corvane data folder, please do not delete it";
 
 /// The folder that holds tips.dll, menus.dll and menutips.dll: that of the running program, unless set.
 [[nodiscard]] QString languageFolder();
