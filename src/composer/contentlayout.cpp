@@ -12,6 +12,7 @@ namespace corvane {
 ContentLayout::ContentLayout(QWidget *header, QWidget *content, QAction *item, QAction *tool)
     : QObject(content), m_header(header), m_content(content), m_item(item), m_tool(tool)
 {
+    showState();
 }
 
 void ContentLayout::setExpanded(bool on)
@@ -24,11 +25,16 @@ void ContentLayout::setExpanded(bool on)
     if (on && !m_content->isAncestorOf(m_header->window()->focusWidget())) {
         m_content->setFocus();
     }
-    const ExpansionTexts &texts = on ? restoreTexts : expandTexts;
+    showState();
+}
+
+void ContentLayout::showState()
+{
+    const ExpansionTexts &texts = m_expanded ? restoreTexts : expandTexts;
     m_item->setText(QString::fromUtf16(texts.itemCaption));
     m_tool->setText(QString::fromUtf16(texts.toolCaption));
     m_tool->setToolTip(QString::fromUtf16(texts.toolTip));
-    m_tool->setIcon(themeIcon(on ? u"restore"_s : u"expand"_s));
+    m_tool->setIcon(themeIcon(m_expanded ? u"restore"_s : u"expand"_s));
 }
 
 } // namespace corvane

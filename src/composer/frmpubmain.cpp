@@ -129,7 +129,7 @@ void frmPubMain::prepareContent()
         }
     }
     findChild<QWidget *>(u"sst"_s)->setAccessibleName(quillon::say(viewsName));
-    findChild<QWidget *>(u"dhe"_s)->setAccessibleName(quillon::say(contentName));
+    findChild<QWidget *>(u"dhe"_s)->setAccessibleName(QString::fromUtf16(contentName));
     findChild<QWidget *>(u"web"_s)->setAccessibleName(quillon::say(previewName));
     auto *priorities = new QActionGroup(this);
     for (const int item : {0, 1, 2}) {
