@@ -245,7 +245,7 @@ bool Program::eventFilter(QObject *watched, QEvent *event)
 
 void Program::closeHelp() const
 {
-    if (QWidget *help = quillon::QuillonWindows().FindWindowByTitle(u"Corvane Help"_s)) {
+    if (QWidget *help = quillon::QuillonWindows().FindWindowByTitle(QString::fromUtf16(helpTitle))) {
         quillon::QuillonWindows().SendWindowMessage(help, closeMessage, 0, 0);
     }
 }

@@ -1,5 +1,6 @@
 #include "composer/attachmentlist.h"
 
+#include "composer/composertexts.h"
 #include "core/texts.h"
 #include "quillon/fault.h"
 #include "quillon/forms/windowservices.h"
@@ -114,8 +115,8 @@ void AttachmentList::choose(const QString &path)
 
 void AttachmentList::addFiles()
 {
-    const QStringList files =
-        m_system.OpenFileDialog(u"Select Files"_s, {{u"All Files (*.*)"_s, u"*.*"_s}}, QString(), true);
+    const QStringList files = m_system.OpenFileDialog(
+        QString::fromUtf16(selectFilesTitle), {{QString::fromUtf16(allFilesFilter), u"*.*"_s}}, QString(), true);
     for (const QString &file : files) {
         choose(file);
     }
@@ -126,7 +127,7 @@ void AttachmentList::addFiles()
 
 void AttachmentList::addFolder()
 {
-    const QString folder = m_system.SelectFolderDialog(u"Select Folder"_s);
+    const QString folder = m_system.SelectFolderDialog(QString::fromUtf16(selectFolderTitle));
     if (folder.isEmpty()) {
         return;
     }

@@ -1,6 +1,7 @@
 #include "composer/contentlayout.h"
 
 #include "composer/artwork.h"
+#include "composer/composertexts.h"
 
 #include <QAction>
 
@@ -11,6 +12,7 @@ namespace corvane {
 ContentLayout::ContentLayout(QWidget *header, QWidget *content, QAction *item, QAction *tool)
     : QObject(content), m_header(header), m_content(content), m_item(item), m_tool(tool)
 {
+    showState();
 }
 
 void ContentLayout::setExpanded(bool on)
@@ -23,10 +25,16 @@ void ContentLayout::setExpanded(bool on)
     if (on && !m_content->isAncestorOf(m_header->window()->focusWidget())) {
         m_content->setFocus();
     }
-    m_item->setText(on ? u"&Restore"_s : u"&Expand"_s);
-    m_tool->setText(on ? u"Restore"_s : u"Expand"_s);
-    m_tool->setToolTip(on ? u"Restores the email content area <F6>."_s : u"Expands the email content area <F6>."_s);
-    m_tool->setIcon(themeIcon(on ? u"restore"_s : u"expand"_s));
+    showState();
+}
+
+void ContentLayout::showState()
+{
+    const ExpansionTexts &texts = m_expanded ? restoreTexts : expandTexts;
+    m_item->setText(QString::fromUtf16(texts.itemCaption));
+    m_tool->setText(QString::fromUtf16(texts.toolCaption));
+    m_tool->setToolTip(QString::fromUtf16(texts.toolTip));
+    m_tool->setIcon(themeIcon(m_expanded ? u"restore"_s : u"expand"_s));
 }
 
 } // namespace corvane

@@ -19,6 +19,8 @@ public:
     void setExpanded(bool on);
 
 private:
+    void showState();
+
     QWidget *m_header;
     QWidget *m_content;
     QAction *m_item;

@@ -4,6 +4,7 @@
 #include "composer/accountfields.h"
 #include "composer/attachmentlist.h"
 #include "composer/commandtable.h"
+#include "composer/composertexts.h"
 #include "composer/contentlayout.h"
 #include "composer/contentviews.h"
 #include "composer/controltext.h"
@@ -101,8 +102,8 @@ void frmPubMain::prepareControls()
     palette->setAutoFillBackground(true);
     auto *more = new QToolButton(palette);
     more->setObjectName(u"sbt(11)"_s);
-    more->setText(u"More..."_s);
-    more->setToolTip(u"Chooses any other color."_s);
+    more->setText(quillon::say(moreColors));
+    more->setToolTip(quillon::say(moreColorsTip));
     hiddenChild(palette, u"fra(4)"_s);
 }
 
@@ -127,9 +128,9 @@ void frmPubMain::prepareContent()
             combo->setCompleter(nullptr); // what stands in a field is what was typed or picked
         }
     }
-    findChild<QWidget *>(u"sst"_s)->setAccessibleName(u"Views of the email content"_s);
-    findChild<QWidget *>(u"dhe"_s)->setAccessibleName(u"Email content"_s);
-    findChild<QWidget *>(u"web"_s)->setAccessibleName(u"Preview of the email content"_s);
+    findChild<QWidget *>(u"sst"_s)->setAccessibleName(quillon::say(viewsName));
+    findChild<QWidget *>(u"dhe"_s)->setAccessibleName(QString::fromUtf16(contentName));
+    findChild<QWidget *>(u"web"_s)->setAccessibleName(quillon::say(previewName));
     auto *priorities = new QActionGroup(this);
     for (const int item : {0, 1, 2}) {
         priorities->addAction(findChild<QAction *>(u"menosh(%1)"_s.arg(item)));

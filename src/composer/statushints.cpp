@@ -1,5 +1,6 @@
 #include "composer/statushints.h"
 
+#include "composer/composertexts.h"
 #include "composer/menuitemarray.h"
 #include "core/texts.h"
 #include "quillon/system/quillonsystem.h"
@@ -57,7 +58,7 @@ QString StatusHints::hintFor(const QWidget *widget) const
     // A control's own parts, such as the text area of a box, have no tip: the control's is theirs.
     for (; widget && widget != m_form; widget = widget->parentWidget()) {
         if (widget->objectName() == u"dhe") {
-            return u" Email content."_s;
+            return u' ' + QString::fromUtf16(contentName) + u'.';
         }
         if (!widget->toolTip().isEmpty()) {
             return widget->toolTip() + u' ';

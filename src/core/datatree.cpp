@@ -1,6 +1,7 @@
 #include "core/datatree.h"
 
 #include "core/recipiententry.h"
+#include "core/texts.h"
 #include "quillon/fault.h"
 #include "quillon/files/safefile.h"
 #include "quillon/files/settingsfile.h"
@@ -218,7 +219,7 @@ DataPaths dataPathsBelow(const QString &userFolder, const QString &sharedFolder)
     paths.macrosFile = paths.data + u"/macros.dll"_s;
     paths.proxyFile = paths.data + u"/proxy.dll"_s;
     paths.smtpFile = paths.data + u"/smtp.dll"_s;
-    paths.markerFile = paths.root + u"/Corvane data folder, please do not delete it"_s;
+    paths.markerFile = paths.root + u'/' + QString::fromUtf16(markerFileName);
     return paths;
 }
 

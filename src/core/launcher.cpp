@@ -2,6 +2,7 @@
 
 #include "core/datatree.h"
 #include "core/settings.h"
+#include "core/texts.h"
 #include "quillon/system/platform.h"
 #include "quillon/system/quillonregistry.h"
 
@@ -28,6 +29,7 @@ bool isSwitch(const QStringList &arguments)
 
 void prepareProgram(ApplicationGlobals &globals)
 {
+    useLanguageTexts();
     PrepareDataFolder(globals);
     UpgradeOldData(globals);
     prepareSettings(globals);

@@ -1,16 +1,71 @@
 #include "core/texts.h"
 
 #include "quillon/files/settingsfile.h"
+#include "quillon/text/owntexts.h"
 
 #include <QCoreApplication>
+#include <QFile>
+
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
 namespace corvane {
 
 namespace {
+
 QString chosenFolder;
-}
+
+/// tips.dll as the source of sentences: read when it is needed first, and again once it is another file or has changed.
+class LanguageFile : public quillon::TextSource {
+public:
+    QString text(const QString &section, const QString &key) override
+    {
+        if (!m_texts) {
+            m_seen = look();
+            m_texts.emplace(m_seen.path);
+        }
+        return m_texts->value(section, key);
+    }
+
+    bool hasChanged() override
+    {
+        if (!m_texts || look() == m_seen) {
+            return false;
+        }
+        m_texts.reset();
+        return true;
+    }
+
+private:
+    /// What tells one state of the file from another.
+    struct Sight {
+        QString path;
+        ino_t node = 0;
+        off_t size = -1;
+        time_t seconds = 0;
+        long nanoseconds = 0;
+        friend bool operator==(const Sight &, const Sight &) = default;
+    };
+
+    static Sight look()
+    {
+        Sight sight{languageFolder() + u"/tips.dll"_s};
+        struct stat status {};
+        if (::stat(QFile::encodeName(sight.path).constData(), &status) == 0) {
+            sight.node = status.st_ino;
+            sight.size = status.st_size;
+            sight.seconds = status.st_mtim.tv_sec;
+            sight.nanoseconds = status.st_mtim.tv_nsec;
+        }
+        return sight;
+    }
+
+    Sight m_seen;
+    std::optional<quillon::SettingsFile> m_texts;
+};
+
+} // namespace
 
 QString languageFolder()
 {
@@ -20,6 +75,13 @@ QString languageFolder()
 void setLanguageFolder(const QString &folder)
 {
     chosenFolder = folder;
+    quillon::refreshTexts();
+}
+
+void useLanguageTexts()
+{
+    static LanguageFile file;
+    quillon::setTextSource(&file);
 }
 
 QString LookupText(const QString &key)

@@ -9,13 +9,21 @@
 
 namespace corvane {
 
+// Fixed texts: the same in every language.
 inline constexpr char16_t programTitle[] = u"Corvane";
+inline constexpr char16_t helpTitle[] = u"Corvane Help"; ///< of the manual's window
 inline constexpr char16_t readyText[] = u" Ready.";
 inline constexpr char16_t sendingText[] = u" Sending email, please click here to display the progress...";
+inline constexpr char16_t allFilesFilter[] = u"All Files (*.*)";
+inline constexpr char16_t markerFileName[] = u"Corvane data folder, please do not delete it";
 
 /// The folder that holds tips.dll, menus.dll and menutips.dll: that of the running program, unless set.
 [[nodiscard]] QString languageFolder();
 void setLanguageFolder(const QString &folder);
+
+/// Makes the sentences of the library and of the rooms (see quillon::OwnText) those of tips.dll, in which each room's
+/// have a section of their own. Without this, as in a program that has no language files, they are the English ones.
+void useLanguageTexts();
 
 /// The text of a message key, read from tips.dll at the moment of use. A key that is not there gives an empty text.
 [[nodiscard]] QString LookupText(const QString &key);

@@ -1,6 +1,6 @@
 #include "macros/macrocatalogue.h"
 
-#include "macros/placeholders.h"
+#include "macros/macrotexts.h"
 #include "quillon/fault.h"
 #include "quillon/files/linefile.h"
 
@@ -21,26 +21,26 @@ struct Predefined {
 };
 
 constexpr std::array<Predefined, 20> predefined = {{
-    {recipientFirstName, u"Recipient Information", u"D"},
-    {recipientLastName, u"Recipient Information", u"D"},
-    {recipientFullName, u"Recipient Information", u"D"},
-    {recipientAddress, u"Recipient Information", u"D"},
-    {longDate, u"Sending Date and Time", u"D"},
-    {shortDate, u"Sending Date and Time", u"D"},
-    {longTime, u"Sending Date and Time", u"D"},
-    {shortTime, u"Sending Date and Time", u"D"},
-    {longDateAndTime, u"Sending Date and Time", u"D"},
-    {shortDateAndTime, u"Sending Date and Time", u"D"},
-    {myFirstName, u"My Information", u"U"},
-    {myLastName, u"My Information", u"U"},
-    {myFullName, u"My Information", u"U"},
-    {myAddress, u"My Information", u"U"},
-    {u"{My Website}", u"My Information", u"U"},
-    {u"{My Company Name}", u"My Information", u"U"},
-    {u"{My Tel No.}", u"My Information", u"U"},
-    {u"{My Mobile Phone}", u"My Information", u"U"},
-    {u"{My Fax No.}", u"My Information", u"U"},
-    {u"{My Bank Account}", u"My Information", u"U"},
+    {recipientFirstName, recipientInformation, u"D"},
+    {recipientLastName, recipientInformation, u"D"},
+    {recipientFullName, recipientInformation, u"D"},
+    {recipientAddress, recipientInformation, u"D"},
+    {longDate, sendingMoment, u"D"},
+    {shortDate, sendingMoment, u"D"},
+    {longTime, sendingMoment, u"D"},
+    {shortTime, sendingMoment, u"D"},
+    {longDateAndTime, sendingMoment, u"D"},
+    {shortDateAndTime, sendingMoment, u"D"},
+    {myFirstName, myInformation, u"U"},
+    {myLastName, myInformation, u"U"},
+    {myFullName, myInformation, u"U"},
+    {myAddress, myInformation, u"U"},
+    {myWebsite, myInformation, u"U"},
+    {myCompany, myInformation, u"U"},
+    {myTelephone, myInformation, u"U"},
+    {myMobilePhone, myInformation, u"U"},
+    {myFax, myInformation, u"U"},
+    {myBankAccount, myInformation, u"U"},
 }};
 
 } // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/globals.h"
+#include "macros/macrotexts.h"
 
 #include <QList>
 #include <QString>
@@ -9,12 +10,6 @@
 #include <optional>
 
 namespace corvane {
-
-inline constexpr char16_t emptyMacro[] = u"{}";
-inline constexpr char16_t myInformation[] = u"My Information";
-inline constexpr char16_t otherInformation[] = u"Other Information";
-inline constexpr char16_t sampleRecipient[] = u"Jack Smith";
-inline constexpr char16_t sampleAddress[] = u"jack.smith@example.com";
 
 /// One macro of the catalogue, as its line has it.
 struct MacroRow {

@@ -1,28 +1,13 @@
 #pragma once
 
+#include "macros/macrotexts.h"
+
 #include <QString>
 #include <QStringView>
 
 #include <optional>
 
 namespace corvane {
-
-// The placeholders that mean something to the program, braces included; they are the same in every language, and exact
-// in case.
-inline constexpr char16_t recipientFirstName[] = u"{First Name of The Recipient}";
-inline constexpr char16_t recipientLastName[] = u"{Last Name of The Recipient}";
-inline constexpr char16_t recipientFullName[] = u"{Full Name of The Recipient}";
-inline constexpr char16_t recipientAddress[] = u"{Email Address of The Recipient}";
-inline constexpr char16_t longDate[] = u"{Long Date}";
-inline constexpr char16_t shortDate[] = u"{Short Date}";
-inline constexpr char16_t longTime[] = u"{Long Time}";
-inline constexpr char16_t shortTime[] = u"{Short Time}";
-inline constexpr char16_t longDateAndTime[] = u"{Long Date and Time}";
-inline constexpr char16_t shortDateAndTime[] = u"{Short Date and Time}";
-inline constexpr char16_t myFirstName[] = u"{My First Name}";
-inline constexpr char16_t myLastName[] = u"{My Last Name}";
-inline constexpr char16_t myFullName[] = u"{My Full Name}";
-inline constexpr char16_t myAddress[] = u"{My Email Address}";
 
 /// What the four placeholders of a recipient stand for.
 struct RecipientValues {

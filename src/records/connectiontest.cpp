@@ -1,11 +1,10 @@
 #include "records/connectiontest.h"
 
 #include "records/recordfields.h"
+#include "records/recordtexts.h"
 #include "records/transportsettings.h"
 
 #include <QScopedValueRollback>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 
@@ -15,20 +14,19 @@ namespace {
 
 bool isUnderWay = false;
 
-/// A sentence when @p record, that of @p owner, has not got @p expected fields.
-QString faultOfCount(const QString &record, int expected, const QString &owner)
+/// @p sentence with both numbers when @p record has not got @p expected fields.
+QString faultOfCount(const QString &record, int expected, const quillon::OwnText &sentence)
 {
     const qsizetype count = record.count(u'\t') + 1;
-    return count == expected ? QString()
-                             : u"The record of the %1 has %2 fields, not %3."_s.arg(owner).arg(count).arg(expected);
+    return count == expected ? QString() : quillon::say(sentence, QString::number(count), QString::number(expected));
 }
 
 QString faultOfProxy(const QString &record)
 {
-    const QString fault = faultOfCount(record, proxyFieldCount, u"proxy server"_s);
+    const QString fault = faultOfCount(record, proxyFieldCount, proxyFields);
     // To the transport no address means no proxy: a test around the proxy would tell nothing about it.
     const bool hasAddress = !recordField(record, ProxyAddress).trimmed().isEmpty();
-    return fault.isEmpty() && !hasAddress ? u"The record of the proxy server has no address."_s : fault;
+    return fault.isEmpty() && !hasAddress ? quillon::say(proxyWithoutAddress) : fault;
 }
 
 void useTrimmedProxy(const QString &record, MailTransport &transport)
@@ -40,7 +38,7 @@ void useTrimmedProxy(const QString &record, MailTransport &transport)
 /// Why a test must not begin; empty when it may.
 QString obstacle(const QString &fault)
 {
-    return fault.isEmpty() && isUnderWay ? u"Another connection is being tested."_s : fault;
+    return fault.isEmpty() && isUnderWay ? quillon::say(testUnderWay) : fault;
 }
 
 /// The transport of one test, and what it said.
@@ -65,7 +63,8 @@ struct Attempt {
 
 quillon::Task<ConnectionTestResult> TestSmtpConnection(QString account, QString proxy)
 {
-    QString fault = faultOfCount(account, accountFieldCount, u"account"_s);
+    quillon::refreshTexts();
+    QString fault = faultOfCount(account, accountFieldCount, accountFields);
     if (fault.isEmpty() && !proxy.isEmpty()) {
         fault = faultOfProxy(proxy);
     }
@@ -90,6 +89,7 @@ quillon::Task<ConnectionTestResult> TestSmtpConnection(QString account, QString 
 
 quillon::Task<ConnectionTestResult> TestProxyConnection(QString proxy, Site site)
 {
+    quillon::refreshTexts();
     const QString fault = obstacle(faultOfProxy(proxy));
     if (!fault.isEmpty()) {
         co_return ConnectionTestResult{false, fault};

@@ -5,6 +5,7 @@
 #include "quillon/files/safefile.h"
 #include "quillon/files/textcoding.h"
 #include "records/recordfields.h"
+#include "records/recordtexts.h"
 #include "records/signaturefiles.h"
 
 #include <QDir>
@@ -201,7 +202,7 @@ QStringList signatureNames(const ApplicationGlobals &globals)
 
 QString newSignatureName(const QStringList &taken)
 {
-    const auto numbered = [](int number) { return u"Signature #"_s + QString::number(number); };
+    const auto numbered = [](int number) { return QString::fromUtf16(numberedSignature) + QString::number(number); };
     if (taken.isEmpty()) {
         return numbered(0);
     }

@@ -1,10 +1,11 @@
 #include "sending/messagefill.h"
 
-#include "message/encodingsearch.h"
 #include "core/recipiententry.h"
+#include "message/encodingsearch.h"
 #include "quillon/system/platform.h"
 #include "records/recordfields.h"
 #include "sending/attachments.h"
+#include "sending/sendingtexts.h"
 
 using namespace Qt::StringLiterals;
 
@@ -14,7 +15,7 @@ namespace {
 
 QString yesNo(bool value)
 {
-    return value ? u"Yes"_s : u"No"_s;
+    return QString::fromUtf16(value ? logtexts::yes : logtexts::no);
 }
 
 void addRecipients(quillon::MailAddressList &list, const QString &text)
@@ -25,7 +26,7 @@ void addRecipients(quillon::MailAddressList &list, const QString &text)
     }
 }
 
-void logUnlessEmpty(const SendingLog &log, const QString &heading, const QString &value)
+void logUnlessEmpty(const SendingLog &log, QStringView heading, const QString &value)
 {
     if (!value.isEmpty()) {
         log.entry(heading, value);
@@ -36,18 +37,18 @@ void fillAddresses(quillon::MailMessage &message, const FillContext &context)
 {
     const RunValues &values = context.values;
     message.AccountName = values.account.trimmed();
-    context.log.entry(u"Account"_s, message.AccountName);
+    context.log.entry(logtexts::account, message.AccountName);
     message.From = toMailAddress(values.sender.trimmed());
-    context.log.entry(u"Sender"_s, values.sender.trimmed());
+    context.log.entry(logtexts::sender, values.sender.trimmed());
     message.ReplyTo = toMailAddress(values.replyReceiver.trimmed());
-    context.log.entry(u"ReplyTo"_s, values.replyReceiver.trimmed());
+    context.log.entry(logtexts::replyTo, values.replyReceiver.trimmed());
     addRecipients(message.To, values.to);
-    logUnlessEmpty(context.log, u"To"_s, values.to.trimmed());
+    logUnlessEmpty(context.log, logtexts::to, values.to.trimmed());
     addRecipients(message.CC, values.cc);
-    logUnlessEmpty(context.log, u"CC"_s, values.cc.trimmed());
+    logUnlessEmpty(context.log, logtexts::cc, values.cc.trimmed());
     addRecipients(message.BCC, values.bcc);
     context.rememberRecipients();
-    logUnlessEmpty(context.log, u"BCC"_s, values.bcc.trimmed());
+    logUnlessEmpty(context.log, logtexts::bcc, values.bcc.trimmed());
 }
 
 void fillDate(quillon::MailMessage &message, const FillContext &context)
@@ -55,12 +56,12 @@ void fillDate(quillon::MailMessage &message, const FillContext &context)
     const RunValues &values = context.values;
     if (!values.actualDate) {
         message.Date = mailDateText(context.globals, values.date, values.time);
-        context.log.entry(u"Date & Time"_s, message.Date);
+        context.log.entry(logtexts::dateAndTime, message.Date);
         return;
     }
     // The transport stamps the moment at which it really sends.
     const QDateTime now = quillon::systemClock().now();
-    context.log.entry(u"Date & Time"_s, mailDateText(context.globals, now.date(), now.time()));
+    context.log.entry(logtexts::dateAndTime, mailDateText(context.globals, now.date(), now.time()));
 }
 
 void fillEncoding(quillon::MailMessage &message, const FillContext &context)
@@ -68,7 +69,7 @@ void fillEncoding(quillon::MailMessage &message, const FillContext &context)
     const QString code = selectEncodingOfName(context.source, context.values.encoding);
     if (!code.isEmpty()) {
         message.Charset = code;
-        context.log.entry(u"Encoding"_s, message.Charset);
+        context.log.entry(logtexts::encoding, message.Charset);
     }
 }
 
@@ -77,19 +78,20 @@ void fillPriority(quillon::MailMessage &message, const FillContext &context)
     using Priority = Message::Priority;
     const Priority priority = context.values.priority;
     message.Priority = priority == Priority::High ? u"2"_s : priority == Priority::Normal ? u"3"_s : u"4"_s;
-    context.log.entry(u"Priority"_s, priority == Priority::High     ? u"High"_s
-                                     : priority == Priority::Normal ? u"Normal"_s
-                                                                    : u"Low"_s);
+    context.log.entry(logtexts::priority, QString::fromUtf16(priority == Priority::High     ? logtexts::high
+                                                             : priority == Priority::Normal ? logtexts::normal
+                                                                                            : logtexts::low));
 }
 
 void fillReceipt(quillon::MailMessage &message, const FillContext &context)
 {
     message.RequestReceipt = context.values.receipt;
-    context.log.entry(u"Request Read Receipt"_s, yesNo(message.RequestReceipt));
+    context.log.entry(logtexts::requestReceipt, yesNo(message.RequestReceipt));
     if (message.RequestReceipt) {
         message.ReceiptTo.Name = recordField(context.accountRecord, AccountReceiptName);
         message.ReceiptTo.Address = recordField(context.accountRecord, AccountReceiptAddress);
-        context.log.entry(u"Receipt Receiver"_s, toRecipientEntry(message.ReceiptTo.Name, message.ReceiptTo.Address));
+        context.log.entry(logtexts::receiptReceiver,
+                          toRecipientEntry(message.ReceiptTo.Name, message.ReceiptTo.Address));
     }
 }
 
@@ -102,18 +104,19 @@ quillon::Task<> fillMessage(quillon::MailMessage &message, const FillContext &co
     fillAddresses(message, context);
     fillDate(message, context);
     message.Format = plain ? quillon::MailMessage::PlainText : quillon::MailMessage::Html;
-    context.log.entry(u"Message Type"_s, plain ? u"Plain Text"_s : u"Rich Text (HTML)"_s);
+    context.log.entry(logtexts::messageType, QString::fromUtf16(plain ? logtexts::plainText : logtexts::richText));
     fillEncoding(message, context);
     fillPriority(message, context);
     fillReceipt(message, context);
-    context.log.entry(u"One By One"_s, yesNo(values.oneByOne));
-    context.log.entry(u"Sending Method"_s, context.mode == RunMode::Manual ? u"Manual"_s : u"Automatic"_s);
+    context.log.entry(logtexts::oneByOne, yesNo(values.oneByOne));
+    context.log.entry(logtexts::sendingMethod,
+                      QString::fromUtf16(context.mode == RunMode::Manual ? logtexts::manual : logtexts::automatic));
     const QString attachments = co_await ResolveAttachments(context.globals, values.attachments, message);
-    logUnlessEmpty(context.log, u"Attachments"_s, attachments);
+    logUnlessEmpty(context.log, logtexts::attachments, attachments);
     message.Subject = values.subject;
-    logUnlessEmpty(context.log, u"Subject"_s, message.Subject);
+    logUnlessEmpty(context.log, logtexts::subject, message.Subject);
     message.Content = values.content;
-    context.log.line(u"Content: \r\n"_s + message.Content);
+    context.log.line(QString::fromUtf16(logtexts::content) + message.Content);
 }
 
 } // namespace corvane

@@ -4,6 +4,7 @@
 #include "core/texts.h"
 #include "macros/expansion.h"
 #include "quillon/fault.h"
+#include "sending/sendingtexts.h"
 
 #include <algorithm>
 #include <cmath>
@@ -72,7 +73,7 @@ quillon::Task<> waitForInterval(const OneByOneContext &context)
     if (seconds == 0) {
         co_return;
     }
-    context.progress.setActivity(u"Making OBO sending interval: "_s + text + u" seconds..."_s);
+    context.progress.setActivity(QString::fromUtf16(intervalText) + text + QString::fromUtf16(intervalEnd));
     co_await quillon::nextTurn();
     const double bounded = std::clamp(seconds, 0.0, longestInterval);
     co_await context.globals.system.WaitMilliseconds(static_cast<qint64>(bounded * millisecondsPerSecond));
@@ -128,7 +129,7 @@ quillon::Task<> sendOneByOne(MailMessage &message, const OneByOneContext &contex
             co_return;
         }
         context.state.enter(RunState::Phase::Counting);
-        context.progress.setCounter(u"Sending %1/%2 emails..."_s.arg(i).arg(total));
+        context.progress.setCounter(QString::fromUtf16(progressCountText).arg(i).arg(total));
         context.progress.setProgress(i, total);
         address(message, roll.Item(i), context);
         co_await quillon::nextTurn();

@@ -4,10 +4,6 @@
 
 namespace corvane {
 
-/// The counter line of the progress dialog while nothing is being counted. Another text means that a run is in its
-/// counting stage.
-inline constexpr char16_t progressRestText[] = u"Sending emails...";
-
 /// The progress dialog as a send run sees it. A dialog that the user closed is made anew, hidden and with its design
 /// texts, by the next call.
 class ProgressView {

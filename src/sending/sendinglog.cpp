@@ -2,6 +2,7 @@
 
 #include "core/datatree.h"
 #include "quillon/system/platform.h"
+#include "sending/sendingtexts.h"
 
 #include <QLocale>
 
@@ -23,9 +24,9 @@ void SendingLog::divider() const
     line(QString(dividerLength, u'-'));
 }
 
-void SendingLog::entry(const QString &heading, const QString &value) const
+void SendingLog::entry(QStringView heading, const QString &value) const
 {
-    line(heading + u": "_s + value);
+    line(heading.toString() + u": "_s + value);
 }
 
 void SendingLog::line(const QString &text) const
@@ -33,9 +34,10 @@ void SendingLog::line(const QString &text) const
     m_globals.lines.AppendLine(m_path, text);
 }
 
-void SendingLog::moment(const QString &heading) const
+void SendingLog::moment(QStringView heading) const
 {
-    entry(heading, QLocale::system().toString(quillon::systemClock().now(), u"MMM dd yyyy HH:mm:ss"_s));
+    entry(heading,
+          QLocale::system().toString(quillon::systemClock().now(), QString::fromUtf16(logtexts::momentFormat)));
 }
 
 QString mailDateText(const ApplicationGlobals &globals, const QDate &date, const QTime &time)

@@ -15,11 +15,11 @@ public:
 
     void divider() const;
     /// A line of a heading, ": " and a value; a value with line breaks spreads over several lines of the file.
-    void entry(const QString &heading, const QString &value) const;
+    void entry(QStringView heading, const QString &value) const;
     /// A line as it stands.
     void line(const QString &text) const;
     /// The heading and the present moment, "MMM DD YYYY HH:MM:SS" with the month of the user's locale.
-    void moment(const QString &heading) const;
+    void moment(QStringView heading) const;
 
 private:
     const ApplicationGlobals &m_globals;

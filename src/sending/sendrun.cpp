@@ -7,6 +7,7 @@
 #include "records/recordfields.h"
 #include "sending/messagefill.h"
 #include "sending/onebyone.h"
+#include "sending/sendingtexts.h"
 
 using namespace Qt::StringLiterals;
 
@@ -54,7 +55,7 @@ quillon::Task<> SendRun::sendChecked(const RunValues &values)
     const ApplicationGlobals &globals = m_rooms.globals;
     const SendingLog log(globals, quillon::systemClock().now());
     log.divider();
-    log.moment(u"Begin"_s);
+    log.moment(logtexts::begin);
     m_rooms.window.setStatusText(QString::fromUtf16(sendingText));
 
     Connection connection(globals, FindSmtpRecord(globals, values.account.trimmed()), events());
@@ -85,7 +86,7 @@ quillon::Task<> SendRun::reportFailedConnection(const QString &accountRecord, co
     m_state.enter(Phase::Closing);
     const QString text = LookupText(u"CONN_FAILED"_s) + u' ' + recordField(accountRecord, AccountServer) + u':' +
                          recordField(accountRecord, AccountPort);
-    log.entry(u"Error"_s, text);
+    log.entry(logtexts::error, text);
     co_await textShown(text, quillon::WarningBox, u"CONN_FAILED"_s);
 }
 
@@ -94,7 +95,7 @@ quillon::Task<> SendRun::deliverToAll(quillon::MailMessage &message, Connection 
     ProgressView &progress = m_rooms.progress;
     m_state.enter(Phase::Counting);
     progress.makeVisible();
-    progress.setCounter(u"Sending 1/1 email..."_s);
+    progress.setCounter(QString::fromUtf16(progressOneText));
     progress.setProgress(1, 1);
     ExpandMacros(m_rooms.globals, message);
     const bool sent = co_await connection.send(message);
@@ -120,7 +121,7 @@ void SendRun::transportFailed(const QString &text) const
         return;
     }
     const SendingLog log(m_rooms.globals, quillon::systemClock().now());
-    log.entry(u"Error"_s, text);
+    log.entry(logtexts::error, text);
     if (m_mode == RunMode::Manual) {
         showText(text, quillon::CriticalBox);
     }
@@ -137,7 +138,7 @@ void SendRun::transportProgressed(const QString &text)
 
 void SendRun::finish(const SendingLog &log)
 {
-    log.moment(u"End"_s);
+    log.moment(logtexts::end);
     m_state.enter(Phase::Closing); // a Cancel is over with its run
     m_rooms.progress.hide();
     m_rooms.progress.setCounter(counterAtRest);

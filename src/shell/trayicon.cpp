@@ -1,6 +1,7 @@
 #include "shell/trayicon.h"
 
 #include "quillon/forms/formtexts.h"
+#include "shell/shelltexts.h"
 
 #include <QAction>
 #include <QApplication>
@@ -27,19 +28,19 @@ struct Forwarded {
 
 /// The entries that stand for commands of the main window, in the order of the menu.
 constexpr std::array<Forwarded, 13> forwarded = {{
-    {u"menth", u"menhh", u"&Help"},
-    {u"mento", u"menho", u"&Operational Flowchart"},
-    {u"mentf", u"menhf", u"&Frequently Asked Questions"},
-    {u"mentw", u"menhw", u"&Web Page of the Product"},
-    {u"mentb", u"menhb", u"&Blog"},
-    {u"mentr", u"menhr", u"&RSS Feed of the Blog"},
-    {u"mentc", u"menhc", u"&Contact Support"},
-    {u"mentl", u"menhl", u"Check for a &New Version"},
-    {u"mentt", u"menht", u"Suppor&t Page"},
-    {u"mente", u"menhe", u"R&ecommend to a Friend"},
-    {u"menta", u"menha", u"&About Corvane"},
-    {u"mentx", u"menfx", u"E&xit"},
-    {u"mentu", u"menfu", u"Exit, B&ut Keep the Scheduler"},
+    {u"menth", u"menhh", helpItem},
+    {u"mento", u"menho", flowchartItem},
+    {u"mentf", u"menhf", questionsItem},
+    {u"mentw", u"menhw", pageItem},
+    {u"mentb", u"menhb", blogItem},
+    {u"mentr", u"menhr", feedItem},
+    {u"mentc", u"menhc", contactItem},
+    {u"mentl", u"menhl", versionItem},
+    {u"mentt", u"menht", supportItem},
+    {u"mente", u"menhe", recommendItem},
+    {u"menta", u"menha", aboutItem},
+    {u"mentx", u"menfx", exitItem},
+    {u"mentu", u"menfu", exitKeepingItem},
 }};
 
 constexpr int watchMilliseconds = 2000;
@@ -92,7 +93,7 @@ TrayIcon::~TrayIcon() = default;
 void TrayIcon::buildMenu()
 {
     m_menu->setObjectName(u"ment"_s);
-    QAction *show = m_menu->addAction(u"&Show Corvane"_s);
+    QAction *show = m_menu->addAction(QString::fromUtf16(showItem));
     show->setObjectName(u"ments"_s);
     connect(show, &QAction::triggered, this, &TrayIcon::restore);
     m_menu->addSeparator();

@@ -1,3 +1,5 @@
+#include "core/launcher.h"
+#include "quillon/text/owntexts.h"
 #include "support/treefixture.h"
 
 #include <QTest>
@@ -6,6 +8,8 @@ using namespace Qt::StringLiterals;
 using namespace corvane;
 
 namespace {
+
+constexpr quillon::OwnText silence{u"Hall", u"SILENCE", u"Nobody speaks."};
 
 class RecordedPrompts : public quillon::Prompts {
 public:
@@ -39,12 +43,19 @@ class TestTexts : public QObject, protected TreeFixture {
 
 private Q_SLOTS:
     void init() { makeBareTree(); }
-    void cleanup() { dropTree(); }
+    void cleanup()
+    {
+        quillon::setTextSource(nullptr);
+        dropTree();
+    }
 
     void textIsReadAtEachUse();
     void keyThatIsNotThereGivesAnEmptyBoxThatStillWaits();
     void missingFileGivesAnEmptyBoxThatStillWaits();
     void valueStandsInFrontInSingleQuotes();
+    void sentencesFollowTheFileOnceItHasChanged();
+    void sentencesAreEnglishWhereTheFileIsMissing();
+    void sentencesAreThoseOfTheFolderThatIsSet();
 
 private:
     [[nodiscard]] QString tips() const { return m_tree->globals.programFolder + u"/tips.dll"_s; }
@@ -84,6 +95,35 @@ void TestTexts::valueStandsInFrontInSingleQuotes()
     showMessage(u"INVALID_TO"_s, quillon::WarningBox, QString());
     QCOMPARE(prompts.boxes.at(0).Text, u"'Ada <x' is no address."_s);
     QCOMPARE(prompts.boxes.at(1).Text, u"'' is no address."_s);
+}
+
+void TestTexts::sentencesFollowTheFileOnceItHasChanged()
+{
+    useLanguageTexts();
+    writeFile(tips(), "[Hall]\r\nSILENCE=Alles schweigt.\r\n");
+    QCOMPARE(quillon::say(silence), u"Alles schweigt."_s);
+    writeFile(tips(), "[Hall]\r\nSILENCE=Stille.\r\n");
+    quillon::refreshTexts();
+    QCOMPARE(quillon::say(silence), u"Stille."_s);
+    QVERIFY(QFile::remove(tips()));
+    quillon::refreshTexts();
+    QCOMPARE(quillon::say(silence), u"Nobody speaks."_s);
+}
+
+void TestTexts::sentencesAreEnglishWhereTheFileIsMissing()
+{
+    useLanguageTexts();
+    QVERIFY(!QFile::exists(tips()));
+    QCOMPARE(quillon::say(silence), u"Nobody speaks."_s);
+}
+
+void TestTexts::sentencesAreThoseOfTheFolderThatIsSet()
+{
+    prepareProgram(m_tree->globals); // the start puts the language file in force
+    writeFile(tips(), "[Hall]\r\nSILENCE=Alles schweigt.\r\n");
+    QCOMPARE(quillon::say(silence), u"Alles schweigt."_s);
+    setLanguageFolder(m_tree->path(u"nowhere"_s));
+    QCOMPARE(quillon::say(silence), u"Nobody speaks."_s);
 }
 
 QTEST_GUILESS_MAIN(TestTexts)

@@ -1,6 +1,7 @@
 #include "support/fakewindow.h"
 
 #include "quillon/text/lineends.h"
+#include "sending/sendingtexts.h"
 
 QString FakeWindow::text(Field field) const
 {

@@ -43,9 +43,9 @@ void frmPubMacroDetail::begin(Task task)
     m_task = std::move(task);
     clearFields();
     if (m_task.mode == Mode::Add) {
-        setWindowTitle(u"Add Macro"_s);
+        setWindowTitle(QString::fromUtf16(addMacroCaption));
     } else {
-        setWindowTitle(u"Edit Macro - "_s + m_task.row.macro);
+        setWindowTitle(QString::fromUtf16(editMacroCaption) + m_task.row.macro);
         m_ui->txtMacro->setText(m_task.row.macro);
         m_ui->txtString->setText(m_task.row.text);
         m_ui->cbbCate->setCurrentText(m_task.row.category);

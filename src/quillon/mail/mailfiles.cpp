@@ -1,5 +1,7 @@
 #include "quillon/mail/mailfiles.h"
 
+#include "quillon/mail/mailtexts.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QMimeDatabase>
@@ -44,7 +46,7 @@ QByteArray typeOf(const QString &path, const QByteArray &start)
 
 QString sentence(const QString &path, const QString &reason)
 {
-    return u"The file \""_s + path + u"\" cannot be put into the mail: "_s + reason + u'.';
+    return say(mailtexts::fileNotAdded, path, reason);
 }
 
 } // namespace
@@ -58,7 +60,7 @@ std::optional<MailFile> MailEncoderCache::inspect(const QString &path, QString &
         return std::nullopt;
     }
     if (!S_ISREG(status.st_mode)) {
-        error = sentence(path, S_ISDIR(status.st_mode) ? u"it is a folder"_s : u"it is not a regular file"_s);
+        error = sentence(path, S_ISDIR(status.st_mode) ? say(mailtexts::fileIsFolder) : say(mailtexts::fileNotRegular));
         return std::nullopt;
     }
     const qint64 changed = status.st_mtim.tv_sec * nanosecondsPerSecond + status.st_mtim.tv_nsec;

@@ -1,6 +1,7 @@
 #include "quillon/mail/mailheaders.h"
 
 #include "quillon/mail/headerfield.h"
+#include "quillon/mail/mailtexts.h"
 
 #include <QList>
 #include <QRandomGenerator>
@@ -120,8 +121,7 @@ public:
             }
             const std::optional<AddressSpec> spec = addressSpec(address);
             if (!spec) {
-                m_headers.ErrorText =
-                    u"The mail cannot be made: \""_s + headerText(address) + u"\" is not a valid e-mail address."_s;
+                m_headers.ErrorText = say(mailtexts::addressInvalid, headerText(address));
                 return;
             }
             m_headers.NeedsSmtpUtf8 = m_headers.NeedsSmtpUtf8 || spec->NeedsSmtpUtf8;
@@ -175,8 +175,7 @@ MailHeaders mailHeaders(const MailMessage &message, const QDateTime &now)
     out += "Date: " + mailDate(message.Date, now) + "\r\n";
     const std::optional<AddressSpec> sender = addressSpec(message.From.Address.trimmed());
     if (!sender) {
-        headers.ErrorText = u"The mail cannot be made: \""_s + headerText(message.From.Address) +
-                            u"\" is not a valid sender address."_s;
+        headers.ErrorText = say(mailtexts::fromInvalid, headerText(message.From.Address));
         return headers;
     }
     headers.SenderDomain = sender->Octets.mid(sender->Octets.lastIndexOf('@') + 1);

@@ -2,6 +2,7 @@
 
 #include "quillon/fault.h"
 #include "quillon/mail/encodedmail.h"
+#include "quillon/mail/mailtexts.h"
 #include "quillon/mail/smtpsession.h"
 
 #include <QDateTime>
@@ -73,6 +74,7 @@ Pending<> MailTransport::Connect(const QString &server, long port, long, long)
         return Pending<>::settled();
     }
     Quit();
+    refreshTexts();
     m_failureKnown = true;
     Pending<> pending;
     begin(Operation::Connect, [settler = pending.settler()](bool) { settler.settle(); });
@@ -128,7 +130,7 @@ Pending<bool> MailTransport::SendEncoded(const EncodedMail &mail, const QString 
     if (!m_session || State() == Closed) {
         std::optional<SmtpFailure> failure = m_session ? m_session->takeFailure() : std::nullopt;
         if (!failure && !m_failureKnown) {
-            failure = SmtpFailure{0, u"The message was not sent: there is no connection to a mail server."_s};
+            failure = SmtpFailure{0, say(mailtexts::notConnected)};
         }
         failLater(failure);
     } else {
@@ -206,27 +208,26 @@ void MailTransport::setTimeouts(int connectMs, int silenceMs, int graceMs)
 
 QString MailTransport::faultOfSettings(const QString &server, long port) const
 {
-    const QString failed = u"Connecting failed: "_s;
     if (server.trimmed().isEmpty()) {
-        return failed + u"no mail server is given."_s;
+        return say(mailtexts::noServer);
     }
     if (asciiHost(server).isEmpty()) {
-        return failed + u"“%1” is not the name of a mail server."_s.arg(printableText(server, 120));
+        return say(mailtexts::serverInvalid, printableText(server, 120));
     }
     if (!isPort(port)) {
-        return failed + u"%1 is not a port; ports go from 1 to 65535."_s.arg(port);
+        return say(mailtexts::portInvalid, QString::number(port));
     }
     if (ProxyServer.trimmed().isEmpty()) {
         return {};
     }
     if (asciiHost(ProxyServer).isEmpty()) {
-        return failed + u"“%1” is not the name of a proxy server."_s.arg(printableText(ProxyServer, 120));
+        return say(mailtexts::proxyInvalid, printableText(ProxyServer, 120));
     }
     if (!isPort(ProxyPort)) {
-        return failed + u"%1 is not a port of the proxy; ports go from 1 to 65535."_s.arg(ProxyPort);
+        return say(mailtexts::proxyPortInvalid, QString::number(ProxyPort));
     }
     if (ProxyUser.toUtf8().size() > maxProxyWord || ProxyPassword.toUtf8().size() > maxProxyWord) {
-        return failed + u"the user name or the password for the proxy is longer than 255 octets."_s;
+        return say(mailtexts::proxyLoginTooLong);
     }
     return {};
 }

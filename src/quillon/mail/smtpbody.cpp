@@ -1,13 +1,12 @@
 #include "quillon/mail/smtpbody.h"
 
+#include "quillon/mail/mailtexts.h"
 #include "quillon/mail/smtpreply.h"
 
 #include <QFileInfo>
 
 #include <algorithm>
 #include <cstring>
-
-using namespace Qt::StringLiterals;
 
 namespace quillon {
 
@@ -62,7 +61,7 @@ QByteArray SmtpBody::nextOfFile(const MailStretch &stretch)
     if (!m_file) {
         m_file = std::make_unique<QFile>(stretch.File);
         if (!QFileInfo(stretch.File).isFile() || !m_file->open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-            return fail(u"the file “%1” can no longer be read"_s.arg(name));
+            return fail(say(mailtexts::fileUnreadable, name));
         }
     }
     const qint64 wanted = qMin<qint64>(octetsPerLine * linesPerPiece, stretch.FileSize - m_offset);
@@ -70,7 +69,7 @@ QByteArray SmtpBody::nextOfFile(const MailStretch &stretch)
     for (qint64 got = 0; got < wanted;) {
         const qint64 read = m_file->read(octets.data() + got, wanted - got);
         if (read <= 0) {
-            return fail(u"the file “%1” has become shorter while it was sent"_s.arg(name));
+            return fail(say(mailtexts::fileShorter, name));
         }
         got += read;
     }
@@ -78,7 +77,7 @@ QByteArray SmtpBody::nextOfFile(const MailStretch &stretch)
     if (m_offset == stretch.FileSize) {
         char beyond = 0;
         if (m_file->read(&beyond, 1) != 0) {
-            return fail(u"the file “%1” has become longer while it was sent"_s.arg(name));
+            return fail(say(mailtexts::fileLonger, name));
         }
         m_file.reset();
     }

@@ -1,12 +1,11 @@
 #include "quillon/mail/smtpenvelope.h"
 
 #include "quillon/mail/asciidomain.h"
+#include "quillon/mail/mailtexts.h"
 
 #include <QSet>
 
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace quillon {
 
@@ -69,25 +68,9 @@ std::optional<Path> pathOf(const QString &address)
     return path;
 }
 
-SmtpFailure unsuitable(const QString &role, const QString &address)
+SmtpFailure unsuitable(const OwnText &empty, const OwnText &invalid, const QString &address)
 {
-    if (address.isEmpty()) {
-        return {0, u"The message was not sent: the address of the %1 is empty."_s.arg(role)};
-    }
-    return {0, u"The message was not sent: “%2”, the address of the %1, is not an e-mail address."_s.arg(
-                   role, printableText(address, 120))};
-}
-
-SmtpFailure utf8Missing(const QString &what)
-{
-    return {0, u"The message was not sent: the server does not offer SMTPUTF8, which %1 needs."_s.arg(what)};
-}
-
-SmtpFailure tooBig(qint64 size, qint64 limit)
-{
-    return {0, u"The message was not sent: it has %1 octets, and the server takes messages of at most %2 octets."_s
-                   .arg(size)
-                   .arg(limit)};
+    return {0, address.isEmpty() ? say(empty) : say(invalid, printableText(address, 120))};
 }
 
 } // namespace
@@ -100,17 +83,14 @@ SmtpEnvelope SmtpEnvelope::plan(const SmtpMail &mail, const SmtpExtensions &exte
     }
     const std::optional<Path> from = pathOf(mail.From);
     if (!from) {
-        return failed(unsuitable(u"sender"_s, mail.From));
+        return failed(unsuitable(mailtexts::senderEmpty, mailtexts::senderInvalid, mail.From));
     }
     if (mail.To.isEmpty()) {
-        return failed({0, u"The message was not sent: it has no recipient."_s});
+        return failed({0, say(mailtexts::noRecipient)});
     }
     bool needsUtf8 = from->NeedsUtf8;
-    QString needsItFirst = u"the address of the sender, “%1”,"_s.arg(mail.From);
-    if (mail.Content.NeedsSmtpUtf8 && !needsUtf8) {
-        needsUtf8 = true;
-        needsItFirst = u"an address in its header"_s;
-    }
+    const bool senderNeedsUtf8 = needsUtf8;
+    needsUtf8 = needsUtf8 || mail.Content.NeedsSmtpUtf8;
     SmtpEnvelope envelope;
     envelope.Commands += QByteArray();
     QSet<QString> known;
@@ -121,20 +101,22 @@ SmtpEnvelope SmtpEnvelope::plan(const SmtpMail &mail, const SmtpExtensions &exte
         known.insert(recipient);
         const std::optional<Path> to = pathOf(recipient);
         if (!to) {
-            return failed(unsuitable(u"recipient"_s, recipient));
+            return failed(unsuitable(mailtexts::recipientEmpty, mailtexts::recipientInvalid, recipient));
         }
         if (to->NeedsUtf8 && !extensions.SmtpUtf8) {
-            return failed(utf8Missing(u"the address “%1”"_s.arg(printableText(recipient, 120))));
+            return failed({0, say(mailtexts::utf8ForRecipient, printableText(recipient, 120))});
         }
         needsUtf8 = needsUtf8 || to->NeedsUtf8;
         envelope.Commands += "RCPT TO:<" + to->Octets + '>';
         envelope.Recipients += recipient;
     }
     if (needsUtf8 && !extensions.SmtpUtf8) {
-        return failed(utf8Missing(printableText(needsItFirst)));
+        return failed({0, senderNeedsUtf8 ? say(mailtexts::utf8ForSender, printableText(mail.From))
+                                          : say(mailtexts::utf8ForHeader)});
     }
     if (extensions.MaxSize > 0 && mail.Content.Size > extensions.MaxSize) {
-        return failed(tooBig(mail.Content.Size, extensions.MaxSize));
+        return failed(
+            {0, say(mailtexts::tooBig, QString::number(mail.Content.Size), QString::number(extensions.MaxSize))});
     }
     QByteArray &command = envelope.Commands.first();
     command = "MAIL FROM:<" + from->Octets + '>';

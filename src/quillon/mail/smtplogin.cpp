@@ -1,5 +1,7 @@
 #include "quillon/mail/smtplogin.h"
 
+#include "quillon/mail/mailtexts.h"
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -15,7 +17,7 @@ SmtpLogin::SmtpLogin(const SmtpExtensions &extensions, bool encrypted, const QSt
     : m_password(password)
 {
     if (extensions.Auth.isEmpty()) {
-        m_fault = u"the server does not offer AUTH, although the account has a user name"_s;
+        m_fault = say(mailtexts::noAuth);
         return;
     }
     m_mechanism = SaslClient::choose(extensions.Auth, encrypted);
@@ -23,8 +25,7 @@ SmtpLogin::SmtpLogin(const SmtpExtensions &extensions, bool encrypted, const QSt
         m_client = SaslClient::start(m_mechanism, user, password, host);
     }
     if (!m_client) {
-        m_fault = u"none of the mechanisms that the server offers is known here (%1)"_s.arg(
-            printableText(extensions.Auth.join(' '), 120));
+        m_fault = say(mailtexts::noKnownMechanism, printableText(extensions.Auth.join(' '), 120));
     }
 }
 
@@ -39,7 +40,7 @@ QByteArray SmtpLogin::command()
     }
     const std::optional<QByteArray> first = m_client->step({});
     if (!first) {
-        m_fault = u"the user name or the password cannot be prepared for %1"_s.arg(QString::fromLatin1(m_mechanism));
+        m_fault = say(mailtexts::loginNotPrepared, QString::fromLatin1(m_mechanism));
         return {};
     }
     const QByteArray word = first->isEmpty() ? QByteArray("=") : encoded(*first);
@@ -61,14 +62,13 @@ std::optional<QByteArray> SmtpLogin::answer(const SmtpReply &reply)
     if (!challenge) {
         // LOGIN's prompts are only prompts, and servers have been seen to send them as plain text.
         if (m_mechanism != "LOGIN") {
-            m_fault = u"the server's challenge is not in Base64"_s;
+            m_fault = say(mailtexts::challengeNotBase64);
             return std::nullopt;
         }
     }
     const std::optional<QByteArray> word = m_client->step(challenge ? challenge.decoded : QByteArray());
     if (!word) {
-        m_fault = u"the exchange of %1 with the server makes no sense or proves another server"_s.arg(
-            QString::fromLatin1(m_mechanism));
+        m_fault = say(mailtexts::exchangeWithoutSense, QString::fromLatin1(m_mechanism));
         return std::nullopt;
     }
     return encoded(*word);

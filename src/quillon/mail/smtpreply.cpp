@@ -1,10 +1,10 @@
 #include "quillon/mail/smtpreply.h"
 
+#include "quillon/mail/mailtexts.h"
+
 #include <QStringDecoder>
 
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace quillon {
 
@@ -79,7 +79,7 @@ std::optional<SmtpReply> SmtpReplyParser::next()
     while (m_fault.isEmpty()) {
         const qsizetype end = m_input.indexOf('\n', m_scanned);
         if ((end < 0 ? m_input.size() : end) - m_start > MaxLineLength) {
-            m_fault = u"its answer has a line without end, “%1”"_s.arg(printableText(m_input.mid(m_start, 60), 60));
+            m_fault = say(mailtexts::lineWithoutEnd, printableText(m_input.mid(m_start, 60), 60));
             break;
         }
         if (end < 0) {
@@ -110,18 +110,18 @@ bool SmtpReplyParser::takeLine(const QByteArray &line)
 {
     if (std::all_of(line.cbegin(), line.cend(), isBlank)) {
         if (++m_blankLines > MaxBlankLines) {
-            m_fault = u"it answers with nothing but blank lines"_s;
+            m_fault = say(mailtexts::onlyBlankLines);
         }
         return false;
     }
     m_blankLines = 0;
     const int code = codeOf(line);
     if (code == 0 || (m_reply.Code != 0 && m_reply.Code != code)) {
-        m_fault = u"its answer is not SMTP, “%1”"_s.arg(printableText(line, 120));
+        m_fault = say(mailtexts::notSmtp, printableText(line, 120));
         return false;
     }
     if (m_reply.Lines.size() == MaxLines) {
-        m_fault = u"its answer has too many lines"_s;
+        m_fault = say(mailtexts::tooManyLines);
         return false;
     }
     m_reply.Code = code;

@@ -1,8 +1,8 @@
 #include "quillon/mail/smtpsession.h"
 
-#include <QPointer>
+#include "quillon/mail/mailtexts.h"
 
-using namespace Qt::StringLiterals;
+#include <QPointer>
 
 namespace quillon {
 
@@ -170,8 +170,8 @@ void SmtpSession::deliverProgress()
 void SmtpSession::fail(const QString &reason, int code, bool politely)
 {
     const QString stage = m_stage == Stage::Sending ? m_transaction->stageName() : stageName();
-    const QString said = m_lastReply.isEmpty() ? QString() : u" (its last answer was “%1”)"_s.arg(m_lastReply);
-    const QString text = u"%1 failed: %2%3."_s.arg(stage, reason, said);
+    const QString text = m_lastReply.isEmpty() ? say(mailtexts::failed, stage, reason)
+                                               : say(mailtexts::failedAfter, stage, reason, m_lastReply);
     failWith({code, m_login ? m_login->withoutSecrets(text) : text}, politely);
 }
 
@@ -196,7 +196,7 @@ void SmtpSession::refuse(const SmtpReply &reply)
     if (m_login) {
         text = m_login->withoutSecrets(text);
     }
-    failWith({reply.Code, u"%1 failed: the server answered “%2”."_s.arg(stageName(), text)}, reply.isRefusal());
+    failWith({reply.Code, say(mailtexts::failedByAnswer, stageName(), text)}, reply.isRefusal());
 }
 
 void SmtpSession::onConnected()
@@ -232,40 +232,41 @@ QString SmtpSession::stageName() const
 {
     switch (m_stage) {
     case Stage::Connecting:
-        return u"Connecting to %1"_s.arg(place());
+        return connectingTo();
     case Stage::ImplicitTls:
     case Stage::TlsHandshake:
-        return u"Securing the connection to %1 (TLS)"_s.arg(m_target.Host);
+        return say(mailtexts::securing, m_target.Host);
     case Stage::Greeting:
-        return u"Waiting for the greeting of %1"_s.arg(m_target.Host);
+        return say(mailtexts::awaitingGreeting, m_target.Host);
     case Stage::Ehlo:
-        return u"Greeting %1 (EHLO)"_s.arg(m_target.Host);
+        return say(mailtexts::greetingEhlo, m_target.Host);
     case Stage::Helo:
-        return u"Greeting %1 (HELO)"_s.arg(m_target.Host);
+        return say(mailtexts::greetingHelo, m_target.Host);
     case Stage::StartTls:
-        return u"Asking %1 for encryption (STARTTLS)"_s.arg(m_target.Host);
+        return say(mailtexts::askingForTls, m_target.Host);
     case Stage::Auth:
         return m_login && !m_login->mechanism().isEmpty()
-                   ? u"Logging in at %1 (AUTH %2)"_s.arg(m_target.Host, QString::fromLatin1(m_login->mechanism()))
-                   : u"Logging in at %1"_s.arg(m_target.Host);
+                   ? say(mailtexts::loggingInBy, m_target.Host, QString::fromLatin1(m_login->mechanism()))
+                   : say(mailtexts::loggingIn, m_target.Host);
     case Stage::Ready:
-        return u"Connected to %1"_s.arg(m_target.Host);
+        return say(mailtexts::connected, m_target.Host);
     case Stage::Sending:
-        return u"Sending the addresses"_s;
+        return say(mailtexts::sendingAddresses);
     case Stage::Reset:
-        return u"Taking the message back (RSET)"_s;
+        return say(mailtexts::takingBack);
     default:
         return {};
     }
 }
 
-QString SmtpSession::place() const
+QString SmtpSession::connectingTo() const
 {
-    const QString server = u"%1, port %2,"_s.arg(m_target.Host).arg(m_target.Port);
+    const QString port = QString::number(m_target.Port);
     if (m_target.Proxy.type() == QNetworkProxy::NoProxy) {
-        return server;
+        return say(mailtexts::connecting, m_target.Host, port);
     }
-    return u"%1 through the proxy %2, port %3,"_s.arg(server, m_target.Proxy.hostName()).arg(m_target.Proxy.port());
+    return say(mailtexts::connectingByProxy, m_target.Host, port, m_target.Proxy.hostName(),
+               QString::number(m_target.Proxy.port()));
 }
 
 } // namespace quillon

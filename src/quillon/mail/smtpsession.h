@@ -104,7 +104,7 @@ private:
     void handleAuth(const SmtpReply &reply);
     void followTransaction();
     [[nodiscard]] QString stageName() const;
-    [[nodiscard]] QString place() const;
+    [[nodiscard]] QString connectingTo() const;
 
     SmtpTarget m_target;
     SmtpTimeouts m_timeouts;

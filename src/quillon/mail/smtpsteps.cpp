@@ -1,12 +1,11 @@
 // The steps of a session, from the greeting to the mail that is sent: what each reply leads to.
 
+#include "quillon/mail/mailtexts.h"
 #include "quillon/mail/smtpsession.h"
 
 #include <QHostInfo>
 
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace quillon {
 
@@ -78,7 +77,7 @@ void SmtpSession::handle(const SmtpReply &reply)
         break;
     default:
         // Nothing was asked: a server that ends an idle session, or one that has lost its place.
-        failWith({reply.Code, u"The server has ended the session: “%1”."_s.arg(reply.text())}, false);
+        failWith({reply.Code, say(mailtexts::sessionEnded, reply.text())}, false);
         break;
     }
 }
@@ -88,7 +87,7 @@ void SmtpSession::ask(Stage stage, const QByteArray &line)
 {
     if (m_wire.hasPending()) {
         // It would be taken for the answer to this command.
-        fail(u"the server talks out of turn"_s);
+        fail(say(mailtexts::outOfTurn));
         return;
     }
     enter(stage);
@@ -121,7 +120,7 @@ void SmtpSession::goOn()
     if (m_target.StartTls && !m_wire.isEncrypted()) {
         if (!m_extensions.StartTls) {
             m_stage = Stage::StartTls;
-            fail(u"the server does not offer it, and nothing was sent in the clear"_s, 0, true);
+            fail(say(mailtexts::noStartTls), 0, true);
             return;
         }
         ask(Stage::StartTls, "STARTTLS");
@@ -140,7 +139,7 @@ void SmtpSession::handleStartTls(const SmtpReply &reply)
     }
     if (m_wire.hasPending()) {
         // Whatever follows this reply in the clear may come from anybody on the way.
-        fail(u"there was more behind the answer to STARTTLS"_s);
+        fail(say(mailtexts::moreBehindStartTls));
         return;
     }
     m_wire.forgetInput();
@@ -171,7 +170,7 @@ void SmtpSession::handleAuth(const SmtpReply &reply)
             m_wire.writeLine("*");
             fail(m_login->fault(), 0, true);
         } else if (m_wire.hasPending()) {
-            fail(u"the server talks out of turn"_s);
+            fail(say(mailtexts::outOfTurn));
         } else {
             m_wire.writeLine(*answer);
         }
@@ -179,7 +178,7 @@ void SmtpSession::handleAuth(const SmtpReply &reply)
         refuse(reply);
     } else if (!m_login->mayEnd()) {
         m_lastReply.clear();
-        fail(u"the server ended the login before it had proved itself"_s);
+        fail(say(mailtexts::loginEndedEarly));
     } else {
         m_login.reset();
         m_lastReply.clear();
@@ -196,10 +195,10 @@ void SmtpSession::followTransaction()
     using State = SmtpTransaction::State;
     switch (m_transaction->state()) {
     case State::Body:
-        tell(u"Sending the message: %1 %"_s.arg(m_transaction->percent()));
+        tell(say(mailtexts::sendingPercent, QString::number(m_transaction->percent())));
         break;
     case State::EndOfData:
-        tell(u"Sending the message: 100 %"_s);
+        tell(say(mailtexts::sendingPercent, QString::number(100)));
         m_wire.allowSilence(m_timeouts.Silence * endOfDataPatience);
         break;
     case State::Sent:

@@ -1,8 +1,7 @@
 #include "quillon/mail/smtptransaction.h"
 
+#include "quillon/mail/mailtexts.h"
 #include "quillon/mail/smtpwire.h"
-
-using namespace Qt::StringLiterals;
 
 namespace quillon {
 
@@ -38,7 +37,7 @@ void SmtpTransaction::writeCommands()
 {
     if (m_written == m_answered && m_wire.hasPending()) {
         // An answer to a question that was not asked would be taken for the answer to the next one.
-        breakOff(u"the server talks out of turn"_s, SmtpReply());
+        breakOff(say(mailtexts::outOfTurn), SmtpReply());
         return;
     }
     const qsizetype data = m_envelope.Commands.size() - 1;
@@ -64,9 +63,7 @@ void SmtpTransaction::handle(const SmtpReply &reply)
         handleEnvelope(reply);
         break;
     case State::Body:
-        breakOff(reply.isRefusal() ? u"the server has refused the message while it was sent"_s
-                                   : u"the server talks out of turn"_s,
-                 reply);
+        breakOff(reply.isRefusal() ? say(mailtexts::refusedMidway) : say(mailtexts::outOfTurn), reply);
         break;
     case State::EndOfData:
         handleEndOfData(reply);
@@ -81,18 +78,18 @@ void SmtpTransaction::handleEnvelope(const SmtpReply &reply)
     const qsizetype data = m_envelope.Commands.size() - 1;
     const qsizetype index = m_answered;
     if (index == m_written || reply.Code == serviceNotAvailable) {
-        breakOff(u"the server has ended the session"_s, reply);
+        breakOff(say(mailtexts::endedSession), reply);
         return;
     }
     ++m_answered;
     const bool accepted = index == data ? reply.Code == startMailInput : reply.isPositive();
     if (index == data && (accepted ? m_refusal.has_value() : !reply.isRefusal())) {
-        end(State::Broken, m_refusal.value_or(SmtpFailure{
-                               reply.Code, u"%1 failed: the server answered “%2”."_s.arg(stageName(), reply.text())}));
+        end(State::Broken,
+            m_refusal.value_or(SmtpFailure{reply.Code, say(mailtexts::failedByAnswer, stageName(), reply.text())}));
         return;
     }
     if (!accepted && !m_refusal) {
-        m_refusal = SmtpFailure{reply.Code, u"The server refused %1: “%2”."_s.arg(commandName(index), reply.text())};
+        m_refusal = SmtpFailure{reply.Code, say(mailtexts::refused, commandName(index), reply.text())};
     }
     if (m_refusal) {
         if (m_answered == m_written) {
@@ -105,7 +102,7 @@ void SmtpTransaction::handleEnvelope(const SmtpReply &reply)
         return;
     }
     if (m_wire.hasPending()) {
-        breakOff(u"the server talks out of turn"_s, SmtpReply());
+        breakOff(say(mailtexts::outOfTurn), SmtpReply());
         return;
     }
     m_state = State::Body;
@@ -117,11 +114,11 @@ void SmtpTransaction::pump()
     while (m_state == State::Body && m_wire.hasRoom()) {
         const QByteArray piece = m_body.next();
         if (!m_body.fault().isEmpty()) {
-            end(State::Broken, {0, u"%1 failed: %2; nothing was delivered."_s.arg(stageName(), m_body.fault())});
+            end(State::Broken, {0, say(mailtexts::failedByFile, stageName(), m_body.fault())});
             return;
         }
         if (m_body.isAtEnd() && m_wire.hasPending()) {
-            breakOff(u"the server talks out of turn"_s, SmtpReply());
+            breakOff(say(mailtexts::outOfTurn), SmtpReply());
             return;
         }
         m_wire.write(piece);
@@ -138,22 +135,21 @@ void SmtpTransaction::handleEndOfData(const SmtpReply &reply)
 {
     if (m_wire.unsent() > 0) {
         // It has not got the end yet: whatever it says, the mail is not with it.
-        breakOff(reply.isRefusal() ? u"the server has refused the message while it was sent"_s
-                                   : u"the server talks out of turn"_s,
-                 reply);
+        breakOff(reply.isRefusal() ? say(mailtexts::refusedMidway) : say(mailtexts::outOfTurn), reply);
     } else if (reply.isPositive()) {
         m_state = State::Sent;
     } else if (reply.isRefusal() && reply.Code != serviceNotAvailable) {
-        end(State::Refused, {reply.Code, u"The server refused the message after its end: “%1”."_s.arg(reply.text())});
+        end(State::Refused, {reply.Code, say(mailtexts::refusedAtEnd, reply.text())});
     } else {
-        breakOff(u"the server did not take the message"_s, reply);
+        breakOff(say(mailtexts::notTaken), reply);
     }
 }
 
 void SmtpTransaction::breakOff(const QString &what, const SmtpReply &reply)
 {
-    const QString said = reply.Code == 0 ? QString() : u", “%1”"_s.arg(reply.text());
-    end(State::Broken, {reply.Code, u"%1 failed: %2%3."_s.arg(stageName(), what, said)});
+    const QString text = reply.Code == 0 ? say(mailtexts::failed, stageName(), what)
+                                         : say(mailtexts::failedWith, stageName(), what, reply.text());
+    end(State::Broken, {reply.Code, text});
 }
 
 void SmtpTransaction::end(State state, const SmtpFailure &failure)
@@ -166,23 +162,23 @@ QString SmtpTransaction::stageName() const
 {
     switch (m_state) {
     case State::Body:
-        return u"Sending the message"_s;
+        return say(mailtexts::sendingMessage);
     case State::EndOfData:
-        return u"Waiting for the message to be accepted"_s;
+        return say(mailtexts::awaitingAcceptance);
     default:
-        return u"Sending %1"_s.arg(commandName(qMin(m_answered, m_envelope.Commands.size() - 1)));
+        return say(mailtexts::sendingCommand, commandName(qMin(m_answered, m_envelope.Commands.size() - 1)));
     }
 }
 
 QString SmtpTransaction::commandName(qsizetype index) const
 {
     if (index == 0) {
-        return u"the sender (MAIL FROM)"_s;
+        return say(mailtexts::commandSender);
     }
     if (index <= m_envelope.Recipients.size()) {
-        return u"the recipient %1 (RCPT TO)"_s.arg(printableText(m_envelope.Recipients.at(index - 1), 254));
+        return say(mailtexts::commandRecipient, printableText(m_envelope.Recipients.at(index - 1), 254));
     }
-    return u"the message (DATA)"_s;
+    return say(mailtexts::commandMessage);
 }
 
 } // namespace quillon

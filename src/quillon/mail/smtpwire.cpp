@@ -1,9 +1,10 @@
 #include "quillon/mail/smtpwire.h"
 
+#include "quillon/mail/mailtexts.h"
+
 #include <QCoreApplication>
 #include <QHostAddress>
 
-using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace quillon {
@@ -187,7 +188,7 @@ void SmtpWire::onReadyRead()
         return;
     }
     if (state == TlsClient::State::Ended) {
-        giveUp(u"the server has closed the connection"_s);
+        giveUp(say(mailtexts::closedConnection));
     } else if (state == TlsClient::State::Failed) {
         giveUp(m_tls->fault());
     }
@@ -223,7 +224,7 @@ void SmtpWire::onBytesWritten()
 
 void SmtpWire::onError(QAbstractSocket::SocketError error)
 {
-    const QString reason = error == QAbstractSocket::RemoteHostClosedError ? u"the server has closed the connection"_s
+    const QString reason = error == QAbstractSocket::RemoteHostClosedError ? say(mailtexts::closedConnection)
                                                                            : printableText(m_socket->errorString());
     // What the server said last may still lie in the socket, and says more than the loss of the connection does.
     if (m_socket->bytesAvailable() > 0) {
@@ -257,7 +258,7 @@ void SmtpWire::onSilence()
         return;
     }
     const auto seconds = std::chrono::ceil<std::chrono::seconds>(m_allowed);
-    giveUp(u"there was no answer for %1 s"_s.arg(seconds.count()));
+    giveUp(say(mailtexts::noAnswer, QString::number(seconds.count())));
 }
 
 } // namespace quillon

@@ -1,5 +1,6 @@
 #include "quillon/mail/tlsclient.h"
 
+#include "quillon/mail/mailtexts.h"
 #include "quillon/mail/smtpreply.h"
 #include "quillon/mail/smtptls.h"
 
@@ -9,8 +10,6 @@
 #include <openssl/err.h>
 #include <openssl/ssl.h>
 #include <openssl/x509v3.h>
-
-using namespace Qt::StringLiterals;
 
 namespace quillon {
 
@@ -24,7 +23,7 @@ QString libraryFault()
     const unsigned long code = ERR_get_error();
     ERR_clear_error();
     const char *const reason = code == 0 ? nullptr : ERR_reason_error_string(code);
-    return reason == nullptr ? u"TLS failed"_s : printableText(QByteArray(reason));
+    return reason == nullptr ? say(mailtexts::tlsFailed) : printableText(QByteArray(reason));
 }
 
 } // namespace
@@ -61,7 +60,7 @@ TlsClient::TlsClient(const QString &host, quint16 port) : m_peer(host.toLower(),
         named = X509_VERIFY_PARAM_set1_ip_asc(SSL_get0_param(m_ssl.get()), name.constData()) == 1;
     }
     if (!named) {
-        m_fault = u"“%1” cannot be verified"_s.arg(host);
+        m_fault = say(mailtexts::hostNotVerified, host);
         m_state = State::Failed;
         return;
     }
@@ -84,7 +83,7 @@ void TlsClient::shakeHands()
     settle(result);
     if (m_state == State::Ended) {
         m_state = State::Failed;
-        m_fault = u"the server has ended the handshake"_s;
+        m_fault = say(mailtexts::handshakeEnded);
     }
     if (m_state == State::Failed) {
         SmtpTls::forgetSession(m_peer);
@@ -157,11 +156,10 @@ void TlsClient::settle(int result)
         m_fault = libraryFault();
     } else if (verified == X509_V_ERR_HOSTNAME_MISMATCH || verified == X509_V_ERR_IP_ADDRESS_MISMATCH) {
         ERR_clear_error();
-        m_fault = u"the server's certificate is for another host name"_s;
+        m_fault = say(mailtexts::certificateOfOther);
     } else {
         ERR_clear_error();
-        m_fault = u"the server's certificate is not accepted (%1)"_s.arg(
-            QString::fromUtf8(X509_verify_cert_error_string(verified)));
+        m_fault = say(mailtexts::certificateRejected, QString::fromUtf8(X509_verify_cert_error_string(verified)));
     }
 }
 

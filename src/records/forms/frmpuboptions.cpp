@@ -14,6 +14,7 @@
 #include "records/forms/settingstab.h"
 #include "records/forms/signaturetab.h"
 #include "records/forms/tabcaptions.h"
+#include "records/recordtexts.h"
 #include "ui_frmpuboptions.h"
 
 #include <QAbstractButton>
@@ -78,9 +79,11 @@ public:
 };
 
 /// The headings of a list, those of the language file if it has as many.
-QStringList headingsOf(const QString &list, const QStringList &standard)
+QStringList headingsOf(const quillon::OwnText &columns)
 {
-    const QStringList headings = formText(u"frmPubOptions"_s, list + u".columns"_s).split(u'|');
+    const QStringList standard = QString::fromUtf16(columns.english).split(u'|');
+    const QStringList headings =
+        formText(QString::fromUtf16(columns.section), QString::fromUtf16(columns.key)).split(u'|');
     return headings.size() == standard.size() && !headings.first().isEmpty() ? headings : standard;
 }
 
@@ -98,11 +101,10 @@ RecordButtons buttonsOf(const QWidget *form, const QString &group, const ButtonO
 frmPubOptions::frmPubOptions(ApplicationGlobals &globals, Message &message, quillon::FormRegistry &forms,
                              OptionsHooks hooks)
     : m_globals(globals), m_message(message), m_forms(forms), m_hooks(std::move(hooks)),
-      m_senders(senderKind(), headingsOf(u"lsv(0)"_s, {u"Display Name"_s, u"Email Address"_s, u"Remark"_s}), globals),
-      m_signatures(signatureKind(), headingsOf(u"lsv(1)"_s, {u"Signature"_s}), globals),
-      m_proxies(proxyKind(), headingsOf(u"lsv(2)"_s, {u"Address"_s, u"Port"_s, u"User"_s}), globals),
-      m_accounts(accountKind(), headingsOf(u"lsv(3)"_s, {u"Server"_s, u"Port"_s, u"Email Address"_s}), globals),
-      m_ui(std::make_unique<::Ui::frmPubOptions>())
+      m_senders(senderKind(), headingsOf(senderColumns), globals),
+      m_signatures(signatureKind(), headingsOf(signatureColumns), globals),
+      m_proxies(proxyKind(), headingsOf(proxyColumns), globals),
+      m_accounts(accountKind(), headingsOf(accountColumns), globals), m_ui(std::make_unique<::Ui::frmPubOptions>())
 {
     m_ui->setupUi(this);
     quillon::adoptArrayNames(this);
@@ -156,9 +158,9 @@ void frmPubOptions::makePresetMenu(RecordTab *accounts)
         item->setObjectName(name);
         connect(item, &QAction::triggered, accounts, [accounts, line] { accounts->add(line); });
     };
-    add(u"menan"_s, u"&New Account..."_s, {});
-    add(u"menag"_s, u"&Gmail Account..."_s, presetLine(menagPreset));
-    add(u"menah"_s, u"&Yahoo! Mail Account..."_s, presetLine(menahPreset));
+    add(u"menan"_s, QString::fromUtf16(newAccountItem), {});
+    add(u"menag"_s, QString::fromUtf16(gmailAccountItem), presetLine(menagPreset));
+    add(u"menah"_s, QString::fromUtf16(yahooAccountItem), presetLine(menahPreset));
     auto *button = findChild<QAbstractButton *>(u"sbtSMTP(0)"_s);
     connect(button, &QAbstractButton::clicked, mena,
             [mena, button] { mena->popup(button->mapToGlobal(QPoint(0, button->height()))); });
@@ -218,10 +220,9 @@ void frmPubOptions::ShowOptionsTab(int tab)
     m_ui->lblReason->setVisible(hasTest); // the other tabs have better use for its lines
     showMnemonicsOfTab(m_ui->sst, tab);
     if (tab == OtherTab) {
-        m_ui->lblFontSize->setText(u"F&ont Size"_s);
-        m_ui->lblObo->setText(u"Se&nding Interval (Seconds) for One-by-one Mode"_s);
-        findChild<QAbstractButton *>(u"cbx(1)"_s)
-            ->setText(u"Empty Folder &After Sent This Folder Attachment Successfully (ONLY for Automatic Mode)"_s);
+        m_ui->lblFontSize->setText(QString::fromUtf16(fontSizeCaption));
+        m_ui->lblObo->setText(QString::fromUtf16(oboCaption));
+        findChild<QAbstractButton *>(u"cbx(1)"_s)->setText(QString::fromUtf16(emptyFolderCaption));
     }
 }
 

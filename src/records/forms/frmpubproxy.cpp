@@ -4,6 +4,7 @@
 #include "quillon/system/prompts.h"
 #include "records/forms/fieldboxes.h"
 #include "records/recordfields.h"
+#include "records/recordtexts.h"
 #include "ui_frmpubproxy.h"
 
 #include <utility>
@@ -35,7 +36,7 @@ frmPubProxy::frmPubProxy(std::function<void()> help) : m_ui(std::make_unique<Ui:
 
     Form form;
     form.buttons = {m_ui->sbtSA, Qt::Key_A, m_ui->sbtSC, Qt::Key_C, m_ui->sbtClose, m_ui->sbtHelp};
-    form.what = u"Proxy Server"_s;
+    form.what = QString::fromUtf16(proxyCaption);
     form.nameOf = [](const QString &line) {
         return recordField(line, ProxyAddress) + u':' + recordField(line, ProxyPort);
     };

@@ -3,6 +3,7 @@
 #include "quillon/forms/arraynames.h"
 #include "quillon/system/prompts.h"
 #include "records/recordfields.h"
+#include "records/recordtexts.h"
 #include "ui_frmpubsender.h"
 
 #include <utility>
@@ -19,7 +20,7 @@ frmPubSender::frmPubSender(std::function<void()> help) : m_ui(std::make_unique<U
 
     Form form;
     form.buttons = {sbt[0], Qt::Key_S, sbt[1], Qt::Key_C, sbt[2], sbt[3]};
-    form.what = u"Custom Sender"_s;
+    form.what = QString::fromUtf16(senderCaption);
     form.nameOf = [](const QString &line) { return u'<' + recordField(line, SenderAddress) + u'>'; };
     form.fields = {textField(m_ui->txtDisp), textField(m_ui->txtEmail), textField(m_ui->txtRemark)};
     form.checks = {needs(m_ui->txtEmail, u"CHECK_ADDRESS"), needsAddress(m_ui->txtEmail, quillon::WarningBox)};

@@ -4,6 +4,7 @@
 #include "quillon/system/prompts.h"
 #include "records/forms/fieldboxes.h"
 #include "records/recordfields.h"
+#include "records/recordtexts.h"
 #include "ui_frmpubsmtp.h"
 
 #include <utility>
@@ -47,7 +48,7 @@ frmPubSMTP::frmPubSMTP(std::function<void()> help) : m_ui(std::make_unique<Ui::f
 
     Form form;
     form.buttons = {m_ui->sbtSA, Qt::Key_A, m_ui->sbtSC, Qt::Key_C, m_ui->sbtClose, m_ui->sbtHelp};
-    form.what = u"SMTP Account"_s;
+    form.what = QString::fromUtf16(accountCaption);
     form.nameOf = [](const QString &line) { return recordField(line, AccountSenderAddress); };
     form.newRecord = recordLine({QString(), QString::fromUtf16(usualPort), u"N"_s, u"Y"_s});
     form.fields = {textField(m_txt[0]), textField(m_txt[1]),    securityField(opt[0], opt[1], opt[2]),

@@ -6,6 +6,7 @@
 #include "quillon/forms/formtexts.h"
 #include "quillon/text/quillonaddress.h"
 #include "records/forms/fieldboxes.h"
+#include "records/recordtexts.h"
 
 #include <QCheckBox>
 #include <QLineEdit>
@@ -88,8 +89,9 @@ void RecordDialog::beginNext()
 // Captions are the same in every language.
 void RecordDialog::setCaption()
 {
-    setWindowTitle(m_task.mode == Mode::Add ? u"Add "_s + m_form.what
-                                            : u"Edit "_s + m_form.what + u" - "_s + m_form.nameOf(m_task.line));
+    setWindowTitle(m_task.mode == Mode::Add
+                       ? QString::fromUtf16(addCaption) + m_form.what
+                       : QString::fromUtf16(editCaption) + m_form.what + u" - "_s + m_form.nameOf(m_task.line));
 }
 
 void RecordDialog::showRecord(const QString &line)

@@ -5,6 +5,7 @@
 #include "quillon/forms/boxtext.h"
 #include "records/forms/fieldboxes.h"
 #include "records/forms/renamedelegate.h"
+#include "records/recordtexts.h"
 #include "records/signaturerecords.h"
 
 #include <QAbstractButton>
@@ -225,10 +226,10 @@ void SignatureTab::emptied()
 
 void SignatureTab::browse()
 {
-    const QStringList chosen =
-        m_globals.system.OpenFileDialog(LookupText(u"CSF"_s), {{u"Text Files (*.txt)"_s, u"*.txt"_s},
-                                                               {u"HTML Files (*.htm; *.html)"_s, u"*.htm; *.html"_s},
-                                                               {u"All Files (*.*)"_s, u"*.*"_s}});
+    const QStringList chosen = m_globals.system.OpenFileDialog(
+        LookupText(u"CSF"_s), {{QString::fromUtf16(textFilesFilter), u"*.txt"_s},
+                               {QString::fromUtf16(htmlFilesFilter), QString::fromUtf16(htmlFilesPatterns)},
+                               {QString::fromUtf16(allFilesFilter), u"*.*"_s}});
     if (chosen.size() == 1) {
         m_path->setText(chosen.first());
     }

@@ -4,6 +4,7 @@
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formtexts.h"
 #include "sending/progressview.h"
+#include "sending/sendingtexts.h"
 #include "ui_frmpubprogress.h"
 
 #include <utility>

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "quillon/text/owntexts.h"
+
+namespace corvane {
+
+// Fixed texts: the same in every language.
+inline constexpr char16_t selectFilesTitle[] = u"Select Files";
+inline constexpr char16_t selectFolderTitle[] = u"Select Folder";
+inline constexpr char16_t contentName[] =
+    u"Email content"; ///< of the rich editor, in the status bar and for its reader
+
+/// The captions of Expand and Restore tell the state of the content area.
+struct ExpansionTexts {
+    const char16_t *itemCaption;
+    const char16_t *toolCaption;
+    const char16_t *toolTip;
+};
+inline constexpr ExpansionTexts expandTexts{u"&Expand", u"Expand", u"Expands the email content area <F6>."};
+inline constexpr ExpansionTexts restoreTexts{u"&Restore", u"Restore", u"Restores the email content area <F6>."};
+
+// Sentences of our own: what the other views of the content are called for those who do not see them.
+inline constexpr char16_t accessibleSection[] = u"Accessible Names";
+inline constexpr quillon::OwnText viewsName{accessibleSection, u"sst", u"Views of the email content"};
+inline constexpr quillon::OwnText previewName{accessibleSection, u"web", u"Preview of the email content"};
+
+// And the button that is made in the code, below the colors.
+inline constexpr char16_t mainSection[] = u"frmPubMain";
+inline constexpr quillon::OwnText moreColors{mainSection, u"sbt(11)", u"More..."};
+inline constexpr quillon::OwnText moreColorsTip{mainSection, u"sbt(11).tip", u"Chooses any other color."};
+
+} // namespace corvane
