@@ -1,10 +1,9 @@
 #include "message/saveflow.h"
 
+#include "message/messagetexts.h"
 #include "message/templatename.h"
 
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace corvane {
 
@@ -23,7 +22,7 @@ QString proposedName(const QString &title, const QString &subject)
 {
     QString name = nameInTitle(title);
     if (isNewMessageTitle(title)) {
-        name = subject.trimmed().isEmpty() ? u"New Template"_s : subject.trimmed();
+        name = subject.trimmed().isEmpty() ? QString::fromUtf16(nameOfNamelessTemplate) : subject.trimmed();
     }
     return withoutForbiddenCharacters(name);
 }

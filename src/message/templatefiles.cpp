@@ -1,6 +1,7 @@
 #include "message/templatefiles.h"
 
 #include "message/encodingsearch.h"
+#include "message/messagetexts.h"
 #include "quillon/files/safefile.h"
 #include "quillon/files/settingsfile.h"
 #include "quillon/mail/encodinglist.h"
@@ -21,7 +22,6 @@ namespace {
 using Field = Message::Field;
 using Choice = Message::Choice;
 
-const QString section = u"Head"_s;
 const QString charset = u"utf-8"_s;
 
 QString filePath(const ApplicationGlobals &globals, const QString &prefix, const QString &name)
@@ -31,30 +31,34 @@ QString filePath(const ApplicationGlobals &globals, const QString &prefix, const
 
 QString choiceText(const Message &message, Choice choice)
 {
-    return message.isActual(choice) ? u"Actual"_s : u"Custom"_s;
+    return message.isActual(choice) ? QString::fromUtf16(headwords::actual) : QString::fromUtf16(headwords::custom);
 }
 
 QString flagText(bool flag)
 {
-    return flag ? u"True"_s : u"False"_s;
+    return flag ? QString::fromUtf16(headwords::yes) : QString::fromUtf16(headwords::no);
 }
 
 QString priorityText(Message::Priority priority)
 {
     using Priority = Message::Priority;
-    return priority == Priority::High ? u"High"_s : priority == Priority::Normal ? u"Normal"_s : u"Low"_s;
+    return priority == Priority::High     ? QString::fromUtf16(headwords::high)
+           : priority == Priority::Normal ? QString::fromUtf16(headwords::normal)
+                                          : QString::fromUtf16(headwords::low);
 }
 
 Message::Priority priorityOf(const QString &text)
 {
     using Priority = Message::Priority;
-    return text == "High"_L1 ? Priority::High : text == "Normal"_L1 ? Priority::Normal : Priority::Low;
+    return text == QStringView(headwords::high)     ? Priority::High
+           : text == QStringView(headwords::normal) ? Priority::Normal
+                                                    : Priority::Low;
 }
 
 QString momentText(const Message &message)
 {
     if (message.isActual(Choice::Date)) {
-        return u"Actual"_s;
+        return QString::fromUtf16(headwords::actual);
     }
     const QLocale digits = QLocale::c(); // a person's own digits are none for who reads this
     return digits.toString(message.customDate(), u"yyyyMMdd"_s) + u' ' +
@@ -77,7 +81,7 @@ QString chosenEncoding(Message &message)
 /// A part of the moment that cannot be read leaves what stands in the message.
 void readMoment(const QString &text, Message &message)
 {
-    const bool actual = text == "Actual"_L1;
+    const bool actual = text == QStringView(headwords::actual);
     message.setActual(Choice::Date, actual);
     if (actual) {
         return;
@@ -147,26 +151,29 @@ void writeTemplate(const ApplicationGlobals &globals, const QString &name, bool 
         globals.lines.AppendLine(globals.paths.templatesFile, name);
     }
     quillon::SettingsFile head(headPath(globals, name));
-    const auto write = [&head](const QString &key, const QString &value) { head.setValue(section, key, value); };
-    write(u"SMTP Account"_s, message.text(Field::Account).trimmed());
-    write(u"Sender Type"_s, choiceText(message, Choice::Sender));
-    write(u"Sender"_s, message.text(Field::Sender));
-    write(u"Reply Receiver Type"_s, choiceText(message, Choice::ReplyReceiver));
-    write(u"Reply Receiver"_s, message.text(Field::ReplyReceiver));
-    write(u"To"_s, message.text(Field::To));
-    write(u"CC"_s, message.text(Field::CC));
-    write(u"BCC"_s, message.text(Field::BCC));
-    write(u"Subject"_s, quillon::SubjectCodec().Encode(message.text(Field::Subject), charset));
+    const auto write = [&head](const char16_t *key, const QString &value) {
+        head.setValue(QString::fromUtf16(headkeys::section), QString::fromUtf16(key), value);
+    };
+    write(headkeys::account, message.text(Field::Account).trimmed());
+    write(headkeys::senderType, choiceText(message, Choice::Sender));
+    write(headkeys::sender, message.text(Field::Sender));
+    write(headkeys::replyReceiverType, choiceText(message, Choice::ReplyReceiver));
+    write(headkeys::replyReceiver, message.text(Field::ReplyReceiver));
+    write(headkeys::to, message.text(Field::To));
+    write(headkeys::cc, message.text(Field::CC));
+    write(headkeys::bcc, message.text(Field::BCC));
+    write(headkeys::subject, quillon::SubjectCodec().Encode(message.text(Field::Subject), charset));
     rememberRecipients();
-    write(u"Attachments"_s, existingAttachments(message));
-    write(u"Date & Time"_s, momentText(message));
-    write(u"Type"_s, message.format() == Message::Format::Plain ? u"Plain"_s : u"HTML"_s);
+    write(headkeys::attachments, existingAttachments(message));
+    write(headkeys::dateAndTime, momentText(message));
+    write(headkeys::type, message.format() == Message::Format::Plain ? QString::fromUtf16(headwords::plain)
+                                                                     : QString::fromUtf16(headwords::html));
     if (const QString code = chosenEncoding(message); !code.isEmpty()) {
-        write(u"Encoding"_s, code);
+        write(headkeys::encoding, code);
     }
-    write(u"Priority"_s, priorityText(message.priority()));
-    write(u"One By One"_s, flagText(message.oneByOne()));
-    write(u"Receipt"_s, flagText(message.receipt()));
+    write(headkeys::priority, priorityText(message.priority()));
+    write(headkeys::oneByOne, flagText(message.oneByOne()));
+    write(headkeys::receipt, flagText(message.receipt()));
     head.save();
     globals.lines.WriteTextFile(contentPath(globals, name), contentOf(message, message.format()), charset);
 }
@@ -182,24 +189,27 @@ void LoadTemplate(const ApplicationGlobals &globals, const QString &name, Messag
         return;
     }
     const quillon::SettingsFile head(path);
-    const auto value = [&head](const QString &key) { return head.value(section, key); };
-    message.setText(Field::Account, value(u"SMTP Account"_s));
+    const auto value = [&head](const char16_t *key) {
+        return head.value(QString::fromUtf16(headkeys::section), QString::fromUtf16(key));
+    };
+    message.setText(Field::Account, value(headkeys::account));
     // The choice may fill the box; the stored text then takes its place.
-    message.setActual(Choice::Sender, value(u"Sender Type"_s) == "Actual"_L1);
-    message.setText(Field::Sender, value(u"Sender"_s));
-    message.setActual(Choice::ReplyReceiver, value(u"Reply Receiver Type"_s) == "Actual"_L1);
-    message.setText(Field::ReplyReceiver, value(u"Reply Receiver"_s));
-    message.setText(Field::To, value(u"To"_s));
-    message.setText(Field::CC, value(u"CC"_s));
-    message.setText(Field::BCC, value(u"BCC"_s));
-    message.setText(Field::Subject, quillon::SubjectCodec().Decode(value(u"Subject"_s), charset));
-    message.setAttachmentPaths(storedAttachments(value(u"Attachments"_s)));
-    readMoment(value(u"Date & Time"_s), message);
-    message.setFormat(value(u"Type"_s) == "Plain"_L1 ? Message::Format::Plain : Message::Format::Rich);
-    readEncoding(value(u"Encoding"_s), message);
-    message.setPriority(priorityOf(value(u"Priority"_s)));
-    message.setOneByOne(value(u"One By One"_s) == "True"_L1);
-    message.setReceipt(value(u"Receipt"_s) == "True"_L1);
+    message.setActual(Choice::Sender, value(headkeys::senderType) == QStringView(headwords::actual));
+    message.setText(Field::Sender, value(headkeys::sender));
+    message.setActual(Choice::ReplyReceiver, value(headkeys::replyReceiverType) == QStringView(headwords::actual));
+    message.setText(Field::ReplyReceiver, value(headkeys::replyReceiver));
+    message.setText(Field::To, value(headkeys::to));
+    message.setText(Field::CC, value(headkeys::cc));
+    message.setText(Field::BCC, value(headkeys::bcc));
+    message.setText(Field::Subject, quillon::SubjectCodec().Decode(value(headkeys::subject), charset));
+    message.setAttachmentPaths(storedAttachments(value(headkeys::attachments)));
+    readMoment(value(headkeys::dateAndTime), message);
+    message.setFormat(value(headkeys::type) == QStringView(headwords::plain) ? Message::Format::Plain
+                                                                             : Message::Format::Rich);
+    readEncoding(value(headkeys::encoding), message);
+    message.setPriority(priorityOf(value(headkeys::priority)));
+    message.setOneByOne(value(headkeys::oneByOne) == QStringView(headwords::yes));
+    message.setReceipt(value(headkeys::receipt) == QStringView(headwords::yes));
     const bool plain = message.format() == Message::Format::Plain;
     const QString content = quillon::existingPath(contentPath(globals, name));
     message.setText(plain ? Field::PlainContent : Field::RichContent,

@@ -1,16 +1,16 @@
 #include "message/templatename.h"
 
+#include "message/messagetexts.h"
+
 using namespace Qt::StringLiterals;
 
 namespace corvane {
 
 namespace {
 
-const QString newTitle = u"Corvane - New Message"_s;
-
-QString titleOf(const QString &what, const QString &name)
+QString titleOf(const char16_t *what, const QString &name)
 {
-    return u"Corvane - "_s + what + u" \""_s + name + u'"';
+    return QString::fromUtf16(titleStart) + QString::fromUtf16(what) + u" \""_s + name + u'"';
 }
 
 } // namespace
@@ -28,22 +28,22 @@ QString withoutForbiddenCharacters(const QString &text)
 
 QString newMessageTitle()
 {
-    return newTitle;
+    return QString::fromUtf16(newMessageTitleText);
 }
 
 QString editTitle(const QString &name)
 {
-    return titleOf(u"Edit"_s, name);
+    return titleOf(editTitleWord, name);
 }
 
 QString previewTitle(const QString &name)
 {
-    return titleOf(u"Preview"_s, name);
+    return titleOf(previewTitleWord, name);
 }
 
 bool isNewMessageTitle(const QString &title)
 {
-    return title == newTitle;
+    return title == QStringView(newMessageTitleText);
 }
 
 QString nameInTitle(const QString &title)
