@@ -4,8 +4,7 @@
 /// for, and the lines of the progress dialog.
 namespace corvane {
 
-/// The counter line of the progress dialog while nothing is being counted. Another text means that a run is in its
-/// counting stage.
+/// The counter line of the progress dialog while nothing is being counted.
 inline constexpr char16_t progressRestText[] = u"Sending emails...";
 inline constexpr char16_t progressOneText[] = u"Sending 1/1 email...";
 inline constexpr char16_t progressCountText[] = u"Sending %1/%2 emails...";
