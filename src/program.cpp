@@ -143,7 +143,7 @@ void Program::refillMainWindow()
 {
     m_refilling = true;
     LoadSenderLists(m_globals, m_main->message(), m_main->view());
-    m_main->setSignatureMenu(signatureNames(m_globals), m_globals.settings.signature[SignatureDefault]);
+    m_main->setSignatureMenu(signatureNames(m_globals), m_globals.settings.text(Setting::DefaultSignature));
     LoadSmtpLists(m_globals, m_main->message(), m_main->view());
     m_refilling = false;
 }

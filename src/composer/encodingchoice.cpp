@@ -2,6 +2,7 @@
 
 #include "composer/controltext.h"
 #include "composer/menuitemarray.h"
+#include "core/settingkeys.h"
 #include "quillon/mail/encodinglist.h"
 
 #include <QAction>
@@ -14,6 +15,22 @@
 using namespace Qt::StringLiterals;
 
 namespace corvane {
+
+namespace {
+
+/// The display name of the default encoding, whatever the boxes hold.
+QString standardName()
+{
+    const QStringView code = settingRow(Setting::Encoding).standard;
+    for (const quillon::EncodingEntry &entry : quillon::offeredEncodings(quillon::encodingList())) {
+        if (entry.Code == code) {
+            return entry.Name;
+        }
+    }
+    return {};
+}
+
+} // namespace
 
 EncodingChoice::EncodingChoice(QComboBox *shown, QComboBox *hidden, QMenu *menu, QAction *base)
     : QObject(menu), m_shown(shown), m_hidden(hidden), m_menu(menu), m_base(base)
@@ -52,7 +69,7 @@ void EncodingChoice::fill(const QString &entries)
 QString EncodingChoice::displayName(const QString &code)
 {
     if (code.isEmpty()) {
-        return u"Unicode (UTF-8)"_s;
+        return standardName();
     }
     for (int i = 0; i < m_hidden->count(); ++i) {
         m_hidden->setCurrentIndex(i);

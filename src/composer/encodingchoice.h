@@ -22,7 +22,7 @@ public:
     void fill(const QString &entries);
 
     /// The display name of a code: selects the hidden entries one by one up to the match, or all when there is none,
-    /// which gives an empty name. An empty code is that of "Unicode (UTF-8)".
+    /// which gives an empty name. An empty code is that of the default encoding.
     QString displayName(const QString &code);
 
 protected:

@@ -40,7 +40,6 @@ namespace corvane {
 
 namespace {
 
-constexpr int standardFontSize = 10;
 constexpr int encodingWidth = 40;        // characters
 constexpr double toolbarFontScale = 0.9; // lets all captions fit on a screen of 1024 pixels
 const QString versionText = u"5.22"_s;
@@ -141,7 +140,7 @@ void frmPubMain::makeConcerns()
 {
     MainControls &c = *m_controls;
     m_account = new AccountFields(c.cbb[6], {{{c.cbb[0], c.opt[0]}, {c.cbb[1], c.opt[2]}}}, m_hooks.findSmtpRecord,
-                                  m_globals.sender);
+                                  m_globals.settings.sender());
     m_encodings =
         new EncodingChoice(c.cbb[2], c.cbb[3], findChild<QMenu *>(u"menoes"_s), findChild<QAction *>(u"menoesa(0)"_s));
     m_edit = new EditCommands(this);
@@ -231,7 +230,7 @@ void frmPubMain::fillNewMessage()
     call(m_hooks.loadLists);
     ResetMessageOptions();
     m_message->setText(Message::Field::Encoding, EncodingDisplayName());
-    if (const QString &account = m_globals.settings.smtp[0]; !account.isEmpty()) {
+    if (const QString &account = m_globals.settings.text(Setting::DefaultAccount); !account.isEmpty()) {
         m_message->setText(Message::Field::Account, recordField(account, AccountSenderAddress));
     }
     for (const auto choice : {Message::Choice::Sender, Message::Choice::ReplyReceiver, Message::Choice::Date}) {
@@ -239,28 +238,26 @@ void frmPubMain::fillNewMessage()
     }
     fillFonts();
     m_signatures->addAutomatic(m_globals.settings);
-    const bool rich = m_globals.settings.other[Format] == u"Rich";
+    const bool rich = m_globals.settings.is(Setting::Format, formatRich);
     m_message->setFormat(rich ? Message::Format::Rich : Message::Format::Plain);
     m_view->mblnReady = true;
 }
 
 void frmPubMain::fillFonts()
 {
-    const auto &other = m_globals.settings.other;
-    const QString name = other[FontName].isEmpty() ? u"Courier New"_s : other[FontName];
-    const QString size = other[FontSize].isEmpty() ? QString::number(standardFontSize) : other[FontSize];
+    const QString name = m_globals.settings.textOrStandard(Setting::FontName);
     setComboText(m_controls->cbb[4], name);
-    setComboText(m_controls->cbb[5], size);
+    setComboText(m_controls->cbb[5], m_globals.settings.textOrStandard(Setting::FontSize));
     QFont font(name);
     font.setStyleHint(QFont::Monospace); // what takes the place of a Courier that is not there
-    const double points = size.toDouble();
-    font.setPointSizeF(points > 0 ? points : standardFontSize);
+    const double points = m_globals.settings.number(Setting::FontSize).value_or(0);
+    font.setPointSizeF(points > 0 ? points : SettingsMemory::standardNumber(Setting::FontSize));
     m_controls->utbContent->setFont(font);
 }
 
 QString frmPubMain::EncodingDisplayName()
 {
-    return m_encodings->displayName(m_globals.settings.other[Encoding]);
+    return m_encodings->displayName(m_globals.settings.text(Setting::Encoding));
 }
 
 void frmPubMain::ResetMessageOptions()
@@ -300,10 +297,10 @@ void frmPubMain::setSignatureMenu(const QStringList &names, const QString &defau
 
 void frmPubMain::applyStartup()
 {
-    const QString &startup = m_globals.settings.other[Startup];
-    if (startup == u"Max") {
+    const SettingsMemory &settings = m_globals.settings;
+    if (settings.is(Setting::Startup, startupMaximised)) {
         setWindowState(windowState() | Qt::WindowMaximized);
-    } else if (startup == u"Sys") {
+    } else if (settings.is(Setting::Startup, startupTray)) {
         setWindowState(windowState() | Qt::WindowMinimized);
     }
 }

@@ -67,8 +67,8 @@ void SignatureInsertion::insert(const QString &caption)
 
 void SignatureInsertion::addAutomatic(const SettingsMemory &settings)
 {
-    const QString &name = settings.signature[SignatureDefault];
-    if (!m_find || settings.signature[SignatureAutoAdd] == "False"_L1 || name.trimmed().isEmpty()) {
+    const QString &name = settings.text(Setting::DefaultSignature);
+    if (!m_find || !settings.isNotFalse(Setting::AutoAddSignature) || name.trimmed().isEmpty()) {
         return;
     }
     // The format is decided later, so both bodies are filled.

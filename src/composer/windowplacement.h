@@ -27,7 +27,8 @@ public:
 
 private:
     void restore();
-    void storeAll() const;
+    /// In memory, as texts in twips.
+    void remember(const QString &left, const QString &top, const QString &width, const QString &height);
     [[nodiscard]] QString inTwips(int pixels) const { return QString::number(pixels * TwipsPerPixel); }
 
     QWidget *m_window;

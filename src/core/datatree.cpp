@@ -1,10 +1,10 @@
 #include "core/datatree.h"
 
 #include "core/recipiententry.h"
+#include "core/settings.h"
 #include "core/texts.h"
 #include "quillon/fault.h"
 #include "quillon/files/safefile.h"
-#include "quillon/files/settingsfile.h"
 #include "quillon/mail/subjectcodec.h"
 #include "quillon/system/platform.h"
 
@@ -26,7 +26,6 @@ namespace {
 constexpr int userDataFolder = 26;
 constexpr int sharedDataFolder = 35;
 constexpr mode_t folderMode = S_IRWXU;
-const QString onceSection = u"Other"_s; // of the settings, where it stands what was done once
 constexpr mode_t fileMode = S_IRUSR | S_IWUSR;
 
 QString vendorFolder(const DataPaths &paths)
@@ -120,26 +119,17 @@ void copyFolder(const QString &from, const QString &to)
     }
 }
 
-/// Whether a step that is done once is still to be done. Settings that cannot be read tell nothing: what they may say
-/// was done long ago must not be done again over the user's data.
-bool isStillToBeDone(const ApplicationGlobals &globals, const QString &key, const QString &doneValue)
-{
-    const quillon::SettingsFile settings(globals.paths.optionsFile);
-    return settings.readable() && settings.value(onceSection, key) != doneValue;
-}
-
 void moveOver(const ApplicationGlobals &globals)
 {
     const DataPaths &paths = globals.paths;
     const QString old = quillon::dataRootBelow(paths.shared);
-    const QString key = u"AppDataPath"_s;
     if (paths.shared.isEmpty() || !QFileInfo(old).isDir() ||
         QFileInfo(old).canonicalFilePath() == QFileInfo(paths.root).canonicalFilePath() ||
-        !isStillToBeDone(globals, key, u"True"_s)) {
+        !isStillToBeDone(globals, Setting::DataMovedOver)) {
         return;
     }
     copyFolder(old, paths.root);
-    globals.system.WriteSetting(paths.optionsFile, onceSection, key, u"True"_s);
+    markDone(globals, Setting::DataMovedOver);
 }
 
 void clearLeftovers(const QString &folder)
@@ -184,17 +174,17 @@ void upgradeSubject(const ApplicationGlobals &globals, const QString &file)
     globals.system.WriteSetting(file, section, u"Subject"_s, codec.Encode(subject, u"utf-8"_s));
 }
 
-void convertOnce(const ApplicationGlobals &globals, const QString &key,
+void convertOnce(const ApplicationGlobals &globals, MarkSetting mark,
                  void (*convert)(const ApplicationGlobals &, const QString &))
 {
-    if (!isStillToBeDone(globals, key, u"Yes"_s)) {
+    if (!isStillToBeDone(globals, mark)) {
         return;
     }
     const QStringList files = headFiles(globals.paths);
     for (const QString &file : files) {
         convert(globals, file);
     }
-    globals.system.WriteSetting(globals.paths.optionsFile, onceSection, key, u"Yes"_s);
+    markDone(globals, mark);
 }
 
 } // namespace
@@ -257,8 +247,8 @@ void PrepareDataFolder(ApplicationGlobals &globals)
 
 void UpgradeOldData(const ApplicationGlobals &globals)
 {
-    convertOnce(globals, u"Upgraded"_s, upgradeSender);
-    convertOnce(globals, u"UpgradedV50"_s, upgradeSubject);
+    convertOnce(globals, Setting::SendersUpgraded, upgradeSender);
+    convertOnce(globals, Setting::SubjectsUpgraded, upgradeSubject);
 }
 
 QString logPathAt(const ApplicationGlobals &globals, const QDateTime &moment)

@@ -1,13 +1,11 @@
 #pragma once
 
+#include "core/settingsmemory.h"
 #include "quillon/files/quillonlines.h"
 #include "quillon/system/quillonsystem.h"
-#include "quillon/text/quillonsenderinfo.h"
 #include "quillon/text/quillontext.h"
 
 #include <QString>
-
-#include <array>
 
 namespace corvane {
 
@@ -33,26 +31,11 @@ struct DataPaths {
     QString markerFile;
 };
 
-/// The settings as text, as they were last read; the slots are told by the settings table.
-struct SettingsMemory {
-    std::array<QString, 2> proxy;     ///< Use, Default
-    std::array<QString, 1> smtp;      ///< Default
-    std::array<QString, 2> signature; ///< Default, AutoAdd
-    std::array<QString, 9> other;     ///< see OtherSetting
-    std::array<QString, 4> position;  ///< Left, Top, Width, Height
-};
-
-/// Slots of SettingsMemory::other.
-enum OtherSetting { Startup, FontName, FontSize, Encoding, Format, Interval, Times, OboInterval, DelFolder };
-enum ProxySetting { ProxyUse, ProxyDefault };
-enum SignatureSetting { SignatureDefault, SignatureAutoAdd };
-
 /// What lives from the splash to the exit: the utility objects, the paths, the settings.
 struct ApplicationGlobals {
     quillon::QuillonText text;
     quillon::QuillonSystem system;
     quillon::QuillonLines lines;
-    quillon::QuillonSenderInfo sender; ///< the default sender
 
     DataPaths paths;
     SettingsMemory settings;

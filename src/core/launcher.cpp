@@ -53,7 +53,7 @@ void restartCompanion(const ApplicationGlobals &globals, bool stopOnFault)
 void handOver(ApplicationGlobals &globals, bool stopOnFault, const HandOver &steps)
 {
     // The setting is read twice on purpose: it may change while the main window loads.
-    const auto startsAsLast = [&] { return globals.settings.other[Startup] == "Last"_L1; };
+    const auto startsAsLast = [&] { return globals.settings.is(Setting::Startup, startupLast); };
     if (startsAsLast()) {
         globals.RestoringFromLast = true;
     }

@@ -2,124 +2,109 @@
 
 #include "quillon/files/settingsfile.h"
 
-#include <array>
-
 using namespace Qt::StringLiterals;
 
 namespace corvane {
 
 namespace {
 
-template <auto Member, std::size_t Index> QString &slot(ApplicationGlobals &globals)
+QString valueIn(const quillon::SettingsFile &file, const SettingRow &row)
 {
-    return (globals.settings.*Member)[Index];
+    return file.value(row.section.toString(), row.key.toString());
 }
 
-QString &senderName(ApplicationGlobals &globals)
+bool isIn(const quillon::SettingsFile &file, const SettingRow &row)
 {
-    return globals.sender.DispName;
-}
-
-QString &senderAddress(ApplicationGlobals &globals)
-{
-    return globals.sender.EmailAddr;
-}
-
-constexpr auto proxy = &SettingsMemory::proxy;
-constexpr auto smtp = &SettingsMemory::smtp;
-constexpr auto signature = &SettingsMemory::signature;
-constexpr auto other = &SettingsMemory::other;
-constexpr auto position = &SettingsMemory::position;
-
-constexpr std::array<SettingRow, 23> rows = {{
-    {u"Proxy Server", u"Use", u"False", slot<proxy, ProxyUse>},
-    {u"Proxy Server", u"Default", nullptr, slot<proxy, ProxyDefault>},
-    {u"SMTP Account", u"Default", nullptr, slot<smtp, 0>},
-    {u"Sender", u"Default.DispName", nullptr, senderName},
-    {u"Sender", u"Default.EmailAddr", nullptr, senderAddress},
-    {u"Signature", u"Default", nullptr, slot<signature, SignatureDefault>},
-    {u"Signature", u"AutoAdd", u"True", slot<signature, SignatureAutoAdd>},
-    {u"Other", u"Startup", u"Last", slot<other, Startup>},
-    {u"Other", u"Font Name", u"Courier New", slot<other, FontName>},
-    {u"Other", u"Font Size", u"10", slot<other, FontSize>},
-    {u"Other", u"Encoding", u"utf-8", slot<other, Encoding>},
-    {u"Other", u"Format", u"Plain", slot<other, Format>},
-    {u"Other", u"Interval", u"26", slot<other, Interval>},
-    {u"Other", u"Times", u"1", slot<other, Times>},
-    {u"Other", u"OBO Interval", u"0", slot<other, OboInterval>},
-    {u"Other", u"Del Folder", u"False", slot<other, DelFolder>},
-    {u"Other", u"AppDataPath", nullptr, nullptr},
-    {u"Other", u"Upgraded", nullptr, nullptr},
-    {u"Other", u"UpgradedV50", nullptr, nullptr},
-    {u"Position", u"Left", nullptr, slot<position, 0>},
-    {u"Position", u"Top", nullptr, slot<position, 1>},
-    {u"Position", u"Width", nullptr, slot<position, 2>},
-    {u"Position", u"Height", nullptr, slot<position, 3>},
-}};
-
-QString text(const char16_t *literal)
-{
-    return QString::fromUtf16(literal);
+    return file.contains(row.section.toString(), row.key.toString());
 }
 
 } // namespace
 
-std::span<const SettingRow> settingRows()
-{
-    return rows;
-}
-
 void LoadSettings(ApplicationGlobals &globals)
 {
     const quillon::SettingsFile file(globals.paths.optionsFile);
-    for (const SettingRow &row : rows) {
-        if (row.slot) {
-            row.slot(globals) = file.value(text(row.section), text(row.key));
-        }
+    for (const SettingRow &row : settingRows) {
+        globals.settings.set(row.setting, valueIn(file, row));
     }
 }
 
 void WriteDefaultSettings(const ApplicationGlobals &globals)
 {
     quillon::SettingsFile file(globals.paths.optionsFile);
-    for (const SettingRow &row : rows) {
-        if (row.standard) {
-            file.setValue(text(row.section), text(row.key), text(row.standard));
+    for (const SettingRow &row : settingRows) {
+        if (row.use == SettingUse::Defaulted) {
+            putSetting(file, row, row.standard.toString());
         }
     }
     file.save();
 }
 
-void storeSetting(ApplicationGlobals &globals, const QString &section, const QString &key, const QString &value)
+void storeSetting(ApplicationGlobals &globals, Setting key, const QString &value)
 {
-    storeSettings(globals, {{section, key, value}});
+    storeSettings(globals, {{key, value}});
 }
 
 void storeSettings(ApplicationGlobals &globals, const QList<SettingChange> &changes)
 {
     quillon::SettingsFile file(globals.paths.optionsFile);
     for (const SettingChange &change : changes) {
-        for (const SettingRow &row : rows) {
-            const bool named = change.section.compare(text(row.section), Qt::CaseInsensitive) == 0 &&
-                               change.key.compare(text(row.key), Qt::CaseInsensitive) == 0;
-            if (row.slot && named) {
-                row.slot(globals) = change.value;
-            }
-        }
-        file.setValue(change.section, change.key, change.value);
+        globals.settings.set(change.key, change.value);
+        putSetting(file, settingRow(change.key), change.value, change.section);
     }
+    file.save();
+}
+
+void storeFromMemory(const ApplicationGlobals &globals, const QList<Setting> &keys)
+{
+    quillon::SettingsFile file(globals.paths.optionsFile);
+    bool differs = false;
+    for (const Setting key : keys) {
+        const SettingRow &row = settingRow(key);
+        const QString &value = globals.settings.text(key);
+        if (!isIn(file, row) || valueIn(file, row) != value) {
+            putSetting(file, row, value);
+            differs = true;
+        }
+    }
+    if (differs) {
+        file.save();
+    }
+}
+
+void putSetting(quillon::SettingsFile &file, const SettingRow &row, const QString &value, QStringView section)
+{
+    const bool saysNothing = value.isEmpty() || value == row.standard;
+    if (row.use == SettingUse::Sparse && saysNothing && !isIn(file, row)) {
+        return;
+    }
+    file.setValue((section.isEmpty() ? row.section : section).toString(), row.key.toString(), value);
+}
+
+bool isStillToBeDone(const ApplicationGlobals &globals, MarkSetting mark)
+{
+    const quillon::SettingsFile file(globals.paths.optionsFile);
+    const SettingRow &row = settingRow(mark.key);
+    return file.readable() && valueIn(file, row) != row.standard;
+}
+
+void markDone(const ApplicationGlobals &globals, MarkSetting mark)
+{
+    quillon::SettingsFile file(globals.paths.optionsFile);
+    const SettingRow &row = settingRow(mark.key);
+    putSetting(file, row, row.standard.toString());
     file.save();
 }
 
 bool proxyInUse(const ApplicationGlobals &globals)
 {
-    return globals.settings.proxy[ProxyUse] == "True"_L1;
+    return globals.settings.isTrue(Setting::ProxyUse);
 }
 
 void prepareSettings(ApplicationGlobals &globals)
 {
     LoadSettings(globals);
-    if (!globals.text.IsInList(globals.settings.proxy[ProxyUse], {u"True"_s, u"False"_s})) {
+    const QString &use = globals.settings.text(Setting::ProxyUse);
+    if (!globals.text.IsInList(use, {flagText(true), flagText(false)})) {
         WriteDefaultSettings(globals);
         LoadSettings(globals);
     }

@@ -1,43 +1,49 @@
 #pragma once
 
 #include "core/globals.h"
+#include "core/settingkeys.h"
 
 #include <QList>
 #include <QString>
 
-#include <span>
+#include <optional>
+
+namespace quillon {
+class SettingsFile;
+}
 
 namespace corvane {
-
-/// One key of the settings file: where it stands, what a fresh file gets, and where its text is held in memory.
-struct SettingRow {
-    const char16_t *section;
-    const char16_t *key;
-    const char16_t *standard;                      ///< nullptr: defaults never touch this key
-    QString &(*slot)(ApplicationGlobals &globals); ///< nullptr: not held in memory
-};
-
-/// The one table of all settings, in the order in which they are read and their defaults are written.
-[[nodiscard]] std::span<const SettingRow> settingRows();
 
 /// Reads all settings that are held in memory, with no checking.
 void LoadSettings(ApplicationGlobals &globals);
 
-/// Writes the default of every setting that has one, in one rewrite of the file; other keys stay.
+/// Writes the default of every setting that has one in the file, in one rewrite of the file; other keys stay.
 void WriteDefaultSettings(const ApplicationGlobals &globals);
-
-/// Writes one setting to memory and to the file.
-void storeSetting(ApplicationGlobals &globals, const QString &section, const QString &key, const QString &value);
 
 /// One value for a key of the settings file.
 struct SettingChange {
-    QString section;
-    QString key;
+    Setting key;
     QString value;
+    QStringView section = {}; ///< how the section is spelled if it has to be made; empty: as in the table
 };
+
+/// Writes one setting to memory and to the file.
+void storeSetting(ApplicationGlobals &globals, Setting key, const QString &value);
 
 /// Writes several settings to memory and, with one rewrite, to the file, which so never holds a part of them.
 void storeSettings(ApplicationGlobals &globals, const QList<SettingChange> &changes);
+
+/// Writes settings as memory has them, in one rewrite; none when the file says the same already.
+void storeFromMemory(const ApplicationGlobals &globals, const QList<Setting> &keys);
+
+/// Puts a value in its row's place of a file; a sparse one that says no more than its absence only where it is present.
+/// @p section as in SettingChange.
+void putSetting(quillon::SettingsFile &file, const SettingRow &row, const QString &value, QStringView section = {});
+
+/// Whether a mark has another word in the file than that of what is done. A file that cannot be read tells nothing:
+/// what it may say was done long ago must not be done again over the user's data.
+[[nodiscard]] bool isStillToBeDone(const ApplicationGlobals &globals, MarkSetting mark);
+void markDone(const ApplicationGlobals &globals, MarkSetting mark);
 
 /// Whether proxies are in use.
 [[nodiscard]] bool proxyInUse(const ApplicationGlobals &globals);

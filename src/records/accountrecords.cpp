@@ -22,7 +22,7 @@ QString FindSmtpRecord(const ApplicationGlobals &globals, const QString &address
 
 bool DefaultSmtpUsable(const ApplicationGlobals &globals)
 {
-    const QString record = globals.settings.smtp[0];
+    const QString record = globals.settings.text(Setting::DefaultAccount);
     if (record.trimmed().isEmpty()) {
         return false;
     }

@@ -69,24 +69,24 @@ bool equalsDefault(const QString &standard, const QString &line)
 
 bool isDefaultAccount(const ApplicationGlobals &globals, const QString &line)
 {
-    return equalsDefault(globals.settings.smtp[0], line);
+    return equalsDefault(globals.settings.text(Setting::DefaultAccount), line);
 }
 
 bool isDefaultProxy(const ApplicationGlobals &globals, const QString &line)
 {
-    return equalsDefault(globals.settings.proxy[ProxyDefault], line);
+    return equalsDefault(globals.settings.text(Setting::DefaultProxy), line);
 }
 
 bool isDefaultSender(const ApplicationGlobals &globals, const QString &line)
 {
-    const quillon::QuillonSenderInfo &standard = globals.sender;
+    const quillon::QuillonSenderInfo &standard = globals.settings.sender();
     return !(standard.DispName.isEmpty() && standard.EmailAddr.isEmpty()) &&
            recordField(line, SenderName) == standard.DispName && recordField(line, SenderAddress) == standard.EmailAddr;
 }
 
 bool isDefaultSignature(const ApplicationGlobals &globals, const QString &line)
 {
-    const QString &standard = globals.settings.signature[SignatureDefault];
+    const QString &standard = globals.settings.text(Setting::DefaultSignature);
     return !standard.isEmpty() && signatureName(line) == standard;
 }
 
@@ -101,7 +101,7 @@ void saveSignature(ApplicationGlobals &globals, RecordChange change, const QStri
 /// The default account is in the settings' memory by now. A line that has no sender names nobody.
 void syncMyInformation(const ApplicationGlobals &globals)
 {
-    const QString record = globals.settings.smtp[0];
+    const QString record = globals.settings.text(Setting::DefaultAccount);
     if (record.count(u'\t') >= AccountSenderAddress) {
         SyncMyInformation(globals, recordField(record, AccountSenderName), recordField(record, AccountSenderAddress));
     }

@@ -30,10 +30,10 @@ void saveRecord(ApplicationGlobals &globals, const Store &store, RecordChange ch
     }
 }
 
-/// The section is spelled otherwise than where accounts are chosen; section names compare without regard to case.
+/// Where there is no section yet, it is spelled otherwise than where accounts are chosen.
 void storeEditedAccount(ApplicationGlobals &globals, const QString &line)
 {
-    storeSetting(globals, u"SMTP account"_s, u"Default"_s, line);
+    storeSettings(globals, {{Setting::DefaultAccount, line, sectionOfEditedAccount}});
 }
 
 } // namespace
@@ -55,23 +55,23 @@ void SaveSenderRecord(ApplicationGlobals &globals, RecordChange change, const QS
 
 void storeDefaultAccount(ApplicationGlobals &globals, const QString &line)
 {
-    storeSetting(globals, u"SMTP Account"_s, u"Default"_s, line);
+    storeSetting(globals, Setting::DefaultAccount, line);
 }
 
 void storeDefaultProxy(ApplicationGlobals &globals, const QString &line)
 {
-    storeSetting(globals, u"Proxy Server"_s, u"Default"_s, line);
+    storeSetting(globals, Setting::DefaultProxy, line);
 }
 
 void storeDefaultSender(ApplicationGlobals &globals, const QString &line)
 {
-    storeSettings(globals, {{u"Sender"_s, u"Default.DispName"_s, recordField(line, SenderName)},
-                            {u"Sender"_s, u"Default.EmailAddr"_s, recordField(line, SenderAddress)}});
+    storeSettings(globals, {{Setting::DefaultSenderName, recordField(line, SenderName)},
+                            {Setting::DefaultSenderAddress, recordField(line, SenderAddress)}});
 }
 
 void storeDefaultSignature(ApplicationGlobals &globals, const QString &line)
 {
-    storeSetting(globals, u"Signature"_s, u"Default"_s, recordField(line, SignatureName));
+    storeSetting(globals, Setting::DefaultSignature, recordField(line, SignatureName));
 }
 
 } // namespace corvane

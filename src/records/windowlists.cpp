@@ -34,7 +34,7 @@ void LoadSmtpLists(const ApplicationGlobals &globals, Message &message, Window &
         }
     }
     replaceList(message, window, Field::Account, addresses);
-    const QString standard = globals.settings.smtp[0];
+    const QString standard = globals.settings.text(Setting::DefaultAccount);
     if (message.text(Field::Account).isEmpty() && !standard.isEmpty()) {
         message.setText(Field::Account, recordField(standard, AccountSenderAddress));
     }

@@ -38,7 +38,7 @@ quillon::Task<bool> Connection::connect()
 {
     // Looked up for each connection, together with the flag: one that was turned on between two mails of a run must
     // not find an empty record, which would lead around the proxy.
-    const QString proxyRecord = proxyInUse(m_globals) ? m_globals.settings.proxy[ProxyDefault] : QString();
+    const QString proxyRecord = proxyInUse(m_globals) ? m_globals.settings.text(Setting::DefaultProxy) : QString();
     return ConnectTransport(m_globals, m_accountRecord, proxyRecord, m_events, m_transport);
 }
 

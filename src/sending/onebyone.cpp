@@ -7,8 +7,8 @@
 #include "sending/sendingtexts.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -63,19 +63,18 @@ void address(MailMessage &message, const quillon::MailAddress &recipient, const 
 
 quillon::Task<> waitForInterval(const OneByOneContext &context)
 {
-    const QString text = context.globals.settings.other[OboInterval];
-    bool number = false;
-    const double seconds = text.isEmpty() ? 0 : text.toDouble(&number);
-    if ((!number && !text.isEmpty()) || !std::isfinite(seconds)) {
+    const QString text = context.globals.settings.text(Setting::OboInterval);
+    const std::optional<double> seconds = context.globals.settings.number(Setting::OboInterval);
+    if (!seconds) {
         quillon::reportFault(u"not a number of seconds to wait: '"_s + text + u'\'');
         co_return;
     }
-    if (seconds == 0) {
+    if (*seconds == 0) {
         co_return;
     }
     context.progress.setActivity(QString::fromUtf16(intervalText) + text + QString::fromUtf16(intervalEnd));
     co_await quillon::nextTurn();
-    const double bounded = std::clamp(seconds, 0.0, longestInterval);
+    const double bounded = std::clamp(*seconds, 0.0, longestInterval);
     co_await context.globals.system.WaitMilliseconds(static_cast<qint64>(bounded * millisecondsPerSecond));
 }
 

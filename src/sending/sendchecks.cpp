@@ -34,7 +34,7 @@ CheckResult checkProxy(const ApplicationGlobals &globals)
     if (!proxyInUse(globals)) {
         return std::nullopt;
     }
-    const QString proxy = globals.settings.proxy[ProxyDefault];
+    const QString proxy = globals.settings.text(Setting::DefaultProxy);
     if (recordField(proxy, ProxyAddress).isEmpty()) {
         return CheckFault{u"PROXY_ADDRESS"_s, quillon::InformationBox, {}, {}, proxyTab};
     }

@@ -71,7 +71,7 @@ public:
         const QByteArray ann = "smtp.example.com\t25\tN\tN\t\t\tAnn Lee\tann@example.com\t\t\t/SAEND";
         const QByteArray office = "mail.example.com\t465\tS\tN\t\t\t\toffice@example.com\t\t\t/SAEND";
         writeFile(globals().paths.smtpFile, ann + "\r\n" + office + "\r\n");
-        globals().settings.smtp[0] = QString::fromLatin1(ann);
+        globals().settings.set(corvane::Setting::DefaultAccount, QString::fromLatin1(ann));
     }
 
     TemporaryTree tree;

@@ -84,11 +84,12 @@ void TestAccountFields::customShowsTheDefaultSender()
 {
     MainFixture main([](MainFixture &m) {
         m.addAccounts();
-        m.globals().sender = {u"news@example.com"_s, u"The News"_s};
+        m.globals().settings.set(Setting::DefaultSenderName, u"The News"_s);
+        m.globals().settings.set(Setting::DefaultSenderAddress, u"news@example.com"_s);
     });
     main.button(u"opt(1)"_s)->click();
     QCOMPARE(main.message().text(Field::Sender), u"The News <news@example.com>"_s);
-    main.globals().sender.DispName.clear();
+    main.globals().settings.set(Setting::DefaultSenderName, QString());
     main.button(u"opt(3)"_s)->click();
     QCOMPARE(main.message().text(Field::ReplyReceiver), u"news@example.com"_s);
 }

@@ -70,7 +70,7 @@ void TestMainMessage::loadStepsRunInTheirOrder()
     MainFixture main([&](MainFixture &m) {
         m.hooks.checkForUpdate = [&] { steps << u"update"_s; };
         m.hooks.loadLists = [&] { steps << u"lists"_s; };
-        m.globals().settings.signature[SignatureDefault] = u"Formal"_s;
+        m.globals().settings.set(Setting::DefaultSignature, u"Formal"_s);
         m.hooks.findSignature = [&](const QString &name) {
             steps << u"signature "_s + name;
             return SignatureText{true, false, u"Ann"_s};
@@ -106,7 +106,7 @@ void TestMainMessage::loadWithoutADefaultLeavesTheAccountAsItIs()
 
 void TestMainMessage::aRichDefaultShowsPlainTextWhileThereIsNoRichEditor()
 {
-    MainFixture main([](MainFixture &m) { m.globals().settings.other[Format] = u"Rich"_s; });
+    MainFixture main([](MainFixture &m) { m.globals().settings.set(Setting::Format, u"Rich"_s); });
     QCOMPARE(main.message().format(), Message::Format::Plain);
     QVERIFY(main.get(u"utbContent"_s)->isVisible());
     QVERIFY(!main.get(u"sst"_s)->isVisible());
@@ -297,7 +297,7 @@ void TestMainMessage::aPickedEncodingGetsTheRadioMark()
 
 void TestMainMessage::anUnknownEncodingHasAnEmptyDisplayName()
 {
-    MainFixture main([](MainFixture &m) { m.globals().settings.other[Encoding] = u"UTF-8"_s; });
+    MainFixture main([](MainFixture &m) { m.globals().settings.set(Setting::Encoding, u"UTF-8"_s); });
     QCOMPARE(main.window->EncodingDisplayName(), QString());
     QCOMPARE(main.message().text(Field::Encoding), QString());
     QCOMPARE(main.combo(3)->currentIndex(), main.combo(3)->count() - 1);
@@ -305,9 +305,9 @@ void TestMainMessage::anUnknownEncodingHasAnEmptyDisplayName()
 
 void TestMainMessage::anEmptyEncodingSettingIsUtf8()
 {
-    MainFixture main([](MainFixture &m) { m.globals().settings.other[Encoding].clear(); });
+    MainFixture main([](MainFixture &m) { m.globals().settings.set(Setting::Encoding, QString()); });
     QCOMPARE(main.message().text(Field::Encoding), u"Unicode (UTF-8)"_s);
-    main.globals().settings.other[Encoding] = u"utf-8"_s;
+    main.globals().settings.set(Setting::Encoding, u"utf-8"_s);
     QCOMPARE(main.window->EncodingDisplayName(), u"Unicode (UTF-8)"_s);
     QVERIFY(main.message().selectedEncoding().startsWith(u"utf-8 | "_s));
 }

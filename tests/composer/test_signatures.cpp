@@ -29,7 +29,7 @@ public:
               main.hooks.findSignature = [&main](const QString &name) { return signatureText(main.globals(), name); };
           })
     {
-        window->setSignatureMenu(signatureNames(globals()), globals().settings.signature[SignatureDefault]);
+        window->setSignatureMenu(signatureNames(globals()), globals().settings.text(Setting::DefaultSignature));
     }
 
     [[nodiscard]] QPlainTextEdit *body() const { return get<QPlainTextEdit>(u"utbContent"_s); }
@@ -103,7 +103,7 @@ void TestSignatures::signaturesStandInTheMenuInTheOrderOfTheFile()
 void TestSignatures::theDefaultSaysSoInTheMenu()
 {
     const SignatureMain main("a\t\r\nB & C\t\r\nb & c\t\r\n", {},
-                             [](SettingsMemory &settings) { settings.signature[SignatureDefault] = u"B & C"_s; });
+                             [](SettingsMemory &settings) { settings.set(Setting::DefaultSignature, u"B & C"_s); });
     QCOMPARE(main.captions(), (QStringList{u"a"_s, u"B & C (default)"_s, u"b & c"_s}));
 }
 
@@ -203,7 +203,8 @@ void TestSignatures::aSignatureWhoseFileIsGoneInsertsNothing()
 void TestSignatures::theMarkOfTheDefaultIsCutFromTheCaption()
 {
     const SignatureMain main("a\t\r\n", {{u"sign_a.dll"_s, "Ann"}}, [](SettingsMemory &settings) {
-        settings.signature = {u"a"_s, u"False"_s};
+        settings.set(Setting::DefaultSignature, u"a"_s);
+        settings.set(Setting::AutoAddSignature, u"False"_s);
     });
     QCOMPARE(main.captions(), QStringList{u"a (default)"_s});
     main.pick(1);
@@ -272,7 +273,8 @@ void TestSignatures::theDefaultIsAddedToANewMessage()
                         {u"sign_a (default).dll"_s, "own"},
                         {u"a.txt"_s, "from <b>file</b>"}},
                        [&](SettingsMemory &settings) {
-                           settings.signature = {name, autoAdd};
+                           settings.set(Setting::DefaultSignature, name);
+                           settings.set(Setting::AutoAddSignature, autoAdd);
                        });
     QCOMPARE(main.message().text(Field::PlainContent), content);
     QCOMPARE(main.message().text(Field::RichContent), content);
@@ -283,7 +285,7 @@ void TestSignatures::theDefaultIsAddedToANewMessage()
 void TestSignatures::anAddedHtmlFileIsTextInOneBodyAndSourceInTheOther()
 {
     SignatureMain main("a\tFOLDER/a.html\r\n", {{u"a.html"_s, "<p>Ann <b>Lee</b></p>"}},
-                       [](SettingsMemory &settings) { settings.signature[SignatureDefault] = u"a"_s; });
+                       [](SettingsMemory &settings) { settings.set(Setting::DefaultSignature, u"a"_s); });
     QCOMPARE(main.message().text(Field::PlainContent), u"Ann Lee"_s);
     QCOMPARE(main.message().text(Field::RichContent), u"<p>Ann <b>Lee</b></p>"_s);
     QVERIFY(!main.message().pblnChanged);
@@ -293,7 +295,7 @@ void TestSignatures::theClipboardIsLeftAloneWhenASignatureIsAdded()
 {
     QGuiApplication::clipboard()->setText(u"the user's"_s);
     const SignatureMain main("a\tFOLDER/a.html\r\n", {{u"a.html"_s, "<p>Ann"}},
-                             [](SettingsMemory &settings) { settings.signature[SignatureDefault] = u"a"_s; });
+                             [](SettingsMemory &settings) { settings.set(Setting::DefaultSignature, u"a"_s); });
     QCOMPARE(main.body()->toPlainText(), u"Ann"_s);
     QCOMPARE(QGuiApplication::clipboard()->text(), u"the user's"_s);
 }
@@ -301,7 +303,7 @@ void TestSignatures::theClipboardIsLeftAloneWhenASignatureIsAdded()
 void TestSignatures::aDefaultThatIsGoneLeavesTheNewMessageEmpty()
 {
     SignatureMain main("a\tFOLDER/gone.txt\r\n", {},
-                       [](SettingsMemory &settings) { settings.signature[SignatureDefault] = u"a"_s; });
+                       [](SettingsMemory &settings) { settings.set(Setting::DefaultSignature, u"a"_s); });
     QCOMPARE(main.message().text(Field::PlainContent), QString());
     QVERIFY(!main.message().pblnChanged);
 }

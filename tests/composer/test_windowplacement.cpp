@@ -5,6 +5,8 @@
 #include <QScreen>
 #include <QTimer>
 
+#include <array>
+
 using namespace Qt::StringLiterals;
 using namespace corvane;
 
@@ -13,6 +15,16 @@ namespace {
 QString stored(MainFixture &main, const char *key)
 {
     return quillon::SettingsFile(main.globals().paths.optionsFile).value(u"Position"_s, QString::fromLatin1(key));
+}
+
+constexpr std::array<Setting, 4> position = {Setting::Left, Setting::Top, Setting::Width, Setting::Height};
+
+/// Puts a place in memory: left, top, width, height.
+void place(MainFixture &main, const std::array<QString, 4> &values)
+{
+    for (std::size_t i = 0; i < position.size(); ++i) {
+        main.globals().settings.set(position[i], values[i]);
+    }
 }
 
 QString twips(int pixels)
@@ -47,7 +59,7 @@ void TestWindowPlacement::aResizeStoresThePosition()
 {
     MainFixture main;
     main.window->resize(900, 640);
-    QCOMPARE(main.globals().settings.position[2], twips(900));
+    QCOMPARE(main.globals().settings.text(Setting::Width), twips(900));
     QCOMPARE(stored(main, "Left"), twips(main.window->x()));
     QCOMPARE(stored(main, "Top"), twips(main.window->y()));
     QCOMPARE(stored(main, "Width"), twips(900));
@@ -63,8 +75,8 @@ void TestWindowPlacement::aMaximisedWindowBlanksAllFourValues()
     for (const char *key : {"Left", "Top", "Width", "Height"}) {
         QCOMPARE(stored(main, key), QString());
     }
-    for (const QString &value : main.globals().settings.position) {
-        QCOMPARE(value, QString());
+    for (const Setting key : position) {
+        QCOMPARE(main.globals().settings.text(key), QString());
     }
 }
 
@@ -72,9 +84,9 @@ void TestWindowPlacement::aMinimisedWindowStoresNothing()
 {
     MainFixture main;
     main.window->resize(900, 640);
-    main.globals().settings.position[2] = u"12345"_s;
+    main.globals().settings.set(Setting::Width, u"12345"_s);
     main.window->setWindowState(Qt::WindowMinimized);
-    QCOMPARE(main.globals().settings.position[2], u"12345"_s);
+    QCOMPARE(main.globals().settings.text(Setting::Width), u"12345"_s);
     QCOMPARE(stored(main, "Width"), twips(900));
     QCOMPARE(main.minimised, 1);
 }
@@ -91,7 +103,7 @@ void TestWindowPlacement::theTimerStoresAMove()
     Q_EMIT timer->timeout({});
     QCOMPARE(stored(main, "Left"), twips(40));
     QCOMPARE(stored(main, "Top"), twips(30));
-    QCOMPARE(main.globals().settings.position[0], twips(40));
+    QCOMPARE(main.globals().settings.text(Setting::Left), twips(40));
     QCOMPARE(stored(main, "Width"), width);
 }
 
@@ -99,13 +111,13 @@ void TestWindowPlacement::anEmptyStoredPositionCountsAsZeroForTheTimer()
 {
     MainFixture main;
     main.window->move(0, 30);
-    main.globals().settings.position.fill(QString());
+    place(main, {});
     quillon::SettingsFile file(main.globals().paths.optionsFile);
     file.removeSection(u"Position"_s);
     QVERIFY(file.save());
     Q_EMIT main.window->findChild<QTimer *>(u"timPos"_s)->timeout({});
     QVERIFY(!quillon::SettingsFile(main.globals().paths.optionsFile).contains(u"Position"_s, u"Left"_s));
-    QCOMPARE(main.globals().settings.position[0], QString());
+    QCOMPARE(main.globals().settings.text(Setting::Left), QString());
     QCOMPARE(stored(main, "Top"), twips(30));
 }
 
@@ -113,15 +125,15 @@ void TestWindowPlacement::theTimerWritesNothingWhileMinimised()
 {
     MainFixture main;
     main.window->setWindowState(Qt::WindowMinimized);
-    main.globals().settings.position[0] = u"99999"_s;
+    main.globals().settings.set(Setting::Left, u"99999"_s);
     Q_EMIT main.window->findChild<QTimer *>(u"timPos"_s)->timeout({});
-    QCOMPARE(main.globals().settings.position[0], u"99999"_s);
+    QCOMPARE(main.globals().settings.text(Setting::Left), u"99999"_s);
 }
 
 void TestWindowPlacement::restoringAppliesTheStoredPosition()
 {
     MainFixture main({}, false);
-    main.globals().settings.position = {u"600"_s, u"450"_s, u"10500"_s, u"7500"_s};
+    place(main, {u"600"_s, u"450"_s, u"10500"_s, u"7500"_s});
     main.globals().RestoringFromLast = true;
     main.window->show();
     main.globals().RestoringFromLast = false;
@@ -129,13 +141,13 @@ void TestWindowPlacement::restoringAppliesTheStoredPosition()
     QCOMPARE(main.window->size(), QSize(700, 500));
     QVERIFY(!main.window->isMaximized());
     QCOMPARE(stored(main, "Width"), u"10500"_s);
-    QCOMPARE(main.globals().settings.position[0], u"600"_s);
+    QCOMPARE(main.globals().settings.text(Setting::Left), u"600"_s);
 }
 
 void TestWindowPlacement::restoringWithoutAWidthMaximises()
 {
     MainFixture main({}, false);
-    main.globals().settings.position.fill(QString());
+    place(main, {});
     main.globals().RestoringFromLast = true;
     main.window->show();
     main.globals().RestoringFromLast = false;
@@ -147,7 +159,7 @@ void TestWindowPlacement::restoringWithNumbersThatAreNoneKeepsTheWindowUsable()
 {
     MainFixture main({}, false);
     const QSize before = main.window->size();
-    main.globals().settings.position = {u"left"_s, u"1e400"_s, u"wide"_s, u"-300"_s};
+    place(main, {u"left"_s, u"1e400"_s, u"wide"_s, u"-300"_s});
     main.globals().RestoringFromLast = true;
     const int faults = quillon::faultCount();
     main.window->show();
@@ -159,7 +171,7 @@ void TestWindowPlacement::restoringWithNumbersThatAreNoneKeepsTheWindowUsable()
 void TestWindowPlacement::aPositionOffEveryScreenIsBroughtBack()
 {
     MainFixture main({}, false);
-    main.globals().settings.position = {u"900000"_s, u"900000"_s, u"10500"_s, u"7500"_s};
+    place(main, {u"900000"_s, u"900000"_s, u"10500"_s, u"7500"_s});
     main.globals().RestoringFromLast = true;
     main.window->show();
     main.globals().RestoringFromLast = false;
@@ -169,15 +181,15 @@ void TestWindowPlacement::aPositionOffEveryScreenIsBroughtBack()
 
 void TestWindowPlacement::startupMaxMaximises()
 {
-    MainFixture main([](MainFixture &m) { m.globals().settings.other[Startup] = u"Max"_s; });
+    MainFixture main([](MainFixture &m) { m.globals().settings.set(Setting::Startup, u"Max"_s); });
     QVERIFY(main.window->isMaximized());
-    MainFixture last([](MainFixture &m) { m.globals().settings.other[Startup] = u"Last"_s; });
+    MainFixture last([](MainFixture &m) { m.globals().settings.set(Setting::Startup, u"Last"_s); });
     QVERIFY(!last.window->isMaximized());
 }
 
 void TestWindowPlacement::startupSysMinimisesAndTellsTheTray()
 {
-    MainFixture main([](MainFixture &m) { m.globals().settings.other[Startup] = u"Sys"_s; });
+    MainFixture main([](MainFixture &m) { m.globals().settings.set(Setting::Startup, u"Sys"_s); });
     QVERIFY(main.window->isMinimized());
     QTRY_COMPARE(main.minimised, 1);
 }

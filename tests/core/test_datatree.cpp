@@ -316,7 +316,7 @@ void TestDataTree::readOnlyDiskIsSilent()
     writeFile(m_tree->userFolder() + u"/Lanthorn"_s, "in the way");
     m_tree->prepare();
     QCOMPARE(contentOf(m_tree->userFolder() + u"/Lanthorn"_s), QByteArray("in the way"));
-    QCOMPARE(m_tree->globals.settings.proxy[corvane::ProxyUse], QString());
+    QCOMPARE(m_tree->globals.settings.text(corvane::Setting::ProxyUse), QString());
 }
 
 void TestDataTree::leftoversOfAKilledWriteAreCleared()

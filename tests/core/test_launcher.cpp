@@ -127,7 +127,7 @@ void TestLauncher::lockIsFreedWhenItsHolderIsGone()
 void TestLauncher::handOverGoesInItsOrder()
 {
     addCompanion();
-    m_tree->globals.settings.other[Startup] = u"Last"_s;
+    m_tree->globals.settings.set(Setting::Startup, u"Last"_s);
     handOver(m_tree->globals, false, recordedHandOver());
     QCOMPARE(m_steps,
              (QStringList{u"main, restoring 1"_s, u"progress"_s, u"timer 6000"_s,

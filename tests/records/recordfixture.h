@@ -284,9 +284,9 @@ private:
     }
     [[nodiscard]] QString inMemory(const DefaultKey &place)
     {
-        for (const corvane::SettingRow &row : corvane::settingRows()) {
-            if (QString::fromUtf16(row.section) == place.section && QString::fromUtf16(row.key) == place.key) {
-                return row.slot(globals());
+        for (const corvane::SettingRow &row : corvane::settingRows) {
+            if (row.section == place.section && row.key == place.key) {
+                return globals().settings.text(row.setting);
             }
         }
         qFatal("no setting is called %s", qPrintable(place.key));

@@ -59,7 +59,7 @@ void TestAccountRecords::defaultAccountIsUsable()
 {
     QFETCH(const QString, record);
     QFETCH(const bool, usable);
-    m_tree->globals.settings.smtp[0] = record;
+    m_tree->globals.settings.set(Setting::DefaultAccount, record);
     QCOMPARE(DefaultSmtpUsable(m_tree->globals), usable);
 }
 

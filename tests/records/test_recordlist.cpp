@@ -363,7 +363,7 @@ void TestRecordList::otherKindsFillNoMacro_data()
 void TestRecordList::otherKindsFillNoMacro()
 {
     RecordFixture f(kindOfRow());
-    f.globals().settings.smtp[0] = accountFacts().records[0]; // they would be filled from it
+    f.globals().settings.set(Setting::DefaultAccount, accountFacts().records[0]); // they would be filled from it
     f.load({});
     writeFile(f.globals().paths.macrosFile, emptyMacros);
     f.list->add(f.facts.records[0]);

@@ -177,7 +177,7 @@ void TestRecordStore::editedDefaultAccountMakesTheSectionWhereThereIsNone()
     f.edit(RecordChange::EditDefault, f.facts.records[0], f.facts.edited);
     QVERIFY2(f.options().contains("[SMTP account]\r\nDefault=" + f.facts.edited.toUtf8()), f.options().constData());
     LoadSettings(f.globals());
-    QCOMPARE(f.globals().settings.smtp[0], f.facts.edited);
+    QCOMPARE(f.globals().settings.text(Setting::DefaultAccount), f.facts.edited);
 }
 
 void TestRecordStore::chosenDefaultMeetsTheSectionThatAnEditMade()

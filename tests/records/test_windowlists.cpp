@@ -54,7 +54,7 @@ void TestWindowLists::withoutADefaultTheAccountBoxStaysEmpty()
 void TestWindowLists::emptyAccountBoxGetsTheDefault()
 {
     accounts({ada, bea});
-    m_tree->globals.settings.smtp[0] = bea;
+    m_tree->globals.settings.set(Setting::DefaultAccount, bea);
     FakeWindow window;
     LoadSmtpLists(m_tree->globals, window, window);
     QCOMPARE(window.text(Field::Account), u"Bea@Y.org"_s);
@@ -105,7 +105,7 @@ void TestWindowLists::anAccountBoxThatKeepsItsTextMarksNoChange()
     FakeWindow window;
     window.setText(Field::Account, u"ada@x.org"_s);
     window.pblnChanged = false;
-    m_tree->globals.settings.smtp[0] = bea;
+    m_tree->globals.settings.set(Setting::DefaultAccount, bea);
     LoadSmtpLists(m_tree->globals, window, window);
     QCOMPARE(window.text(Field::Account), u"ada@x.org"_s);
     QVERIFY(!window.pblnChanged);
@@ -176,7 +176,7 @@ void TestWindowLists::filesThatCannotBeReadGiveEmptyListsAndStay()
 void TestWindowLists::sendersBoxesThatKeepTheirTextMarkNoChange()
 {
     writeFile(m_tree->globals.paths.sendersFile, "Club\tclub@x.org\t\r\n");
-    m_tree->globals.sender.EmailAddr = u"club@x.org"_s;
+    m_tree->globals.settings.set(Setting::DefaultSenderAddress, u"club@x.org"_s);
     FakeWindow window;
     window.setText(Field::ReplyReceiver, u"typed"_s);
     window.pblnChanged = false;

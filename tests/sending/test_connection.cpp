@@ -1,7 +1,7 @@
 #include "sending/connection.h"
 #include "support/scriptedserver.h"
-#include "support/waitfor.h"
 #include "support/treefixture.h"
+#include "support/waitfor.h"
 
 #include <QTest>
 
@@ -74,14 +74,14 @@ void TestConnection::proxyIsTakenByTheSettingNotByTheRecord()
     const QString proxy = u"Socks5\tproxy.invalid\t1080\tN\t\t\t/PSEND"_s;
     QVERIFY(connectWith(account(server.port(), u"N\tN\t\t"_s), proxy));
     QCOMPARE(m_transport->ProxyServer, QString());
-    m_tree->globals.settings.proxy[ProxyUse] = u"True"_s;
+    m_tree->globals.settings.set(Setting::ProxyUse, u"True"_s);
     QVERIFY(connectWith(account(server.port(), u"N\tN\t\t"_s), QString()));
     QCOMPARE(m_transport->ProxyServer, QString());
 }
 
 void TestConnection::proxyUserIsTakenOnlyWithAuthentication()
 {
-    m_tree->globals.settings.proxy[ProxyUse] = u"True"_s;
+    m_tree->globals.settings.set(Setting::ProxyUse, u"True"_s);
     QVERIFY(!connectWith(account(1, u"N\tN\t\t"_s), u"Socks5\t127.0.0.1\t1\tN\tpu\tpp\t/PSEND"_s));
     QCOMPARE(m_transport->ProxyServer, u"127.0.0.1"_s);
     QCOMPARE(m_transport->ProxyPort, 1L);

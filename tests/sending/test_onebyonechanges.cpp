@@ -105,8 +105,8 @@ void TestOneByOneChanges::proxyThatIsTurnedOnBetweenTwoMailsIsNotBypassed()
     m_bench->progress.afterCounter = [&](const QString &text) {
         if (text.startsWith(u"Sending 2/"_s)) {
             const QString line = u"Socks5\t127.0.0.1\t%1\tN\t\t\t/PSEND"_s.arg(proxy.port());
-            corvane::storeSetting(m_bench->tree.globals, u"Proxy Server"_s, u"Default"_s, line);
-            corvane::storeSetting(m_bench->tree.globals, u"Proxy Server"_s, u"Use"_s, u"True"_s);
+            corvane::storeSetting(m_bench->tree.globals, Setting::DefaultProxy, line);
+            corvane::storeSetting(m_bench->tree.globals, Setting::ProxyUse, u"True"_s);
         }
     };
     ExpectedPrompts asked([](const QString &) {});

@@ -40,7 +40,7 @@ void TestOneByOnePace::intervalStandsInFrontOfEveryMail()
     TestClock clock(QDateTime::currentDateTime());
     QList<qsizetype> mailsBefore;
     clock.whileWaiting = [&] { mailsBefore.append(m_server->Mails.size()); };
-    m_bench->tree.globals.settings.other[OboInterval] = u"5"_s;
+    m_bench->tree.globals.settings.set(Setting::OboInterval, u"5"_s);
     runAndExpect(3);
     QCOMPARE(clock.waits, (QList<qint64>{5000, 5000, 5000}));
     QCOMPARE(mailsBefore, (QList<qsizetype>{0, 1, 2}));
@@ -51,7 +51,7 @@ void TestOneByOnePace::intervalThatIsNoNumberDoesNotWait()
 {
     const TestClock clock(QDateTime::currentDateTime());
     for (const QString &text : {QString(), u"soon"_s, u"inf"_s, u"nan"_s}) {
-        m_bench->tree.globals.settings.other[OboInterval] = text;
+        m_bench->tree.globals.settings.set(Setting::OboInterval, text);
         runAndExpect(3);
     }
     QCOMPARE(clock.waits, QList<qint64>());
@@ -61,7 +61,7 @@ void TestOneByOnePace::cancelInTheWaitStillSendsThatMail()
 {
     TestClock clock(QDateTime::currentDateTime());
     clock.whileWaiting = [this] { m_bench->sender.requestStop(); };
-    m_bench->tree.globals.settings.other[OboInterval] = u"2"_s;
+    m_bench->tree.globals.settings.set(Setting::OboInterval, u"2"_s);
     const ExpectedPrompts asked;
     m_bench->run();
     QCOMPARE(m_server->Mails.size(), 1);
@@ -126,7 +126,7 @@ void TestOneByOnePace::exitUnwindsWithoutAFurtherWord()
     QFETCH(const QString, stage);
     QFETCH(const qsizetype, mails);
     TestClock clock(QDateTime::currentDateTime());
-    m_bench->tree.globals.settings.other[OboInterval] = u"1"_s;
+    m_bench->tree.globals.settings.set(Setting::OboInterval, u"1"_s);
     qsizetype shown = 0;
     const auto exit = [this, &shown] {
         shown = m_bench->progress.activities.size();
@@ -160,7 +160,7 @@ void TestOneByOnePace::exitUnwindsWithoutAFurtherWord()
 void TestOneByOnePace::windowIsAliveBeforeTheWait()
 {
     TestClock clock(QDateTime::currentDateTime());
-    m_bench->tree.globals.settings.other[OboInterval] = u"1"_s;
+    m_bench->tree.globals.settings.set(Setting::OboInterval, u"1"_s);
     int handled = 0;
     QList<int> handledBefore;
     m_bench->progress.afterCounter = [&](const QString &text) {
@@ -180,7 +180,7 @@ void TestOneByOnePace::fractionsAreWaitedAndHugeIntervalsAreBounded()
     for (const auto &[text, milliseconds] :
          {std::pair(u"1.5"_s, 1500LL), std::pair(u"1e30"_s, 1'000'000'000LL), std::pair(u"-4"_s, 0LL)}) {
         clock.waits.clear();
-        m_bench->tree.globals.settings.other[OboInterval] = text;
+        m_bench->tree.globals.settings.set(Setting::OboInterval, text);
         runAndExpect(3);
         QCOMPARE(clock.waits, (QList<qint64>{milliseconds, milliseconds, milliseconds}));
     }

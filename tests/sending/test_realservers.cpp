@@ -196,8 +196,7 @@ void TestRealServers::proxyWithoutAndWithUser()
     testsupport::ChildServer proxy;
     QVERIFY2(proxy.startMicrosocks(user, u"proxy-pass"_s), qPrintable(proxy.fault()));
     m_bench->useServer(u"127.0.0.1"_s, server.port());
-    m_bench->tree.globals.settings.proxy = {u"True"_s, u"Socks5\t127.0.0.1\t"_s + QString::number(proxy.port()) +
-                                                           u'\t' + given + u"\t/PSEND"_s};
+    m_bench->tree.useProxy(u"Socks5\t127.0.0.1\t"_s + QString::number(proxy.port()) + u'\t' + given + u"\t/PSEND"_s);
     if (passes) {
         sendAndCompareLog();
     } else {

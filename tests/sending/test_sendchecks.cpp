@@ -41,7 +41,7 @@ private:
 
 void TestSendChecks::proxyWithoutAServerOpensItsTab()
 {
-    m_bench->tree.globals.settings.proxy = {u"True"_s, u"Socks5\t\t1080\tN\t\t\t/PSEND"_s};
+    m_bench->tree.useProxy(u"Socks5\t\t1080\tN\t\t\t/PSEND"_s);
     ExpectedPrompts asked;
     asked.expectBox(u"PROXY_ADDRESS"_s, quillon::InformationBox).expectForm(u"frmPubOptions"_s, 0);
     QVERIFY(!passes());
@@ -49,7 +49,7 @@ void TestSendChecks::proxyWithoutAServerOpensItsTab()
 
 void TestSendChecks::proxyThatNeedsAUserOpensItsTab()
 {
-    m_bench->tree.globals.settings.proxy = {u"True"_s, u"Socks5\tproxy.x.org\t1080\tY\t\t\t/PSEND"_s};
+    m_bench->tree.useProxy(u"Socks5\tproxy.x.org\t1080\tY\t\t\t/PSEND"_s);
     ExpectedPrompts asked;
     asked.expectBox(u"PROXY_USER"_s, quillon::InformationBox).expectForm(u"frmPubOptions"_s, 0);
     QVERIFY(!passes());
@@ -159,7 +159,7 @@ void TestSendChecks::goodRecipientsPass()
 
 void TestSendChecks::checksGoInTheirOrder()
 {
-    m_bench->tree.globals.settings.proxy = {u"True"_s, QString()};
+    m_bench->tree.useProxy(QString());
     for (const Field field : {Field::Account, Field::Sender, Field::ReplyReceiver, Field::To}) {
         m_bench->window.setText(field, QString());
     }
@@ -168,7 +168,7 @@ void TestSendChecks::checksGoInTheirOrder()
     ExpectedPrompts asked;
     asked.expectBox(u"PROXY_ADDRESS"_s, quillon::InformationBox).expectForm(u"frmPubOptions"_s, 0);
     QVERIFY(!passes());
-    m_bench->tree.globals.settings.proxy[0] = u"False"_s;
+    m_bench->tree.globals.settings.set(Setting::ProxyUse, u"False"_s);
     asked.expectBox(u"NEED_SMTP_S"_s, quillon::PlainBox).expectForm(u"frmPubOptions"_s, 1);
     QVERIFY(!passes());
     m_bench->window.setText(Field::Account, u"ada@x.org"_s);

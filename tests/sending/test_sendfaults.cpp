@@ -129,7 +129,7 @@ void TestSendFaults::exitWhileConnectingUnwindsWithoutAFurtherWord()
 
 void TestSendFaults::exitInACheckSendsNothing()
 {
-    m_bench->tree.globals.settings.proxy = {u"True"_s, QString()};
+    m_bench->tree.useProxy(QString());
     ExpectedPrompts asked; // the options are not opened any more
     asked.expectBox(u"PROXY_ADDRESS"_s, quillon::InformationBox, quillon::BoxAnswer::Ok, std::nullopt,
                     [this] { m_bench->sender.end(); });

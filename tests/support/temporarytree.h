@@ -41,6 +41,13 @@ public:
         corvane::prepareSettings(globals);
     }
 
+    /// Turns the use of proxies on, with a default one or none, in memory.
+    void useProxy(const QString &record)
+    {
+        globals.settings.set(corvane::Setting::ProxyUse, QStringLiteral("True"));
+        globals.settings.set(corvane::Setting::DefaultProxy, record);
+    }
+
     [[nodiscard]] QString path(const QString &name = QString()) const { return m_folder.filePath(name); }
     [[nodiscard]] QString userFolder() const { return path(QStringLiteral("user")); }
     [[nodiscard]] QString sharedFolder() const { return path(QStringLiteral("shared")); }

@@ -280,7 +280,7 @@ void frmPubOptions::test()
         showTab(ProxyTab);
         return;
     }
-    const QString proxy = m_settings->usesProxy() ? m_globals.settings.proxy[ProxyDefault] : QString();
+    const QString proxy = m_settings->usesProxy() ? m_globals.settings.text(Setting::DefaultProxy) : QString();
     m_test.start(showTest(u"CONN_SMTP"_s, TestSmtpConnection(line, proxy)));
 }
 

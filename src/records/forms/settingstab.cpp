@@ -25,14 +25,16 @@ enum Tick { UseProxy = 0, EmptyFolder = 1, AutoAddSignature = 4 };
 enum List { FontNames = 1, FontSizes = 2, EncodingNames = 3 };
 enum Option { Maximized = 2, LastPosition = 3, SystemTray = 4, PlainText = 5, RichText = 6 };
 
-QString orStandard(const QString &value, const QString &standard)
+/// The option that shows a place at the start; a value that nobody knows chooses none.
+int optionOf(const QString &startup)
 {
-    return value.isEmpty() ? standard : value;
-}
-
-QString truth(const QCheckBox *tick)
-{
-    return tick->isChecked() ? u"True"_s : u"False"_s;
+    if (startup == startupLast) {
+        return LastPosition;
+    }
+    if (startup == startupMaximised) {
+        return Maximized;
+    }
+    return startup == startupTray ? SystemTray : -1;
 }
 
 /// Options that belong together let one of them be on always; this turns all of them off.
@@ -85,48 +87,40 @@ void SettingsTab::addLimits(QWidget *form)
 
 void SettingsTab::load(const ApplicationGlobals &globals)
 {
-    const auto &other = globals.settings.other;
+    const SettingsMemory &settings = globals.settings;
     m_cbx[UseProxy]->setChecked(proxyInUse(globals));
-    m_cbx[AutoAddSignature]->setChecked(globals.settings.signature[SignatureAutoAdd] == "True"_L1);
-    m_cbx[EmptyFolder]->setChecked(other[DelFolder] == "True"_L1);
+    m_cbx[AutoAddSignature]->setChecked(settings.isTrue(Setting::AutoAddSignature));
+    m_cbx[EmptyFolder]->setChecked(settings.isTrue(Setting::EmptyFolder));
 
-    const QString startup = orStandard(other[Startup], u"Last"_s);
-    int chosen = -1; // a value that nobody knows chooses none
-    if (startup == "Last"_L1) {
-        chosen = LastPosition;
-    } else if (startup == "Max"_L1) {
-        chosen = Maximized;
-    } else if (startup == "Sys"_L1) {
-        chosen = SystemTray;
-    }
-    choose(m_opt, {Maximized, LastPosition, SystemTray}, chosen);
-    choose(m_opt, {PlainText, RichText}, other[Format] == "Rich"_L1 ? RichText : PlainText);
+    choose(m_opt, {Maximized, LastPosition, SystemTray}, optionOf(settings.textOrStandard(Setting::Startup)));
+    choose(m_opt, {PlainText, RichText}, settings.is(Setting::Format, formatRich) ? RichText : PlainText);
 
-    m_cbb[FontNames]->setCurrentText(orStandard(other[FontName], u"Courier New"_s));
-    m_cbb[FontSizes]->setCurrentText(orStandard(other[FontSize], u"10"_s));
+    m_cbb[FontNames]->setCurrentText(settings.textOrStandard(Setting::FontName));
+    m_cbb[FontSizes]->setCurrentText(settings.textOrStandard(Setting::FontSize));
     m_cbb[EncodingNames]->setCurrentIndex(m_cbb[EncodingNames]->findText(m_encodings.displayName()));
-    m_interval->setText(orStandard(other[Interval], u"26"_s));
-    m_times->setText(orStandard(other[Times], u"1"_s));
-    m_obo->setText(orStandard(other[OboInterval], u"0"_s));
+    m_interval->setText(settings.textOrStandard(Setting::Interval));
+    m_times->setText(settings.textOrStandard(Setting::Times));
+    m_obo->setText(settings.textOrStandard(Setting::OboInterval));
 }
 
 QList<SettingChange> SettingsTab::changes() const
 {
-    const auto other = [](const QString &key, const QString &value) { return SettingChange{u"Other"_s, key, value}; };
     QList<SettingChange> changes = {
-        {u"Proxy Server"_s, u"Use"_s, truth(m_cbx[UseProxy])},
-        {u"Signature"_s, u"AutoAdd"_s, truth(m_cbx[AutoAddSignature])},
-        other(u"Startup"_s, startup()),
-        other(u"Font Name"_s, m_cbb[FontNames]->currentText()),
-        other(u"Font Size"_s, m_cbb[FontSizes]->currentText()),
-        other(u"Format"_s, m_opt[RichText]->isChecked() ? u"Rich"_s : u"Plain"_s),
+        {Setting::ProxyUse, flagText(m_cbx[UseProxy]->isChecked())},
+        {Setting::AutoAddSignature, flagText(m_cbx[AutoAddSignature]->isChecked())},
+        {Setting::Startup, startup().toString()},
+        {Setting::FontName, m_cbb[FontNames]->currentText()},
+        {Setting::FontSize, m_cbb[FontSizes]->currentText()},
+        {Setting::Format, (m_opt[RichText]->isChecked() ? formatRich : formatPlain).toString()},
     };
     const QString code = m_encodings.codeOf(m_cbb[EncodingNames]->currentText());
     if (!code.isEmpty()) {
-        changes.append(other(u"Encoding"_s, code));
+        changes.append({Setting::Encoding, code});
     }
-    changes.append({other(u"Interval"_s, m_interval->text()), other(u"Times"_s, m_times->text()),
-                    other(u"OBO Interval"_s, m_obo->text()), other(u"Del Folder"_s, truth(m_cbx[EmptyFolder]))});
+    changes.append({{Setting::Interval, m_interval->text()},
+                    {Setting::Times, m_times->text()},
+                    {Setting::OboInterval, m_obo->text()},
+                    {Setting::EmptyFolder, flagText(m_cbx[EmptyFolder]->isChecked())}});
     return changes;
 }
 
@@ -135,12 +129,12 @@ bool SettingsTab::usesProxy() const
     return m_cbx[UseProxy]->isChecked();
 }
 
-QString SettingsTab::startup() const
+QStringView SettingsTab::startup() const
 {
     if (m_opt[Maximized]->isChecked()) {
-        return u"Max"_s;
+        return startupMaximised;
     }
-    return m_opt[LastPosition]->isChecked() ? u"Last"_s : u"Sys"_s;
+    return m_opt[LastPosition]->isChecked() ? startupLast : startupTray;
 }
 
 } // namespace corvane

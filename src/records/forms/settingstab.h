@@ -40,7 +40,7 @@ public:
 private:
     void fillLists();
     void addLimits(QWidget *form);
-    [[nodiscard]] QString startup() const;
+    [[nodiscard]] QStringView startup() const;
 
     Encodings m_encodings;
     std::array<QCheckBox *, 5> m_cbx;

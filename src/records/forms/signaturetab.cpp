@@ -196,7 +196,7 @@ void SignatureTab::renamed(const QPersistentModelIndex &index, const QString &ty
     } else if (m_list.model().lines().contains(next)) {
         refuseName(index, u"SENDER_EXISTS", next);
     } else {
-        const bool standard = m_globals.settings.signature[SignatureDefault] == old;
+        const bool standard = m_globals.settings.text(Setting::DefaultSignature) == old;
         if (!SaveSignatureRecord(m_globals, SignatureChange::Rename, old, next, {}, {})) {
             return; // the list goes on to say what the file says
         }

@@ -195,10 +195,7 @@ public:
         cbx(1)->setChecked(true);
     }
     /// Puts a memory copy of a setting in place without writing it; call it before the dialog is made.
-    void setOther(corvane::OtherSetting slot, const QString &value)
-    {
-        globals().settings.other[static_cast<std::size_t>(slot)] = value;
-    }
+    void setOther(corvane::Setting key, const QString &value) { globals().settings.set(key, value); }
 
     TemporaryTree tree;
     ExpectedPrompts prompts;
@@ -219,7 +216,7 @@ private:
     }
     [[nodiscard]] QString encodingName() const
     {
-        const QString code = tree.globals.settings.other[corvane::Encoding];
+        const QString code = tree.globals.settings.text(corvane::Setting::Encoding);
         for (const QString &entry : window.encodings) {
             if (entry.section(QStringLiteral(" | "), 0, 0) == code) {
                 return entry.section(QStringLiteral(" | "), 1);

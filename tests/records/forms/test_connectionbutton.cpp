@@ -48,7 +48,7 @@ private:
     }
     static void setDefaultProxy(OptionsBench &bench, const QString &line)
     {
-        bench.globals().settings.proxy[ProxyDefault] = line;
+        bench.globals().settings.set(Setting::DefaultProxy, line);
     }
     /// Lets the proxy's test reach for a server of ours in the place of the site's.
     static void putSite(OptionsBench &bench, const ScriptedServer &web)
@@ -85,7 +85,7 @@ private:
         if (standard) {
             setDefaultProxy(bench, proxyLine(proxy.port()));
         }
-        bench.globals().settings.proxy[ProxyUse] = u"True"_s;
+        bench.globals().settings.set(Setting::ProxyUse, u"True"_s);
         bench.open(Tab::AccountTab);
         bench.cbx(0)->setChecked(ticked);
         verifyTest(bench, u"CONN_SMTP_SUCC"_s, 64);

@@ -71,7 +71,7 @@ private Q_SLOTS:
 void TestOptionLooks::everyControlHasANameForAssistiveTools()
 {
     OptionsBench bench;
-    bench.setOther(FontName, QString());
+    bench.setOther(Setting::FontName, QString());
     for (int tab = 0; tab < 5; ++tab) {
         bench.open(tab);
         QMap<QString, QString> names;
@@ -196,7 +196,7 @@ void TestOptionLooks::withADoubleFontItFitsASmallScreen()
     }
     const DoubleFont font;
     OptionsBench bench;
-    bench.setOther(FontName, QString(60, u'W'));
+    bench.setOther(Setting::FontName, QString(60, u'W'));
     bench.open(Tab::ProxyTab);
     auto *reason = bench.get<QLabel>(u"lblReason"_s);
     reason->setText(u"Connecting to smtp.example.com, port 587, failed: the server did not answer in time."_s);

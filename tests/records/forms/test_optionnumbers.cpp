@@ -91,7 +91,7 @@ void TestOptionNumbers::lettersArePastedByNobody()
 void TestOptionNumbers::lettersAreSwallowedBehindAStoredTextThatIsNoNumber()
 {
     OptionsBench bench;
-    bench.setOther(Interval, u"half an hour"_s);
+    bench.setOther(Setting::Interval, u"half an hour"_s);
     bench.open(Tab::OtherTab);
     QCOMPARE(bench.txt(14)->text(), u"half an hour"_s);
     QTest::keyClicks(bench.txt(14), u"s"_s);
@@ -310,9 +310,9 @@ void TestOptionNumbers::closingShowsNoMessage()
 void TestOptionNumbers::loadingIsNotChecked()
 {
     OptionsBench bench;
-    bench.setOther(Interval, u"1"_s);
-    bench.setOther(Times, u"5000"_s);
-    bench.setOther(OboInterval, u"1000"_s);
+    bench.setOther(Setting::Interval, u"1"_s);
+    bench.setOther(Setting::Times, u"5000"_s);
+    bench.setOther(Setting::OboInterval, u"1000"_s);
     bench.open(Tab::OtherTab);
     QCOMPARE(bench.txt(14)->text(), u"1"_s);
     QCOMPARE(bench.txt(15)->text(), u"5000"_s);

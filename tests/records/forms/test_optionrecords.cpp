@@ -34,7 +34,7 @@ void TestOptionRecords::oldSecurityIsShownAsSslAndStoredAsS()
     bench.press(bench.facts.edit);
     const QString stored = QString(old).replace(u"587\tY\t"_s, u"587\tS\t"_s);
     QCOMPARE(bench.file(), octetsOf({stored}));
-    QCOMPARE(bench.globals().settings.smtp[0], stored);
+    QCOMPARE(bench.globals().settings.text(Setting::DefaultAccount), stored);
 }
 
 void TestOptionRecords::accountThatBecomesDefaultFillsTheMacros()

@@ -35,7 +35,7 @@ void TestOptionRestore::restoreAsksAndMayBeRefused()
     bench.sbt(1)->click();
     QCOMPARE(bench.prompts.leftOver(), QStringList());
     QCOMPARE(bench.options(), before);
-    QCOMPARE(bench.globals().settings.other[Times], u"2"_s);
+    QCOMPARE(bench.globals().settings.text(Setting::Times), u"2"_s);
     QCOMPARE(bench.txt(15)->text(), u"2"_s);
 }
 
@@ -52,7 +52,7 @@ void TestOptionRestore::restorePutsBackTheSettingsAndTheTicks()
     bench.prompts.expectBox(u"RESTORE_SET"_s, 35, quillon::BoxAnswer::Yes);
     bench.sbt(1)->click();
     QCOMPARE(bench.options(), fresh);
-    QCOMPARE(bench.globals().settings.other[Times], u"1"_s);
+    QCOMPARE(bench.globals().settings.text(Setting::Times), u"1"_s);
     QVERIFY(!bench.cbx(0)->isChecked() && !bench.cbx(1)->isChecked() && bench.cbx(4)->isChecked());
     QVERIFY(bench.opt(3)->isChecked() && bench.opt(5)->isChecked());
     QVERIFY(!bench.opt(2)->isChecked() && !bench.opt(6)->isChecked());
@@ -72,12 +72,12 @@ void TestOptionRestore::restoreLeavesTheListsAndTheDefaultsAlone()
     writeFile(paths.smtpFile, oneAccount.toUtf8() + "\r\n");
     writeFile(paths.sendersFile, "Bob\tbob@b.example\t\r\n");
     writeFile(paths.signsFile, "Short\t\r\n");
-    storeSettings(bench.globals(), {{u"Proxy Server"_s, u"Default"_s, oneProxy},
-                                    {u"SMTP Account"_s, u"Default"_s, oneAccount},
-                                    {u"Sender"_s, u"Default.DispName"_s, u"Bob"_s},
-                                    {u"Sender"_s, u"Default.EmailAddr"_s, u"bob@b.example"_s},
-                                    {u"Signature"_s, u"Default"_s, u"Short"_s},
-                                    {u"Position"_s, u"Width"_s, u"9000"_s}});
+    storeSettings(bench.globals(), {{Setting::DefaultProxy, oneProxy},
+                                    {Setting::DefaultAccount, oneAccount},
+                                    {Setting::DefaultSenderName, u"Bob"_s},
+                                    {Setting::DefaultSenderAddress, u"bob@b.example"_s},
+                                    {Setting::DefaultSignature, u"Short"_s},
+                                    {Setting::Width, u"9000"_s}});
     const QByteArray before = bench.options();
     QList<QByteArray> contents;
     for (const QString &file : files) {
@@ -88,7 +88,7 @@ void TestOptionRestore::restoreLeavesTheListsAndTheDefaultsAlone()
     bench.prompts.expectBox(u"RESTORE_SET"_s, 35, quillon::BoxAnswer::Yes);
     bench.sbt(1)->click();
     QCOMPARE(bench.options(), before);
-    QCOMPARE(bench.globals().settings.position[2], u"9000"_s);
+    QCOMPARE(bench.globals().settings.text(Setting::Width), u"9000"_s);
     for (qsizetype i = 0; i < files.size(); ++i) {
         QCOMPARE(contentOf(files.at(i)), contents.at(i));
     }

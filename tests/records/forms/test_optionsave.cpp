@@ -90,7 +90,7 @@ void TestOptionSave::saveIsOneRewrite()
     OptionsBench bench;
     bench.changeAll();
     RewriteCounter rewrites(bench.globals().paths.optionsFile);
-    storeSetting(bench.globals(), u"Other"_s, u"Times"_s, u"5"_s);
+    storeSetting(bench.globals(), Setting::Times, u"5"_s);
     QCOMPARE(rewrites.count(), 1); // it is seen
     bench.save();
     QCOMPARE(rewrites.count(), 1);
@@ -116,12 +116,12 @@ void TestOptionSave::saveReloadsAndStaysOpen()
     OptionsBench bench;
     bench.open(Tab::OtherTab);
     bench.changeAll();
-    QCOMPARE(bench.globals().settings.other[Times], u"1"_s);
-    storeSetting(bench.globals(), u"Position"_s, u"Left"_s, u"15"_s);
-    bench.globals().settings.position[0] = u"another"_s;
+    QCOMPARE(bench.globals().settings.text(Setting::Times), u"1"_s);
+    storeSetting(bench.globals(), Setting::Left, u"15"_s);
+    bench.globals().settings.set(Setting::Left, u"another"_s);
     bench.prompts.expectBox(u"SAVE_SUCC"_s, 64, quillon::BoxAnswer::Ok, std::nullopt, [&bench] {
-        QCOMPARE(bench.globals().settings.other[Times], u"2"_s);
-        QCOMPARE(bench.globals().settings.position[0], u"15"_s); // all is read again, not only what was saved
+        QCOMPARE(bench.globals().settings.text(Setting::Times), u"2"_s);
+        QCOMPARE(bench.globals().settings.text(Setting::Left), u"15"_s); // all is read again, not only what was saved
     });
     bench.sbt(0)->click();
     QVERIFY(bench.isLoaded() && bench.form()->isVisible());
@@ -168,7 +168,7 @@ void TestOptionSave::useOfAProxyWithoutOneWritesNothing()
     QCOMPARE(bench.prompts.leftOver(), QStringList());
     QCOMPARE(bench.sst()->currentIndex(), 0);
     QCOMPARE(bench.options(), before);
-    QCOMPARE(bench.globals().settings.other[Times], u"1"_s);
+    QCOMPARE(bench.globals().settings.text(Setting::Times), u"1"_s);
     QVERIFY(!proxyInUse(bench.globals()));
     QVERIFY(bench.window.selected.isEmpty());
     QCOMPARE(bench.txt(15)->text(), u"2"_s); // what was entered waits for another Save
@@ -199,7 +199,7 @@ void TestOptionSave::startupIsOneOfThreeWords()
 void TestOptionSave::oddRuleAnUnknownStartupIsSavedAsSys()
 {
     OptionsBench bench;
-    bench.setOther(Startup, u"Min"_s);
+    bench.setOther(Setting::Startup, u"Min"_s);
     bench.save();
     QCOMPARE(bench.other(u"Startup"_s), u"Sys"_s);
 }
@@ -214,7 +214,7 @@ void TestOptionSave::saveSelectsTheEncodingsOneByOneToTheFirstMatch()
     QCOMPARE(bench.window.selected, (QList<int>{0, 1}));
     QCOMPARE(bench.window.encodingIndex, 1); // and leaves it selected
     QCOMPARE(bench.other(u"Encoding"_s), u"x-mine"_s);
-    QCOMPARE(bench.globals().settings.other[Encoding], u"x-mine"_s);
+    QCOMPARE(bench.globals().settings.text(Setting::Encoding), u"x-mine"_s);
 }
 
 void TestOptionSave::anEncodingThatIsNotFoundLeavesItsKey()
@@ -222,7 +222,7 @@ void TestOptionSave::anEncodingThatIsNotFoundLeavesItsKey()
     OptionsBench bench;
     bench.form();
     bench.window.encodings = {u"a | One"_s, u"utf-8 | unicode (utf-8)"_s, u"Unicode (UTF-8) | b"_s};
-    storeSetting(bench.globals(), u"Other"_s, u"Encoding"_s, u"x-before"_s);
+    storeSetting(bench.globals(), Setting::Encoding, u"x-before"_s);
     bench.save();
     QCOMPARE(bench.window.selected, (QList<int>{0, 1, 2}));
     QCOMPARE(bench.other(u"Encoding"_s), u"x-before"_s);
@@ -232,7 +232,7 @@ void TestOptionSave::anEncodingThatIsNotFoundLeavesItsKey()
 void TestOptionSave::noEncodingLeavesItsKey()
 {
     OptionsBench bench;
-    storeSetting(bench.globals(), u"Other"_s, u"Encoding"_s, u"x-unknown"_s);
+    storeSetting(bench.globals(), Setting::Encoding, u"x-unknown"_s);
     bench.save();
     QCOMPARE(bench.other(u"Encoding"_s), u"x-unknown"_s);
     QCOMPARE(bench.window.selected.size(), bench.window.encodings.size());
@@ -251,7 +251,7 @@ void TestOptionSave::anEncodingsNameMayHoldTheSeparator()
 void TestOptionSave::aFontThatIsNotInstalledSurvives()
 {
     OptionsBench bench;
-    bench.setOther(FontName, u"Büro Grotesk 3000"_s);
+    bench.setOther(Setting::FontName, u"Büro Grotesk 3000"_s);
     bench.save();
     QCOMPARE(bench.other(u"Font Name"_s), u"Büro Grotesk 3000"_s);
     bench.sbt(2)->click();

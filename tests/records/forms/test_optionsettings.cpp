@@ -84,17 +84,17 @@ void TestOptionSettings::theDefaultSettingsAreShown()
 void TestOptionSettings::theTicksFollowTheirSettings()
 {
     OptionsBench bench;
-    bench.globals().settings.proxy[ProxyUse] = u"True"_s;
-    bench.globals().settings.signature[SignatureAutoAdd] = u"False"_s;
-    bench.setOther(DelFolder, u"True"_s);
+    bench.globals().settings.set(Setting::ProxyUse, u"True"_s);
+    bench.globals().settings.set(Setting::AutoAddSignature, u"False"_s);
+    bench.setOther(Setting::EmptyFolder, u"True"_s);
     QVERIFY(bench.cbx(0)->isChecked());
     QVERIFY(bench.cbx(1)->isChecked());
     QVERIFY(!bench.cbx(4)->isChecked());
 
     OptionsBench inAnotherCase; // is not the word
-    inAnotherCase.globals().settings.proxy[ProxyUse] = u"true"_s;
-    inAnotherCase.globals().settings.signature[SignatureAutoAdd] = u"TRUE"_s;
-    inAnotherCase.setOther(DelFolder, u"Yes"_s);
+    inAnotherCase.globals().settings.set(Setting::ProxyUse, u"true"_s);
+    inAnotherCase.globals().settings.set(Setting::AutoAddSignature, u"TRUE"_s);
+    inAnotherCase.setOther(Setting::EmptyFolder, u"Yes"_s);
     QVERIFY(!inAnotherCase.cbx(0)->isChecked());
     QVERIFY(!inAnotherCase.cbx(1)->isChecked());
     QVERIFY(!inAnotherCase.cbx(4)->isChecked());
@@ -117,7 +117,7 @@ void TestOptionSettings::startupChoosesItsOption()
     QFETCH(const QString, startup);
     QFETCH(const int, option);
     OptionsBench bench;
-    bench.setOther(Startup, startup);
+    bench.setOther(Setting::Startup, startup);
     for (int i = 2; i <= 4; ++i) {
         QCOMPARE(bench.opt(i)->isChecked(), i == option);
     }
@@ -141,7 +141,7 @@ void TestOptionSettings::formatChoosesItsOption()
     QFETCH(const QString, format);
     QFETCH(const bool, rich);
     OptionsBench bench;
-    bench.setOther(Format, format);
+    bench.setOther(Setting::Format, format);
     QCOMPARE(bench.opt(6)->isChecked(), rich);
     QCOMPARE(bench.opt(5)->isChecked(), !rich);
 }
@@ -149,8 +149,9 @@ void TestOptionSettings::formatChoosesItsOption()
 void TestOptionSettings::emptySettingsAreShownAsTheirDefaults()
 {
     OptionsBench bench;
-    for (const OtherSetting slot : {Startup, FontName, FontSize, Format, Interval, Times, OboInterval}) {
-        bench.setOther(slot, QString());
+    for (const Setting key : {Setting::Startup, Setting::FontName, Setting::FontSize, Setting::Format,
+                              Setting::Interval, Setting::Times, Setting::OboInterval}) {
+        bench.setOther(key, QString());
     }
     QVERIFY(bench.opt(3)->isChecked());
     QVERIFY(bench.opt(5)->isChecked());
@@ -175,7 +176,7 @@ void TestOptionSettings::everyFontOfTheScreenIsOffered()
 void TestOptionSettings::aFontThatIsNotInstalledIsShown()
 {
     OptionsBench bench;
-    bench.setOther(FontName, u"Büro Grotesk 3000"_s);
+    bench.setOther(Setting::FontName, u"Büro Grotesk 3000"_s);
     QVERIFY(!QFontDatabase::families().contains(u"Büro Grotesk 3000"_s));
     QCOMPARE(bench.cbb(1)->currentText(), u"Büro Grotesk 3000"_s);
 }
@@ -183,7 +184,7 @@ void TestOptionSettings::aFontThatIsNotInstalledIsShown()
 void TestOptionSettings::anySizeOfAFontIsShown()
 {
     OptionsBench bench;
-    bench.setOther(FontSize, u"13.5"_s);
+    bench.setOther(Setting::FontSize, u"13.5"_s);
     QCOMPARE(bench.cbb(2)->currentText(), u"13.5"_s);
     QVERIFY(bench.cbb(2)->count() > 1);
 }
@@ -210,14 +211,14 @@ void TestOptionSettings::theEncodingOfTheSettingsIsChosen()
 {
     OptionsBench bench;
     const QString entry = bench.window.encodings.last();
-    bench.setOther(Encoding, entry.section(u" | "_s, 0, 0));
+    bench.setOther(Setting::Encoding, entry.section(u" | "_s, 0, 0));
     QCOMPARE(bench.cbb(3)->currentText(), entry.section(u" | "_s, 1));
 }
 
 void TestOptionSettings::anUnknownEncodingChoosesNone()
 {
     OptionsBench bench;
-    bench.setOther(Encoding, u"x-unknown"_s);
+    bench.setOther(Setting::Encoding, u"x-unknown"_s);
     QCOMPARE(bench.cbb(3)->currentText(), QString());
 }
 

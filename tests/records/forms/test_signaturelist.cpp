@@ -37,14 +37,14 @@ private:
     static void verifyStandard(OptionsBench &bench, const QString &name)
     {
         QCOMPARE(bench.stored(u"Signature"_s, u"Default"_s), name);
-        QCOMPARE(bench.globals().settings.signature[SignatureDefault], name);
+        QCOMPARE(bench.globals().settings.text(Setting::DefaultSignature), name);
         QCOMPARE(bench.boldRows(1), name.isEmpty() ? QStringList() : QStringList{name});
     }
     /// Three signatures, of which @p name is the default, on the screen.
     static void openThree(OptionsBench &bench, const QString &name)
     {
         bench.putSignatures("A\t\r\nB\t/no/page.htm\r\nC\t\r\n", {{u"A"_s, "a"}, {u"C"_s, "c"}});
-        storeSetting(bench.globals(), u"Signature"_s, u"Default"_s, name);
+        storeSetting(bench.globals(), Setting::DefaultSignature, name);
         bench.open(Tab::SignaturesTab);
     }
     static void press(OptionsBench &bench, int index, const QString &question, quillon::BoxAnswer answer)
@@ -241,7 +241,7 @@ void TestSignatureList::deletingTheLastOneLeavesNoDefault()
 {
     OptionsBench bench;
     bench.putSignatures("Page\t/no/page.htm\r\n");
-    storeSetting(bench.globals(), u"Signature"_s, u"Default"_s, u"Page"_s);
+    storeSetting(bench.globals(), Setting::DefaultSignature, u"Page"_s);
     bench.open(Tab::SignaturesTab);
     QVERIFY(bench.opt(1)->isChecked());
     remove(bench);
@@ -306,7 +306,7 @@ void TestSignatureList::aRowThatIsTheDefaultStaysIt()
 {
     OptionsBench bench;
     openThree(bench, u"A"_s);
-    storeSetting(bench.globals(), u"Signature"_s, u"Default"_s, u"elsewhere"_s);
+    storeSetting(bench.globals(), Setting::DefaultSignature, u"elsewhere"_s);
     bench.sign(4)->click(); // a bold row is the default already, whatever the file says
     QCOMPARE(bench.stored(u"Signature"_s, u"Default"_s), u"elsewhere"_s);
 }
@@ -369,7 +369,7 @@ void TestSignatureList::theDefaultsTickWaitsForSave()
     QCOMPARE(bench.stored(u"Signature"_s, u"AutoAdd"_s), u"True"_s);
     bench.save();
     QCOMPARE(bench.stored(u"Signature"_s, u"AutoAdd"_s), u"False"_s);
-    QCOMPARE(bench.globals().settings.signature[SignatureAutoAdd], u"False"_s);
+    QCOMPARE(bench.globals().settings.text(Setting::AutoAddSignature), u"False"_s);
 }
 
 QTEST_MAIN(TestSignatureList)

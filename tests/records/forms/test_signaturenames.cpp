@@ -47,7 +47,7 @@ private:
     static QString standard(OptionsBench &bench)
     {
         const QString inFile = bench.stored(u"Signature"_s, u"Default"_s);
-        const QString inMemory = bench.globals().settings.signature[SignatureDefault];
+        const QString inMemory = bench.globals().settings.text(Setting::DefaultSignature);
         return inFile == inMemory ? inFile : u"file %1, memory %2"_s.arg(inFile, inMemory);
     }
 };
@@ -201,7 +201,7 @@ void TestSignatureNames::theDefaultFollowsItsName()
 {
     OptionsBench bench;
     bench.putSignatures("Short\t\r\nLong\t\r\n");
-    storeSetting(bench.globals(), u"Signature"_s, u"Default"_s, u"Short"_s);
+    storeSetting(bench.globals(), Setting::DefaultSignature, u"Short"_s);
     bench.open(Tab::SignaturesTab);
     rename(bench, u"Brief"_s);
     QCOMPARE(standard(bench), u"Brief"_s);
@@ -212,7 +212,7 @@ void TestSignatureNames::renamingAnotherLeavesTheDefault()
 {
     OptionsBench bench;
     bench.putSignatures("Short\t\r\nLong\t\r\n");
-    storeSetting(bench.globals(), u"Signature"_s, u"Default"_s, u"Short"_s);
+    storeSetting(bench.globals(), Setting::DefaultSignature, u"Short"_s);
     const QByteArray before = bench.options();
     bench.open(Tab::SignaturesTab);
     bench.click(1, 1);
