@@ -46,13 +46,17 @@ std::optional<QString> replacement(const QStringList &fields, const RecipientVal
 
 void ExpandMacros(const ApplicationGlobals &globals, quillon::MailMessage &message)
 {
+    expandMacroLines(globals.lines.ReadLines(globals.paths.macrosFile), message);
+}
+
+void expandMacroLines(const QStringList &lines, quillon::MailMessage &message)
+{
     const RecipientValues values = valuesOf(message);
     if (message.Format == quillon::MailMessage::Html) {
         message.Content.remove(u"\r\n"_s);
     }
     QStringList keys;
     QList<QStringList> macros;
-    const QStringList lines = globals.lines.ReadLines(globals.paths.macrosFile);
     for (const QString &line : lines) {
         macros.append(line.split(u'\t'));
         keys.append(macros.constLast().constFirst());

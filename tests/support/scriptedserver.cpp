@@ -4,6 +4,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <sys/socket.h>
 
 namespace testsupport {
 
@@ -11,6 +12,15 @@ ScriptedServer::ScriptedServer(QObject *parent) : QTcpServer(parent)
 {
     if (!listen(QHostAddress::LocalHost)) {
         qFatal("the scripted server cannot listen");
+    }
+}
+
+void ScriptedServer::narrow()
+{
+    // On the socket that listens, since the size is settled when a connection is made.
+    constexpr int least = 1;
+    if (::setsockopt(static_cast<int>(socketDescriptor()), SOL_SOCKET, SO_RCVBUF, &least, sizeof least) != 0) {
+        qFatal("the scripted server cannot become narrow");
     }
 }
 
@@ -41,6 +51,7 @@ void ScriptedServer::incomingConnection(qintptr descriptor)
     auto *socket = new QSslSocket(this);
     socket->setSocketDescriptor(descriptor);
     m_last = socket;
+    socket->setReadBufferSize(Deaf ? 1024 : 0);
     connect(socket, &QSslSocket::readyRead, this, [this, socket] { onReadyRead(socket); });
     connect(socket, &QSslSocket::disconnected, this, [this, socket] {
         ++Ended;
@@ -64,6 +75,10 @@ void ScriptedServer::incomingConnection(qintptr descriptor)
 
 void ScriptedServer::onReadyRead(QSslSocket *socket)
 {
+    if (Deaf && m_inBody == socket) {
+        send(socket, std::exchange(Interruption, QByteArray()));
+        return;
+    }
     m_input[socket] += socket->readAll();
     while (true) {
         if (m_inBody == socket) {

@@ -40,6 +40,7 @@ public:
     QByteArray Interruption;    ///< sent once in the course of a mail
     bool CloseAfterInterruption = false;
     bool ImplicitTls = false;
+    bool Deaf = false; ///< reads nothing of a mail, and sends Interruption when the first of it has come
     QSslCertificate Certificate;
     QSslKey Key;
 
@@ -50,6 +51,8 @@ public:
     int Ended = 0; ///< of them closed, by either side
 
     [[nodiscard]] quint16 port() const { return serverPort(); }
+    /// Lets the system take but little from a client before it is read.
+    void narrow();
     /// How many lines began so.
     [[nodiscard]] qsizetype count(const QByteArray &beginning) const;
     [[nodiscard]] bool heard(const QByteArray &beginning) const { return count(beginning) > 0; }

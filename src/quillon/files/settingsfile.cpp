@@ -103,7 +103,20 @@ SettingsFile::SettingsFile(const QString &path) : m_path(path)
 {
     const auto bytes = readWholeFile(path);
     m_readable = bytes.has_value();
-    const QList<QByteArray> lines = splitLines(bytes.value_or(QByteArray()));
+    read(bytes.value_or(QByteArray()));
+}
+
+SettingsFile SettingsFile::fromBytes(const QByteArray &bytes)
+{
+    SettingsFile file;
+    file.m_readable = false;
+    file.read(bytes);
+    return file;
+}
+
+void SettingsFile::read(const QByteArray &bytes)
+{
+    const QList<QByteArray> lines = splitLines(bytes);
     m_lines.reserve(lines.size());
     for (const QByteArray &line : lines) {
         m_lines.append(parse(line));
@@ -225,11 +238,17 @@ bool SettingsFile::save()
         reportFault(u"a settings file that could not be read is not rewritten: '"_s + m_path + u'\'');
         return false;
     }
+    return writeWholeFile(m_path, toBytes());
+}
+
+QByteArray SettingsFile::toBytes() const
+{
     QList<QByteArray> lines;
-    for (const Line &line : std::as_const(m_lines)) {
+    lines.reserve(m_lines.size());
+    for (const Line &line : m_lines) {
         lines.append(line.bytes);
     }
-    return writeWholeFile(m_path, joinLines(lines));
+    return joinLines(lines);
 }
 
 } // namespace quillon

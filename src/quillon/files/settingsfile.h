@@ -13,6 +13,8 @@ class SettingsFile {
 public:
     /// Reads a file; one that is missing acts as one with no keys. readable() tells whether it may be rewritten.
     explicit SettingsFile(const QString &path);
+    /// Reads what a file would hold. There is none that could be rewritten, so readable() and save() are false.
+    [[nodiscard]] static SettingsFile fromBytes(const QByteArray &bytes);
 
     /// The value of a key, or an empty text.
     [[nodiscard]] QString value(const QString &section, const QString &key) const;
@@ -25,9 +27,13 @@ public:
 
     /// Writes the file, whole or not at all; false with a fault when that failed or the file was not readable().
     bool save();
+    /// What save() writes.
+    [[nodiscard]] QByteArray toBytes() const;
     [[nodiscard]] bool readable() const { return m_readable; }
 
 private:
+    SettingsFile() = default;
+
     struct Line {
         enum Kind { Other, Section, Key } kind = Other;
         QByteArray bytes; ///< as it stood in the file, without its line end
@@ -36,6 +42,7 @@ private:
     };
 
     [[nodiscard]] qsizetype find(const QString &section, const QString &key) const;
+    void read(const QByteArray &bytes);
     static Line parse(const QByteArray &bytes);
 
     QString m_path;

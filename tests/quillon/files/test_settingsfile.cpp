@@ -74,6 +74,8 @@ private Q_SLOTS:
     void brokenLinesAreKeptAndDoNotHideKeys();
     void fileThatCannotBeReadIsNeverRewritten();
     void pipeNeitherHangsNorIsWritten();
+    void bytesAreReadAndGivenAsAFileWouldBe();
+    void bytesHaveNoFileToBeSavedTo();
     void newFileIsForItsOwnerOnly();
     void fileIsFoundAndRenamedInAnotherCase();
     void linkKeepsPointingToItsTarget();
@@ -222,6 +224,32 @@ void TestSettingsFile::pipeNeitherHangsNorIsWritten()
     struct stat status {};
     QCOMPARE(::stat(QFile::encodeName(path()).constData(), &status), 0);
     QVERIFY(S_ISFIFO(status.st_mode));
+}
+
+void TestSettingsFile::bytesAreReadAndGivenAsAFileWouldBe()
+{
+    for (const QByteArray &bytes : {QByteArray(), QByteArray("; of mine\n[A]\n\nk=J\xFCrgen\nnot a key"),
+                                    QByteArray("\xEF\xBB\xBF[A]\r\nk=1\r\n"), QByteArray("k=0\r\n[a]\r\nK=1\r\n")}) {
+        write(path(), bytes);
+        SettingsFile onDisk(path());
+        SettingsFile inMemory = SettingsFile::fromBytes(bytes);
+        QCOMPARE(inMemory.sections(), onDisk.sections());
+        QCOMPARE(inMemory.value(u"A"_s, u"k"_s), onDisk.value(u"A"_s, u"k"_s));
+        for (SettingsFile *file : {&onDisk, &inMemory}) {
+            file->setValue(u"A"_s, u"k"_s, u"two\nlines"_s);
+        }
+        QVERIFY(onDisk.save());
+        QCOMPARE(inMemory.toBytes(), read(path()));
+    }
+}
+
+void TestSettingsFile::bytesHaveNoFileToBeSavedTo()
+{
+    SettingsFile file = SettingsFile::fromBytes("[A]\r\nk=1\r\n");
+    const int before = quillon::faultCount();
+    QVERIFY(!file.readable());
+    QVERIFY(!file.save());
+    QCOMPARE(quillon::faultCount(), before + 1);
 }
 
 void TestSettingsFile::newFileIsForItsOwnerOnly()

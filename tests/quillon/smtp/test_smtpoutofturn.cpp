@@ -1,5 +1,10 @@
 #include "quillon/smtp/dialogue.h"
 
+#include <QtEndian>
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+
 using namespace dialogue;
 
 /// Replies that come out of turn: none of them counts as the acceptance of a mail.
@@ -11,6 +16,7 @@ private Q_SLOTS:
 
     void successInTheMiddleOfTheMailIsNone();
     void successBeforeTheMailHasBegunIsNone();
+    void successBeforeTheEndHasLeftIsNone();
     void octetsBetweenTheEndAndTheReplyAreNoSuccess();
     void aSecondReplyAfterTheEndSpoilsTheNextMailOnly();
     void aReplyThatWasNotAskedForEndsTheSession_data();
@@ -41,6 +47,47 @@ void TestSmtpOutOfTurn::successBeforeTheMailHasBegunIsNone()
         QCOMPARE(client.Errors.size(), 1);
         QVERIFY2(client.Errors.first().contains(u"out of turn"), qPrintable(client.Errors.first()));
     }
+}
+
+namespace {
+
+/// Lets the system take but little of what the client of @p server writes. The client keeps its socket to itself, so it
+/// is looked for among the open ones.
+bool narrowClientOf(const ScriptedServer &server)
+{
+    constexpr int mostDescriptors = 1024;
+    constexpr int least = 1;
+    bool found = false;
+    for (int descriptor = 0; descriptor < mostDescriptors; ++descriptor) {
+        sockaddr_in peer{};
+        socklen_t length = sizeof peer;
+        if (::getpeername(descriptor, reinterpret_cast<sockaddr *>(&peer), &length) == 0 &&
+            peer.sin_family == AF_INET && qFromBigEndian(peer.sin_port) == server.port()) {
+            found = ::setsockopt(descriptor, SOL_SOCKET, SO_SNDBUF, &least, sizeof least) == 0;
+        }
+    }
+    return found;
+}
+
+} // namespace
+
+void TestSmtpOutOfTurn::successBeforeTheEndHasLeftIsNone()
+{
+    // The server reads nothing of the mail, so that its end is written but has not left this process.
+    ScriptedServer server;
+    server.narrow();
+    server.Deaf = true;
+    server.Interruption = "250 2.0.0 queued\r\n";
+    Client client;
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QVERIFY(narrowClientOf(server));
+    QVERIFY(!client.send(QByteArray(120'000, 'x')));
+    QCOMPARE(client.Errors.size(), 1);
+    QVERIFY2(client.Errors.first().startsWith(u"Waiting for the message to be accepted failed"_s) &&
+                 client.Errors.first().contains(u"out of turn"),
+             qPrintable(client.Errors.first()));
+    QVERIFY(client.Transport.State() != 2);
+    QVERIFY(server.Interruption.isEmpty() && server.Mails.isEmpty());
 }
 
 void TestSmtpOutOfTurn::octetsBetweenTheEndAndTheReplyAreNoSuccess()
