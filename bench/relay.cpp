@@ -1,7 +1,10 @@
 // A slow link on this machine: passes connections on to a port of loopback and holds each direction back for a while.
-// The bandwidth is not limited. Prints "PORT n" and ends with its standard input.
+// The bandwidth is not limited. The handshake of TCP, which the system answers at once here, is held back as on a real
+// link: the client would know after two ways that the connection stands, and the server, who speaks first, after three.
+// Prints "PORT n" and ends with its standard input.
 //   bench_relay TARGET-PORT MILLISECONDS
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <array>
 #include <cerrno>
@@ -33,6 +36,7 @@ struct Parcel {
 struct Direction {
     int from = -1;
     int to = -1;
+    Clock::time_point stands; ///< when the connection would stand at this direction's sender
     std::deque<Parcel> held;
     bool ended = false;    ///< nothing more comes
     bool finished = false; ///< and all of it has gone
@@ -45,7 +49,8 @@ struct Direction {
             return;
         }
         ended = got <= 0;
-        held.push_back({Clock::now() + hold, std::string(buffer.data(), got > 0 ? static_cast<size_t>(got) : 0)});
+        held.push_back({std::max(Clock::now(), stands) + hold,
+                        std::string(buffer.data(), got > 0 ? static_cast<size_t>(got) : 0)});
     }
 
     void pass(Clock::time_point now)
@@ -90,7 +95,7 @@ void sendAtOnce(int descriptor)
     ::setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
 }
 
-void acceptOne(int listener, int target, std::list<Link> &links)
+void acceptOne(int listener, int target, Clock::duration hold, std::list<Link> &links)
 {
     const int client = ::accept4(listener, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
     if (client < 0) {
@@ -106,7 +111,8 @@ void acceptOne(int listener, int target, std::list<Link> &links)
     }
     sendAtOnce(client);
     sendAtOnce(server);
-    links.push_back({{client, server, {}, false, false}, {server, client, {}, false, false}});
+    const Clock::time_point begin = Clock::now();
+    links.push_back({{client, server, begin + 2 * hold, {}}, {server, client, begin + 3 * hold, {}}});
 }
 
 void run(int listener, int target, Clock::duration hold)
@@ -144,7 +150,7 @@ void run(int listener, int target, Clock::duration hold)
             }
         }
         if (polled[1].revents != 0) {
-            acceptOne(listener, target, links);
+            acceptOne(listener, target, hold, links);
         }
         const Clock::time_point now = Clock::now();
         for (Link &link : links) {

@@ -1,7 +1,8 @@
 // An SMTP server that takes every mail and throws it away, as fast as one thread can: all clients of the bench talk to
 // it. It offers what usual servers offer. Prints "PORT plain starttls" and ends with its standard input.
 //   bench_sink --certificate FILE --key FILE
-// XCOUNT answers "250 mails recipients octets" (recipients: different ones) since the last XRESET.
+// XCOUNT answers "250 mails recipients octets connections" since the last XRESET: recipients are different ones,
+// connections those that brought mails.
 
 #include <arpa/inet.h>
 #include <array>
@@ -25,6 +26,7 @@ namespace {
 struct Tally {
     long mails = 0;
     long octets = 0;
+    long connections = 0;
     std::unordered_set<std::string> recipients;
 };
 
@@ -111,6 +113,8 @@ private:
                     return true;
                 }
                 ++m_tally.mails;
+                m_tally.connections += m_hasBrought ? 0 : 1;
+                m_hasBrought = true;
                 m_tally.octets += static_cast<long>(end);
                 m_in.erase(0, end + 5);
                 m_inData = false;
@@ -163,7 +167,7 @@ private:
             m_out += "250 ok\r\n";
         } else if (is("XCOUNT")) {
             m_out += "250 " + std::to_string(m_tally.mails) + ' ' + std::to_string(m_tally.recipients.size()) + ' ' +
-                     std::to_string(m_tally.octets) + "\r\n";
+                     std::to_string(m_tally.octets) + ' ' + std::to_string(m_tally.connections) + "\r\n";
         } else if (is("MAIL FROM:") || is("RSET") || is("NOOP") || is("HELO")) {
             m_out += "250 2.0.0 ok\r\n";
         } else {
@@ -180,6 +184,7 @@ private:
     std::string m_out;
     size_t m_scanned = 0;
     bool m_inData = false;
+    bool m_hasBrought = false; ///< a mail
 };
 
 int listenOnLoopback()

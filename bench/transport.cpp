@@ -1,10 +1,9 @@
 #include "measures.h"
 #include "quillon/mail/encodedmail.h"
 #include "quillon/mail/mailtransport.h"
+#include "support/waitfor.h"
 
 #include <QElapsedTimer>
-
-#include <memory>
 
 using namespace Qt::StringLiterals;
 using quillon::MailMessage;
@@ -28,31 +27,35 @@ MailMessage personalMail(const QString &document, int i)
     return message;
 }
 
+/// One after the other, each over a connection and a transport of its own, as a run does it.
+quillon::Task<> sendAll(BenchTask task, QString document)
+{
+    for (int i = 1; i <= task.count; ++i) {
+        const MailMessage message = personalMail(document, i);
+        MailTransport transport;
+        QObject::connect(&transport, &MailTransport::Error, &transport,
+                         [](int, const QString &text) { qFatal("%s", qPrintable(text)); });
+        if (task.starttls) {
+            transport.Security = MailTransport::StartTls;
+            transport.User = u"ada"_s;
+            transport.Password = u"secret"_s;
+        }
+        co_await transport.Connect(u"127.0.0.1"_s, task.port, 0, 0);
+        if (!co_await transport.Send(message)) {
+            qFatal("mail %d was not sent", i);
+        }
+        transport.Quit();
+    }
+}
+
 } // namespace
 
 QJsonObject measureTransport(const BenchTask &task)
 {
     const QString document = benchText(task.document);
-    std::unique_ptr<MailTransport> transport;
     QElapsedTimer timer;
     timer.start();
-    for (int i = 1; i <= task.count; ++i) {
-        const MailMessage message = personalMail(document, i);
-        // A transport for each mail, as a run does it.
-        transport = std::make_unique<MailTransport>();
-        QObject::connect(transport.get(), &MailTransport::Error, transport.get(),
-                         [](int, const QString &text) { qFatal("%s", qPrintable(text)); });
-        if (task.starttls) {
-            transport->Security = MailTransport::StartTls;
-            transport->User = u"ada"_s;
-            transport->Password = u"secret"_s;
-        }
-        transport->Connect(u"127.0.0.1"_s, task.port, 0, 0);
-        if (!transport->Send(message)) {
-            qFatal("mail %d was not sent", i);
-        }
-        transport->Quit();
-    }
+    waitFor(sendAll(task, document));
     return {{u"seconds"_s, static_cast<double>(timer.nsecsElapsed()) / nanosecondsPerSecond}};
 }
 

@@ -7,12 +7,12 @@
 #include "quillon/forms/formregistry.h"
 #include "quillon/system/prompts.h"
 #include "records/accountrecords.h"
-#include "records/recordlists.h"
 #include "sending/forms/formprogressview.h"
 #include "sending/forms/frmpubprogress.h"
 #include "sending/sendrun.h"
 
 #include <QAbstractButton>
+#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -27,7 +27,7 @@ constexpr double nanosecondsPerSecond = 1e9;
 constexpr int settled = 100; ///< mails after which the memory has to stay as it is
 
 /// Boxes are answered at once, as nobody sits here. A run that shows any but its closing box has gone wrong.
-class NobodyThere : public quillon::Prompts {
+class NobodyThere : public quillon::HarmlessPrompts {
 public:
     quillon::BoxAnswer box(const quillon::BoxRequest &request) override
     {
@@ -37,11 +37,6 @@ public:
         closing = request.Text;
         return quillon::BoxAnswer::Ok;
     }
-    QString input(const quillon::InputRequest &) override { return {}; }
-    QStringList openFiles(const quillon::FileRequest &) override { return {}; }
-    QString saveFile(const quillon::FileRequest &) override { return {}; }
-    QString selectFolder(const QString &) override { return {}; }
-    long chooseColor() override { return -1; }
     void showModalForm(const QString &form, int) override { qFatal("%s was shown", qPrintable(form)); }
 
     QString closing;
@@ -122,25 +117,33 @@ void makeAccount(const ApplicationGlobals &globals, const BenchTask &task)
 
 void fill(frmPubMain &main, const BenchTask &task)
 {
-    using Field = MessageWindow::Field;
-    MessageWindow &window = main.message();
+    using Field = Message::Field;
+    Message &message = main.message();
     QStringList recipients;
     for (int i = 1; i <= task.count; ++i) {
         recipients.append(benchName(i) + u" <"_s + benchAddress(i) + u'>');
     }
     // While there is no editor for it the choice is closed to the user, but the message can hold a document.
     main.findChild<QAbstractButton *>(u"opt(8)"_s)->setEnabled(true);
-    window.setFormat(MessageWindow::Format::Rich);
-    if (window.format() != MessageWindow::Format::Rich) {
+    message.setFormat(Message::Format::Rich);
+    if (message.format() != Message::Format::Rich) {
         qFatal("the message is not a document");
     }
-    window.setText(Field::Account, u"ada@x.example"_s);
-    window.setText(Field::Sender, u"Ada King <ada@x.example>"_s);
-    window.setText(Field::ReplyReceiver, u"ada@x.example"_s);
-    window.setText(Field::To, recipients.join(u", "_s));
-    window.setText(Field::Subject, u"News for {Full Name of The Recipient}"_s);
-    window.setText(Field::RichContent, benchText(task.document));
-    window.setOneByOne(true);
+    message.setText(Field::Account, u"ada@x.example"_s);
+    message.setText(Field::Sender, u"Ada King <ada@x.example>"_s);
+    message.setText(Field::ReplyReceiver, u"ada@x.example"_s);
+    message.setText(Field::To, recipients.join(u", "_s));
+    message.setText(Field::Subject, u"News for {Full Name of The Recipient}"_s);
+    message.setText(Field::RichContent, benchText(task.document));
+    message.setOneByOne(true);
+}
+
+void runToItsEnd(SendRun &run)
+{
+    run.run();
+    while (run.state().Sending()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
 }
 
 } // namespace
@@ -175,10 +178,10 @@ QJsonObject measureProgram(const BenchTask &task)
 
     WatchedProgress progress(forms);
     InputPrompts prompts(globals);
-    SendRun run(globals, main.message(), progress, prompts);
+    SendRun run({globals, main.message(), main.view(), progress, prompts});
     QElapsedTimer timer;
     timer.start();
-    run.run();
+    runToItsEnd(run);
     const auto taken = static_cast<double>(timer.nsecsElapsed());
     const double memoryLate = memory();
     quillon::setPrompts(nullptr);

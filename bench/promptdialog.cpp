@@ -1,6 +1,7 @@
 // Times what a user waits for in the input prompt manager with 100,000 prompts: opening it until it is painted, Find
-// until its hits are painted, and the deletion of a thousand rows. Prints the median of eleven rounds of each, in
-// milliseconds. Run it offscreen or on any display, in a release build.
+// until its hits are painted, and the deletion of a thousand rows.
+//   bench_promptdialog ROUNDS
+// Prints the medians as one line of JSON, in milliseconds. Runs offscreen or on any display.
 
 #include "core/datatree.h"
 #include "core/texts.h"
@@ -10,12 +11,15 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QListView>
 #include <QPushButton>
 #include <QTemporaryDir>
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <memory>
 
@@ -24,25 +28,20 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int promptCount = 100'000;
-constexpr int rounds = 11;
 
 /// Gives every input box the same answer and says Yes to every box.
-class Answers : public quillon::Prompts {
+class Answers : public quillon::HarmlessPrompts {
 public:
     Answers() { quillon::setPrompts(this); }
     ~Answers() override { quillon::setPrompts(nullptr); }
     quillon::BoxAnswer box(const quillon::BoxRequest &) override { return quillon::BoxAnswer::Yes; }
     QString input(const quillon::InputRequest &) override { return answer; }
-    QStringList openFiles(const quillon::FileRequest &) override { return {}; }
-    QString saveFile(const quillon::FileRequest &) override { return {}; }
-    QString selectFolder(const QString &) override { return {}; }
-    long chooseColor() override { return -1; }
-    void showModalForm(const QString &, int) override {}
 
     QString answer;
 };
 
-void report(const char *what, const std::function<void()> &prepare, const std::function<void()> &work)
+/// The median of the milliseconds that @p work takes, each time after @p prepare.
+double median(int rounds, const std::function<void()> &prepare, const std::function<void()> &work)
 {
     QList<double> times;
     for (int i = 0; i < rounds; ++i) {
@@ -53,7 +52,7 @@ void report(const char *what, const std::function<void()> &prepare, const std::f
         times.append(static_cast<double>(timer.nsecsElapsed()) / 1e6);
     }
     std::sort(times.begin(), times.end());
-    std::printf("%-44s %8.1f ms  (largest %.1f)\n", what, times.at(rounds / 2), times.constLast());
+    return times.at(rounds / 2);
 }
 
 } // namespace
@@ -61,6 +60,10 @@ void report(const char *what, const std::function<void()> &prepare, const std::f
 int main(int argc, char **argv)
 {
     QApplication application(argc, argv);
+    const int rounds = argc > 1 ? qMax(1, std::atoi(argv[1])) : 1;
+    QJsonObject result;
+    const auto report = [&](const QString &what, const std::function<void()> &prepare,
+                            const std::function<void()> &work) { result.insert(what, median(rounds, prepare, work)); };
     QTemporaryDir folder;
     corvane::ApplicationGlobals globals;
     globals.paths.promptsFile = folder.filePath(u"prompts.dll"_s);
@@ -97,21 +100,21 @@ int main(int argc, char **argv)
         paint();
     };
 
-    report("upsReadPrompts", nothing, [&] { memory.upsReadPrompts(); });
-    report("open the dialog", nothing, open);
-    report("find one of them", nothing, [&] { find(u"user77777@"_s); });
+    report(u"upsReadPrompts"_s, nothing, [&] { memory.upsReadPrompts(); });
+    report(u"open the dialog"_s, nothing, open);
+    report(u"find one of them"_s, nothing, [&] { find(u"user77777@"_s); });
     report(
-        "find every second", [&] { find(u"bob"_s); }, [&] { find(u"ann"_s); });
-    report("find all", nothing, [&] { find(u"example"_s); });
-    report("find none", nothing, [&] { find(u"nobody"_s); });
+        u"find every second"_s, [&] { find(u"bob"_s); }, [&] { find(u"ann"_s); });
+    report(u"find all"_s, nothing, [&] { find(u"example"_s); });
+    report(u"find none"_s, nothing, [&] { find(u"nobody"_s); });
     QString recipients;
     for (int i = 0; i < 1000; ++i) {
         recipients += u"Ann Recipient <user%1@example.%2>, "_s.arg(i).arg(i % 2 == 0 ? u"org"_s : u"net"_s);
     }
-    report("upsSavePrompts with 1000, half of them new", writeFile,
+    report(u"upsSavePrompts with 1000, half of them new"_s, writeFile,
            [&] { memory.upsSavePrompts(recipients, QString(), QString()); });
     report(
-        "delete a thousand rows",
+        u"delete a thousand rows"_s,
         [&] {
             writeFile();
             memory.upsReadPrompts();
@@ -122,5 +125,6 @@ int main(int argc, char **argv)
             press(u"sbtDel");
             paint();
         });
+    std::puts(QJsonDocument(result).toJson(QJsonDocument::Compact).constData());
     return 0;
 }
