@@ -34,7 +34,7 @@ QString choiceText(const Message &message, Choice choice)
     return message.isActual(choice) ? QString::fromUtf16(headwords::actual) : QString::fromUtf16(headwords::custom);
 }
 
-QString flagText(bool flag)
+QString flagWord(bool flag)
 {
     return flag ? QString::fromUtf16(headwords::yes) : QString::fromUtf16(headwords::no);
 }
@@ -172,8 +172,8 @@ void writeTemplate(const ApplicationGlobals &globals, const QString &name, bool 
         write(headkeys::encoding, code);
     }
     write(headkeys::priority, priorityText(message.priority()));
-    write(headkeys::oneByOne, flagText(message.oneByOne()));
-    write(headkeys::receipt, flagText(message.receipt()));
+    write(headkeys::oneByOne, flagWord(message.oneByOne()));
+    write(headkeys::receipt, flagWord(message.receipt()));
     head.save();
     globals.lines.WriteTextFile(contentPath(globals, name), contentOf(message, message.format()), charset);
 }
