@@ -1,4 +1,4 @@
-#include "program.h"
+#include "app/program.h"
 
 #include "composer/frmpubmain.h"
 #include "core/forms/frmpubsplash.h"

@@ -1,8 +1,11 @@
+#include "app/runprogram.h"
+
+#include "app/program.h"
 #include "composer/artwork.h"
 #include "core/instancelock.h"
 #include "core/launcher.h"
-#include "program.h"
 #include "quillon/fault.h"
+#include "quillon/forms/qtopener.h"
 #include "quillon/system/platform.h"
 #include "quillon/system/quillonsystem.h"
 
@@ -11,27 +14,31 @@
 
 using namespace Qt::StringLiterals;
 
-int main(int count, char **values)
+namespace corvane {
+
+int runProgram(const QString &programFolder, const QStringList &arguments)
 {
-    QApplication application(count, values);
     // The name, and not the display name, which the desktop would append to every window's title.
     QApplication::setApplicationName(u"Corvane"_s);
     QApplication::setDesktopFileName(u"corvane"_s);
     // The splash and the dialogs come and go; only the exit command ends the program.
     QApplication::setQuitOnLastWindowClosed(false);
 
-    corvane::initResources();
+    initResources();
     QApplication::setWindowIcon(QIcon(u":/corvane.svg"_s));
 
     const quillon::QuillonSystem system;
-    const corvane::InstanceLock lock(quillon::dataRootBelow(system.GetSpecialFolder(26)));
+    const InstanceLock lock(quillon::dataRootBelow(system.GetSpecialFolder(26)));
     if (lock.otherInstanceRuns()) {
         return 0;
     }
-    const bool stopOnFault = corvane::isSwitch(QApplication::arguments().sliced(1));
+    const bool stopOnFault = isSwitch(arguments);
     quillon::setStopOnFault(stopOnFault);
 
-    corvane::Program program(QApplication::applicationDirPath(), stopOnFault);
+    const quillon::QtOpener opener;
+    Program program(programFolder, stopOnFault);
     program.start();
     return QApplication::exec();
 }
+
+} // namespace corvane

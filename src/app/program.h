@@ -2,7 +2,6 @@
 
 #include "core/globals.h"
 #include "quillon/forms/formregistry.h"
-#include "quillon/forms/qtopener.h"
 #include "quillon/forms/qtprompts.h"
 #include "recipients/inputprompts.h"
 #include "records/forms/frmpuboptions.h"
@@ -59,7 +58,6 @@ private:
     quillon::FormRegistry m_forms;
     quillon::QtPrompts m_asker;
     quillon::HarmlessPrompts m_silence; ///< in force once the program ends
-    quillon::QtOpener m_opener;
     InputPrompts m_recipients;
     FormProgressView m_progress;
     std::unique_ptr<frmPubMain> m_main;
