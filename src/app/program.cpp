@@ -1,6 +1,7 @@
 #include "app/program.h"
 
 #include "composer/frmpubmain.h"
+#include "core/formnames.h"
 #include "core/forms/frmpubsplash.h"
 #include "core/launcher.h"
 #include "core/site.h"
@@ -33,14 +34,8 @@ namespace corvane {
 
 namespace {
 
-constexpr int accountsTab = 1;
 constexpr int closeMessage = 16;
 constexpr int maximised = 3;
-
-const QString splashForm = u"frmPubSplash"_s;
-const QString progressForm = u"frmPubProgress"_s;
-const QString optionsForm = u"frmPubOptions"_s;
-const QString promptsForm = u"frmPubPrompt"_s;
 
 } // namespace
 
@@ -73,13 +68,11 @@ void Program::addForms()
     });
     m_forms.add(optionsForm,
                 [this] { return new frmPubOptions(m_globals, m_main->message(), m_forms, optionsHooks()); });
-    m_forms.add(u"frmPubSMTP"_s, [this] { return new frmPubSMTP(helpOn(u"smtp-editor.htm"_s)); });
-    m_forms.add(u"frmPubProxy"_s, [this] { return new frmPubProxy(helpOn(u"proxy-editor.htm"_s)); });
-    m_forms.add(u"frmPubSender"_s, [this] { return new frmPubSender(helpOn(u"sender-editor.htm"_s)); });
-    m_forms.add(u"frmPubMacro"_s, [this] {
-        return new frmPubMacro(m_globals, m_forms, {[this] { loadMacroMenu(); }, {}});
-    });
-    m_forms.add(u"frmPubMacroDetail"_s, [] { return new frmPubMacroDetail; });
+    m_forms.add(accountForm, [this] { return new frmPubSMTP(helpOn(u"smtp-editor.htm"_s)); });
+    m_forms.add(proxyForm, [this] { return new frmPubProxy(helpOn(u"proxy-editor.htm"_s)); });
+    m_forms.add(senderForm, [this] { return new frmPubSender(helpOn(u"sender-editor.htm"_s)); });
+    m_forms.add(macrosForm, [this] { return new frmPubMacro(m_globals, m_forms, {[this] { loadMacroMenu(); }, {}}); });
+    m_forms.add(macroDetailForm, [] { return new frmPubMacroDetail; });
     m_forms.add(promptsForm, [this] { return new frmPubPrompt(m_globals, m_recipients.entries()); });
 }
 
@@ -175,7 +168,7 @@ void Program::loadMacroMenu()
 void Program::checkAccount() const
 {
     if (!DefaultSmtpUsable(m_globals) && showMessage(u"SMTP_NOT_OK"_s, quillon::YesNoBox) == quillon::BoxAnswer::Yes) {
-        quillon::prompts().showModalForm(optionsForm, accountsTab);
+        quillon::prompts().showModalForm(optionsForm, AccountTab);
     }
 }
 

@@ -5,6 +5,7 @@
 #include "composer/contentviews.h"
 #include "composer/editcommands.h"
 #include "core/datatree.h"
+#include "core/formnames.h"
 #include "core/texts.h"
 #include "quillon/system/platform.h"
 
@@ -20,11 +21,6 @@ using Run = std::function<void()>;
 using Field = Message::Field;
 
 constexpr int maximised = 3;
-
-// Tabs of a form that a command opens.
-constexpr int noTab = -1; ///< the one that the form begins with
-constexpr int accountsTab = 1;
-constexpr int sendersTab = 2;
 
 /// The command is the item's own check mark, which has turned already.
 void turnCheckMark() {}
@@ -140,7 +136,6 @@ std::vector<Command> formatCommands(const CommandTargets &t)
 std::vector<Command> toolCommands(const CommandTargets &t)
 {
     const ApplicationGlobals *globals = &t.globals;
-    const QString options = u"frmPubOptions"_s;
     return {
         {u"mentr"_s, {}, {}, turnCheckMark},
         {u"mentsk"_s, {}, {u"sbt(0)"_s}, {}},
@@ -150,12 +145,12 @@ std::vector<Command> toolCommands(const CommandTargets &t)
         {u"mentv"_s, {}, {}, [globals] { viewLog(*globals); }},
         {u"mentl"_s, {}, {}, [globals] { globals->system.OpenTarget(globals->paths.logs, maximised); }},
         {u"mentt"_s, u"tlbTemplate"_s, {}, {}},
-        {u"menti"_s, {}, {}, from(t.hooks.showForm, u"frmPubPrompt"_s, noTab)},
-        {u"mentm"_s, u"tlbMacro"_s, {}, from(t.hooks.showForm, u"frmPubMacro"_s, noTab)},
-        {u"mento"_s, u"tlbOptions"_s, {}, from(t.hooks.showForm, options, noTab)},
-        {{}, {}, {u"sbtMain(0)"_s}, from(t.hooks.showForm, options, accountsTab)},
-        {{}, {}, {u"sbtMain(1)"_s}, from(t.hooks.showForm, options, sendersTab)},
-        {{}, {}, {u"sbtMain(2)"_s}, from(t.hooks.showForm, options, sendersTab)},
+        {u"menti"_s, {}, {}, from(t.hooks.showForm, promptsForm, noTab)},
+        {u"mentm"_s, u"tlbMacro"_s, {}, from(t.hooks.showForm, macrosForm, noTab)},
+        {u"mento"_s, u"tlbOptions"_s, {}, from(t.hooks.showForm, optionsForm, noTab)},
+        {{}, {}, {u"sbtMain(0)"_s}, from(t.hooks.showForm, optionsForm, AccountTab)},
+        {{}, {}, {u"sbtMain(1)"_s}, from(t.hooks.showForm, optionsForm, SenderTab)},
+        {{}, {}, {u"sbtMain(2)"_s}, from(t.hooks.showForm, optionsForm, SenderTab)},
     };
 }
 

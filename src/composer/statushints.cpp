@@ -2,6 +2,7 @@
 
 #include "composer/composertexts.h"
 #include "composer/menuitemarray.h"
+#include "core/formnames.h"
 #include "core/texts.h"
 #include "quillon/system/quillonsystem.h"
 
@@ -41,8 +42,8 @@ void StatusHints::watchMenu(QMenu *menu)
         if (item->menu<QMenu *>()) {
             return;
         }
-        show(u' ' + quillon::QuillonSystem().ReadSetting(languageFolder() + u"/menutips.dll"_s, u"frmPubMain"_s,
-                                                         itemCaption(item)));
+        show(u' ' +
+             quillon::QuillonSystem().ReadSetting(languageFolder() + u"/menutips.dll"_s, mainForm, itemCaption(item)));
     });
 }
 

@@ -1,6 +1,7 @@
 #include "core/launcher.h"
 
 #include "core/datatree.h"
+#include "core/formnames.h"
 #include "core/settings.h"
 #include "core/texts.h"
 #include "quillon/system/platform.h"
@@ -73,8 +74,8 @@ bool exitProgram(const ApplicationGlobals &globals, bool stopScheduler, const Ex
         return false;
     }
     steps.restoreWindowHooks();
-    for (const QString &form : {u"frmPubOptions"_s, u"frmPubSender"_s, u"frmPubSelCts"_s, u"frmPubTemplates"_s,
-                                u"frmPubProgress"_s, u"frmPubAbout"_s, u"frmPubSplash"_s, u"frmPubSchedule"_s}) {
+    for (const QString &form :
+         {optionsForm, senderForm, contactsForm, templatesForm, progressForm, aboutForm, splashForm, scheduleForm}) {
         steps.unloadForm(form);
     }
     steps.closeHelp();

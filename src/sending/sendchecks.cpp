@@ -1,5 +1,6 @@
 #include "sending/sendchecks.h"
 
+#include "core/formnames.h"
 #include "core/recipiententry.h"
 #include "core/settings.h"
 #include "core/texts.h"
@@ -15,16 +16,13 @@ namespace {
 
 using Field = Message::Field;
 
-constexpr int proxyTab = 0;
-constexpr int accountsTab = 1;
-
 /// What a failed check shows, and where it leads: to the field that is to be mended, or to a tab of the options.
 struct CheckFault {
     QString key;
     int style = quillon::InformationBox;
     std::optional<QString> value; ///< shown in front of the text
     std::optional<Field> field;
-    int optionsTab = -1;
+    int optionsTab = noTab;
 };
 
 using CheckResult = std::optional<CheckFault>;
@@ -36,10 +34,10 @@ CheckResult checkProxy(const ApplicationGlobals &globals)
     }
     const QString proxy = globals.settings.text(Setting::DefaultProxy);
     if (recordField(proxy, ProxyAddress).isEmpty()) {
-        return CheckFault{u"PROXY_ADDRESS"_s, quillon::InformationBox, {}, {}, proxyTab};
+        return CheckFault{u"PROXY_ADDRESS"_s, quillon::InformationBox, {}, {}, ProxyTab};
     }
     if (recordField(proxy, ProxyAuthentication) == "Y"_L1 && recordField(proxy, ProxyUser).isEmpty()) {
-        return CheckFault{u"PROXY_USER"_s, quillon::InformationBox, {}, {}, proxyTab};
+        return CheckFault{u"PROXY_USER"_s, quillon::InformationBox, {}, {}, ProxyTab};
     }
     return std::nullopt;
 }
@@ -49,7 +47,7 @@ CheckResult checkAccount(const QString &account)
     if (!account.isEmpty()) {
         return std::nullopt;
     }
-    return CheckFault{u"NEED_SMTP_S"_s, quillon::PlainBox, {}, {}, accountsTab};
+    return CheckFault{u"NEED_SMTP_S"_s, quillon::PlainBox, {}, {}, AccountTab};
 }
 
 struct SenderCheck {
@@ -143,7 +141,7 @@ quillon::Task<std::optional<RunValues>> checkMessage(const ApplicationGlobals &g
         window.setFocus(*fault->field);
     } else {
         co_await quillon::fromEventLoop(
-            [tab = fault->optionsTab] { quillon::prompts().showModalForm(u"frmPubOptions"_s, tab); });
+            [tab = fault->optionsTab] { quillon::prompts().showModalForm(optionsForm, tab); });
     }
     co_return std::nullopt;
 }

@@ -1,5 +1,6 @@
 #include "shell/trayicon.h"
 
+#include "core/formnames.h"
 #include "quillon/forms/formtexts.h"
 #include "shell/shelltexts.h"
 
@@ -78,7 +79,7 @@ TrayIcon::TrayIcon(QWidget *window, Hooks hooks, const QString &menusFile)
         }
     });
     buildMenu();
-    quillon::applyMenuSection(m_menu.get(), u"frmPubSender"_s, menusFile);
+    quillon::applyMenuSection(m_menu.get(), senderForm, menusFile);
     m_icon->setContextMenu(m_menu.get());
     m_icon->setToolTip(productTip());
     connect(m_icon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {

@@ -1,5 +1,7 @@
 #include "core/forms/frmpubsplash.h"
 
+#include "core/formnames.h"
+
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QLinearGradient>
@@ -25,7 +27,7 @@ frmPubSplash::frmPubSplash(std::function<void()> handOver, const QPixmap &pictur
     : QWidget(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint), m_handOver(std::move(handOver)), m_picture(picture),
       m_timer(new QTimer(this))
 {
-    setObjectName(u"frmPubSplash"_s);
+    setObjectName(splashForm);
     setWindowTitle(QGuiApplication::applicationDisplayName());
     m_timer->setObjectName(u"tim"_s);
     m_timer->setInterval(splashMilliseconds);

@@ -1,5 +1,6 @@
 #include "macros/forms/frmpubmacro.h"
 
+#include "core/formnames.h"
 #include "core/texts.h"
 #include "macros/forms/macroitem.h"
 #include "macros/placeholders.h"
@@ -141,10 +142,9 @@ void frmPubMacro::edit()
 
 void frmPubMacro::showDetail(frmPubMacroDetail::Task task)
 {
-    const QString detail = u"frmPubMacroDetail"_s;
-    if (auto *form = m_forms.as<frmPubMacroDetail>(detail)) {
+    if (auto *form = m_forms.as<frmPubMacroDetail>(macroDetailForm)) {
         form->begin(std::move(task));
-        quillon::prompts().showModalForm(detail, -1);
+        quillon::prompts().showModalForm(macroDetailForm, noTab);
     }
 }
 

@@ -129,7 +129,7 @@ void frmPubOptions::makeTabs()
         return [this, form](RecordDialog::Task task) {
             if (auto *shown = m_forms.as<RecordDialog>(form)) {
                 shown->begin(std::move(task));
-                quillon::prompts().showModalForm(form, -1);
+                quillon::prompts().showModalForm(form, noTab);
             }
         };
     };
@@ -139,9 +139,9 @@ void frmPubOptions::makeTabs()
     };
     RecordButtons accountButtons = buttonsOf(this, u"sbtSMTP"_s, usualOrder);
     accountButtons.add = nullptr; // a menu adds
-    makePresetMenu(tab(m_accounts, u"lsv(3)"_s, accountButtons, dialog(u"frmPubSMTP"_s)));
-    tab(m_proxies, u"lsv(2)"_s, buttonsOf(this, u"sbtProxy"_s, proxyOrder), dialog(u"frmPubProxy"_s));
-    tab(m_senders, u"lsv(0)"_s, buttonsOf(this, u"sbtSender"_s, usualOrder), dialog(u"frmPubSender"_s));
+    makePresetMenu(tab(m_accounts, u"lsv(3)"_s, accountButtons, dialog(accountForm)));
+    tab(m_proxies, u"lsv(2)"_s, buttonsOf(this, u"sbtProxy"_s, proxyOrder), dialog(proxyForm));
+    tab(m_senders, u"lsv(0)"_s, buttonsOf(this, u"sbtSender"_s, usualOrder), dialog(senderForm));
     tab(m_signatures, u"lsv(1)"_s, buttonsOf(this, u"sbtSign"_s, signatureOrder), {});
     m_signatureTab = new SignatureTab(this, m_signatures, m_globals, m_hooks.macroItems);
     m_settings = new SettingsTab(

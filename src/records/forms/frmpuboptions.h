@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/formnames.h"
 #include "core/globals.h"
 #include "message/message.h"
 #include "quillon/forms/tabbedform.h"
@@ -42,8 +43,6 @@ class frmPubOptions : public QDialog, public quillon::TabbedForm {
     Q_OBJECT
 
 public:
-    enum Tab { ProxyTab, AccountTab, SenderTab, SignaturesTab, OtherTab };
-
     /// @p forms knows the dialogs of the lists. All of the arguments outlive the dialog.
     /// @p message is asked for its list of encodings.
     frmPubOptions(ApplicationGlobals &globals, Message &message, quillon::FormRegistry &forms, OptionsHooks hooks);

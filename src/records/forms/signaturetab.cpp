@@ -1,5 +1,6 @@
 #include "records/forms/signaturetab.h"
 
+#include "core/formnames.h"
 #include "core/texts.h"
 #include "quillon/forms/arraynames.h"
 #include "quillon/forms/boxtext.h"
@@ -92,7 +93,7 @@ void SignatureTab::show()
     // What is typed where it has no file would be lost, and a text that could not be read would be written over.
     m_text->setReadOnly(!m_writable);
     m_text->setPlaceholderText(
-        m_writable ? QString() : formText(u"frmPubOptions"_s, present ? u"utbSign.unreadable"_s : u"utbSign.none"_s));
+        m_writable ? QString() : formText(optionsForm, present ? u"utbSign.unreadable"_s : u"utbSign.none"_s));
     m_showing = false;
 }
 

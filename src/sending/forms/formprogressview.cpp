@@ -1,5 +1,6 @@
 #include "sending/forms/formprogressview.h"
 
+#include "core/formnames.h"
 #include "quillon/forms/formregistry.h"
 #include "sending/forms/frmpubprogress.h"
 
@@ -9,7 +10,7 @@ namespace corvane {
 
 frmPubProgress *FormProgressView::form() const
 {
-    return m_forms.as<frmPubProgress>(u"frmPubProgress"_s);
+    return m_forms.as<frmPubProgress>(progressForm);
 }
 
 bool FormProgressView::isVisible() const

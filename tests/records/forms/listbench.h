@@ -30,7 +30,7 @@ inline QList<TabFacts> tabs()
 {
     const auto text = [](const char *name) { return QString::fromLatin1(name); };
     return {{proxyFacts(),
-             corvane::frmPubOptions::ProxyTab,
+             corvane::ProxyTab,
              2,
              text("sbtProxy"),
              text("frmPubProxy"),
@@ -52,7 +52,7 @@ inline QList<TabFacts> tabs()
              text("sbtSC"),
              text("sbtClose")},
             {accountFacts(),
-             corvane::frmPubOptions::AccountTab,
+             corvane::AccountTab,
              3,
              text("sbtSMTP"),
              text("frmPubSMTP"),
@@ -74,7 +74,7 @@ inline QList<TabFacts> tabs()
              text("sbtSC"),
              text("sbtClose")},
             {senderFacts(),
-             corvane::frmPubOptions::SenderTab,
+             corvane::SenderTab,
              0,
              text("sbtSender"),
              text("frmPubSender"),

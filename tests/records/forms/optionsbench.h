@@ -39,7 +39,7 @@ inline const QString oneProxy = QStringLiteral("Socks5\tproxy.example\t1080\tN\t
 /// The options dialog over a data tree of its own, driven by the names of its controls.
 class OptionsBench {
 public:
-    using Tab = corvane::frmPubOptions::Tab;
+    using Tab = corvane::OptionsTab;
 
     OptionsBench()
     {

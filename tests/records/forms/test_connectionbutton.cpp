@@ -9,7 +9,7 @@ using namespace corvane;
 using quillon::MailTransport;
 using testsupport::ChildServer;
 using testsupport::ScriptedServer;
-using Tab = frmPubOptions::Tab;
+using Tab = OptionsTab;
 
 class TestConnectionButton : public ConnectionBench {
     Q_OBJECT

@@ -9,7 +9,7 @@
 using namespace Qt::StringLiterals;
 using namespace corvane;
 using testsupport::ScriptedServer;
-using Tab = frmPubOptions::Tab;
+using Tab = OptionsTab;
 
 /// Where the form could leave its user: with a hidden field, a wide window, another row, an hourglass.
 class TestOptionFaults : public QObject {

@@ -4,7 +4,7 @@
 using namespace Qt::StringLiterals;
 using namespace corvane;
 using quillon::BoxAnswer;
-using Tab = frmPubOptions::Tab;
+using Tab = OptionsTab;
 
 class TestOptionKeys : public QObject {
     Q_OBJECT

@@ -7,7 +7,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
-using Tab = frmPubOptions::Tab;
+using Tab = OptionsTab;
 
 namespace {
 

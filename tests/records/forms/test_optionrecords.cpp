@@ -169,7 +169,7 @@ void TestOptionRecords::thousandsOfRecordsAreShown()
     clock.start();
     QWidget *form = bench.form();
     const qint64 made = clock.elapsed();
-    bench.open(frmPubOptions::AccountTab);
+    bench.open(AccountTab);
     qInfo("5,000 accounts and 5,000 senders: made after %lld ms, shown after %lld ms", made, clock.elapsed());
     QVERIFY(form->isVisible());
     QCOMPARE(bench.lsv(3)->model()->rowCount(), 5000);

@@ -2,7 +2,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
-using Tab = frmPubOptions::Tab;
+using Tab = OptionsTab;
 
 class TestOptionRestore : public QObject {
     Q_OBJECT

@@ -5,7 +5,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
-using Tab = frmPubOptions::Tab;
+using Tab = OptionsTab;
 
 class TestOptionSettings : public QObject {
     Q_OBJECT

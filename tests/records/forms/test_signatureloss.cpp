@@ -4,7 +4,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
-using Tab = frmPubOptions::Tab;
+using Tab = OptionsTab;
 
 /// What could cost a signature's text or its name.
 class TestSignatureLoss : public QObject {

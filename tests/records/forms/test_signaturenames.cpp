@@ -3,7 +3,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
-using Tab = frmPubOptions::Tab;
+using Tab = OptionsTab;
 
 class TestSignatureNames : public QObject {
     Q_OBJECT

@@ -6,7 +6,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
-using Tab = frmPubOptions::Tab;
+using Tab = OptionsTab;
 
 class TestSignatureTab : public QObject {
     Q_OBJECT
