@@ -1,7 +1,7 @@
 #include "app/runprogram.h"
 
 #include "app/program.h"
-#include "composer/artwork.h"
+#include "core/forms/artwork.h"
 #include "core/instancelock.h"
 #include "core/launcher.h"
 #include "quillon/fault.h"

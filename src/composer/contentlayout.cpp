@@ -1,7 +1,7 @@
 #include "composer/contentlayout.h"
 
-#include "composer/artwork.h"
 #include "composer/composertexts.h"
+#include "core/forms/artwork.h"
 
 #include <QAction>
 

@@ -1,6 +1,6 @@
 #include "composer/mainicons.h"
 
-#include "composer/artwork.h"
+#include "core/forms/artwork.h"
 
 #include <QAbstractButton>
 #include <QAction>

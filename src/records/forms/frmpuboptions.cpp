@@ -1,5 +1,6 @@
 #include "records/forms/frmpuboptions.h"
 
+#include "core/forms/artwork.h"
 #include "core/settings.h"
 #include "core/site.h"
 #include "core/texts.h"
@@ -22,7 +23,6 @@
 #include <QGuiApplication>
 #include <QMenu>
 #include <QPointer>
-#include <QStyle>
 
 #include <utility>
 
@@ -178,8 +178,8 @@ void frmPubOptions::connectButtons()
     auto *help = findChild<QAbstractButton *>(u"sbt(3)"_s);
     help->setEnabled(static_cast<bool>(m_hooks.help));
     connect(help, &QAbstractButton::clicked, this, [this] { m_hooks.help(); });
-    findChild<QAbstractButton *>(u"sbtSign(5)"_s)->setIcon(style()->standardIcon(QStyle::SP_DirOpenIcon));
-    findChild<QAbstractButton *>(u"sbtSign(6)"_s)->setIcon(style()->standardIcon(QStyle::SP_FileIcon));
+    findChild<QAbstractButton *>(u"sbtSign(5)"_s)->setIcon(themeIcon(u"fileadd"_s));
+    findChild<QAbstractButton *>(u"sbtSign(6)"_s)->setIcon(themeIcon(u"open"_s));
 }
 
 void frmPubOptions::addKeys()

@@ -1,3 +1,4 @@
+#include "core/forms/artwork.h"
 #include "optionsbench.h"
 #include "records/signaturerecords.h"
 
@@ -37,6 +38,7 @@ private Q_SLOTS:
     void oddRuleAFileSignatureDeletesTheTextsOfNamesThatBeginWithItsOwn();
     void tabsInAPathBecomeBlanks();
     void controlAWithTheListInFocusSelectsTheText();
+    void theButtonsOfAFileBearTheProgramsOwnDrawings();
 
 private:
     /// An existing file that a signature can name.
@@ -382,6 +384,16 @@ void TestSignatureTab::controlAWithTheListInFocusSelectsTheText()
     QTest::keyClick(bench.lsv(1), Qt::Key_A, Qt::ControlModifier);
     QCOMPARE(bench.utbSign()->textCursor().selectedText(), u"Ann"_s);
     QCOMPARE(bench.selectedRows(1), QStringList{u"Short"_s});
+}
+
+void TestSignatureTab::theButtonsOfAFileBearTheProgramsOwnDrawings()
+{
+    OptionsBench bench;
+    const auto drawing = [](const QIcon &icon) { return icon.pixmap(QSize(32, 32)).toImage(); };
+    QVERIFY(!drawing(themeIcon(u"open"_s)).isNull());
+    QCOMPARE(drawing(bench.sign(5)->icon()), drawing(themeIcon(u"fileadd"_s)));
+    QCOMPARE(drawing(bench.sign(6)->icon()), drawing(themeIcon(u"open"_s)));
+    QVERIFY(drawing(bench.sign(5)->icon()) != drawing(bench.sign(6)->icon()));
 }
 
 QTEST_MAIN(TestSignatureTab)

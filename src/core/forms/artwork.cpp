@@ -1,4 +1,4 @@
-#include "composer/artwork.h"
+#include "core/forms/artwork.h"
 
 #include <QGuiApplication>
 #include <QIconEngine>
