@@ -90,7 +90,7 @@ int main(int argc, char **argv)
         QApplication::processEvents();
     };
     const auto open = [&] {
-        dialog = std::make_unique<corvane::frmPubPrompt>(globals, memory.entries());
+        dialog = std::make_unique<corvane::frmPubPrompt>(globals, memory.entries(), nothing);
         dialog->show();
         paint();
     };

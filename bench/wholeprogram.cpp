@@ -169,11 +169,19 @@ QJsonObject measureProgram(const BenchTask &task)
     quillon::setPrompts(&nobody);
     quillon::FormRegistry forms;
     MainHooks hooks;
+    hooks.send = [] {};
+    hooks.exitProgram = [](bool) {};
     hooks.findSmtpRecord = [&globals](const QString &text) { return FindSmtpRecord(globals, text); };
+    hooks.insertIntoSignature = [](const QString &) { return false; };
+    hooks.findSignature = [&globals](const QString &name) { return signatureText(globals, name); };
+    hooks.showForm = [](const QString &, int) {};
+    hooks.optionsOpen = [] { return false; };
+    hooks.showProgress = [] { return false; };
+    hooks.loadLists = hooks.checkAccount = hooks.readPrompts = hooks.minimised = hooks.closed = [] {};
     frmPubMain main(globals, std::move(hooks));
     main.load();
     main.show();
-    forms.add(u"frmPubProgress"_s, [] { return new frmPubProgress({}); });
+    forms.add(u"frmPubProgress"_s, [] { return new frmPubProgress({[] {}, [] {}, [] {}}); });
     fill(main, task);
 
     WatchedProgress progress(forms);

@@ -10,6 +10,7 @@
 #include "macros/forms/frmpubmacrodetail.h"
 #include "macros/macrocatalogue.h"
 #include "quillon/forms/windowservices.h"
+#include "quillon/hook.h"
 #include "recipients/forms/frmpubprompt.h"
 #include "records/accountrecords.h"
 #include "records/forms/frmpubproxy.h"
@@ -28,6 +29,8 @@
 #include <QPlainTextEdit>
 #include <QTimer>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace corvane {
@@ -39,17 +42,20 @@ constexpr int maximised = 3;
 
 } // namespace
 
-Program::Program(const QString &programFolder, bool stopOnFault)
-    : m_stopOnFault(stopOnFault), m_asker(m_forms), m_recipients(m_globals), m_progress(m_forms)
+Program::Program(const QString &programFolder, bool stopOnFault, ProgramServices services)
+    : m_stopOnFault(stopOnFault), m_services(std::move(services)), m_asker(m_forms),
+      m_before(quillon::setPrompts(m_services.prompts ? m_services.prompts : &m_asker)), m_recipients(m_globals),
+      m_progress(m_forms)
 {
+    quillon::requireHook(m_services.trayAvailable, u"ProgramServices::trayAvailable"_s);
+    quillon::requireHook(m_services.quit, u"ProgramServices::quit"_s);
     m_globals.programFolder = programFolder;
-    quillon::setPrompts(&m_asker);
     qApp->installEventFilter(this);
 }
 
 Program::~Program()
 {
-    quillon::setPrompts(nullptr);
+    quillon::setPrompts(m_before);
 }
 
 void Program::start()
@@ -64,16 +70,21 @@ void Program::addForms()
     m_forms.add(splashForm,
                 [this] { return new frmPubSplash([this] { handOverFromSplash(); }, QPixmap(u":/splash.svg"_s)); });
     m_forms.add(progressForm, [this] {
-        return new frmPubProgress({[this] { m_run->requestStop(); }, [this] { m_forms.unload(progressForm); }});
+        return new frmPubProgress({[this] { m_run->requestStop(); }, [this] { m_forms.unload(progressForm); },
+                                   helpOn(u"sending-progress.htm"_s)});
     });
     m_forms.add(optionsForm,
                 [this] { return new frmPubOptions(m_globals, m_main->message(), m_forms, optionsHooks()); });
     m_forms.add(accountForm, [this] { return new frmPubSMTP(helpOn(u"smtp-editor.htm"_s)); });
     m_forms.add(proxyForm, [this] { return new frmPubProxy(helpOn(u"proxy-editor.htm"_s)); });
     m_forms.add(senderForm, [this] { return new frmPubSender(helpOn(u"sender-editor.htm"_s)); });
-    m_forms.add(macrosForm, [this] { return new frmPubMacro(m_globals, m_forms, {[this] { loadMacroMenu(); }, {}}); });
-    m_forms.add(macroDetailForm, [] { return new frmPubMacroDetail; });
-    m_forms.add(promptsForm, [this] { return new frmPubPrompt(m_globals, m_recipients.entries()); });
+    m_forms.add(macrosForm, [this] {
+        return new frmPubMacro(m_globals, m_forms, {[this] { loadMacroMenu(); }, helpOn(u"macros-manager.htm"_s)});
+    });
+    m_forms.add(macroDetailForm, [this] { return new frmPubMacroDetail(helpOn(u"macro-editor.htm"_s)); });
+    m_forms.add(promptsForm, [this] {
+        return new frmPubPrompt(m_globals, m_recipients.entries(), helpOn(u"prompts-manager.htm"_s));
+    });
 }
 
 void Program::makeMainWindow()
@@ -92,17 +103,14 @@ void Program::makeMainWindow()
     hooks.checkAccount = [this] { checkAccount(); };
     hooks.readPrompts = [this] { m_recipients.upsReadPrompts(); };
     hooks.minimised = [this] { m_tray->minimised(); };
-    // Not quit(), which asks every window first, and a box may say no.
-    hooks.closed = [] { QCoreApplication::exit(); };
+    hooks.closed = m_services.quit;
     m_main = std::make_unique<frmPubMain>(m_globals, std::move(hooks));
     m_run = std::make_unique<SendRun>(
         SendRun::Rooms{m_globals, m_main->message(), m_main->view(), m_progress, m_recipients});
     m_tray = std::make_unique<TrayIcon>(
         m_main.get(),
         TrayIcon::Hooks{[this](const QString &name) { return m_main->findChild<QAction *>(name); },
-                        [this](bool restoring) { m_globals.RestoringFromLast = restoring; },
-                        {},
-                        {}},
+                        [this](bool restoring) { m_globals.RestoringFromLast = restoring; }, m_services.trayAvailable},
         languageFolder() + u"/menus.dll"_s);
 }
 
@@ -205,7 +213,7 @@ bool Program::showProgress()
 void Program::exit(bool stopScheduler)
 {
     exitProgram(m_globals, stopScheduler,
-                {[] { return false; }, [] {},
+                {[] { return false; },
                  [this](const QString &form) {
                      // From here on nobody is asked, also not by a form that closes.
                      quillon::setPrompts(&m_silence);
@@ -231,7 +239,7 @@ bool Program::eventFilter(QObject *watched, QEvent *event)
     if (m_main) {
         end();
     } else {
-        QCoreApplication::exit();
+        m_services.quit();
     }
     return true;
 }

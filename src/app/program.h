@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/programservices.h"
 #include "core/globals.h"
 #include "quillon/forms/formregistry.h"
 #include "quillon/forms/qtprompts.h"
@@ -24,11 +25,16 @@ class Program : public QObject {
     Q_OBJECT
 
 public:
-    Program(const QString &programFolder, bool stopOnFault);
+    Program(const QString &programFolder, bool stopOnFault, ProgramServices services);
     ~Program() override;
 
     /// Prepares the data and shows the splash, which hands over to the main window.
     void start();
+
+    /// All forms but the main window.
+    [[nodiscard]] quillon::FormRegistry &forms() { return m_forms; }
+    /// The main window; nullptr until the splash hands over.
+    [[nodiscard]] frmPubMain *mainWindow() { return m_main.get(); }
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -55,9 +61,11 @@ private:
 
     ApplicationGlobals m_globals;
     bool m_stopOnFault;
+    ProgramServices m_services;
     quillon::FormRegistry m_forms;
     quillon::QtPrompts m_asker;
     quillon::HarmlessPrompts m_silence; ///< in force once the program ends
+    quillon::Prompts *m_before;         ///< in force again when this object is gone
     InputPrompts m_recipients;
     FormProgressView m_progress;
     std::unique_ptr<frmPubMain> m_main;

@@ -36,7 +36,7 @@ int runProgram(const QString &programFolder, const QStringList &arguments)
     quillon::setStopOnFault(stopOnFault);
 
     const quillon::QtOpener opener;
-    Program program(programFolder, stopOnFault);
+    Program program(programFolder, stopOnFault, desktopServices());
     program.start();
     return QApplication::exec();
 }

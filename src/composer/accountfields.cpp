@@ -34,7 +34,7 @@ AccountFields::AccountFields(QComboBox *account, const std::array<Follower, 2> &
 
 void AccountFields::follow()
 {
-    m_record = m_findRecord ? m_findRecord(m_account->currentText()) : QString();
+    m_record = m_findRecord(m_account->currentText());
     m_account->setProperty("Tag", m_record);
     for (const Follower &follower : m_followers) {
         if (follower.actual->isChecked()) {

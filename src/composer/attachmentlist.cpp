@@ -4,6 +4,7 @@
 #include "core/texts.h"
 #include "quillon/fault.h"
 #include "quillon/forms/windowservices.h"
+#include "quillon/hook.h"
 
 #include <QDirIterator>
 #include <QFileInfo>
@@ -59,6 +60,8 @@ bool isDriveRoot(const QString &path)
 AttachmentList::AttachmentList(QListWidget *list, const quillon::QuillonSystem &system, Hooks hooks)
     : m_list(list), m_system(system), m_hooks(std::move(hooks))
 {
+    quillon::requireHook(m_hooks.changed, u"AttachmentList::changed"_s);
+    quillon::requireHook(m_hooks.done, u"AttachmentList::done"_s);
 }
 
 QStringList AttachmentList::paths() const

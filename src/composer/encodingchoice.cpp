@@ -56,7 +56,7 @@ void EncodingChoice::fill(const QString &entries)
     m_hidden->clear();
     m_hidden->addItems(pairs);
     setComboList(m_shown, names);
-    rebuildItemArray(m_menu, m_base, names, true);
+    rebuildItemArray(m_menu, m_base, names);
     auto *group = new QActionGroup(m_menu);
     group->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional); // a radio mark, or none
     for (QAction *item : itemArray(m_menu, m_base)) {

@@ -44,17 +44,10 @@ constexpr int encodingWidth = 40;        // characters
 constexpr double toolbarFontScale = 0.9; // lets all captions fit on a screen of 1024 pixels
 const QString versionText = u"5.22"_s;
 
-void call(const std::function<void()> &hook)
-{
-    if (hook) {
-        hook();
-    }
-}
-
 } // namespace
 
 frmPubMain::frmPubMain(ApplicationGlobals &globals, MainHooks hooks)
-    : m_globals(globals), m_hooks(std::move(hooks)), m_ui(std::make_unique<Ui::frmPubMain>())
+    : m_globals(globals), m_hooks(requireAll(std::move(hooks))), m_ui(std::make_unique<Ui::frmPubMain>())
 {
     m_ui->setupUi(this);
     quillon::adoptArrayNames(this);
@@ -163,9 +156,8 @@ void frmPubMain::makeConcerns()
     new GrowingBoxes(c.txt, c.attachments, c.header, centralWidget());
     m_commands = new CommandTable(
         this, mainCommands({m_hooks, m_globals, *m_message, *m_view, *m_edit, *m_layout, *m_views, *m_attachments}));
-    new StatusHints(
-        this, {statusBar(), c.panel[1], c.panel[2]},
-        {[this] { return m_hooks.sending && m_hooks.sending(); }, [this](int panel) { clickPanel(panel); }});
+    new StatusHints(this, {statusBar(), c.panel[1], c.panel[2]},
+                    {[this] { return m_hooks.sending(); }, [this](int panel) { clickPanel(panel); }});
 }
 
 void frmPubMain::watchDateChoice()
@@ -189,7 +181,7 @@ void frmPubMain::watchChanges()
 {
     const auto changed = [this] {
         // That dialog refills the boxes of this window, which is nothing that the user did to the message.
-        if (!m_hooks.optionsOpen || !m_hooks.optionsOpen()) {
+        if (!m_hooks.optionsOpen()) {
             m_message->pblnChanged = true;
         }
     };
@@ -207,13 +199,11 @@ void frmPubMain::watchChanges()
 void frmPubMain::load()
 {
     applyTexts();
-    call(m_hooks.checkForUpdate);
     fillNewMessage();
-    call(m_hooks.checkAccount);
-    call(m_hooks.installTray);
+    m_hooks.checkAccount();
     m_message->pblnChanged = false;
     applyStartup();
-    call(m_hooks.readPrompts);
+    m_hooks.readPrompts();
 }
 
 void frmPubMain::applyTexts()
@@ -227,7 +217,7 @@ void frmPubMain::fillNewMessage()
 {
     m_view->mblnReady = false;
     m_encodings->fill(m_globals.text.GetEncodingList());
-    call(m_hooks.loadLists);
+    m_hooks.loadLists();
     ResetMessageOptions();
     m_message->setText(Message::Field::Encoding, EncodingDisplayName());
     if (const QString &account = m_globals.settings.text(Setting::DefaultAccount); !account.isEmpty()) {
@@ -272,7 +262,7 @@ void frmPubMain::setMacroMenu(const QStringList &captions)
 {
     auto *menu = findChild<QMenu *>(u"menim"_s);
     auto *base = findChild<QAction *>(u"menimsa(0)"_s);
-    rebuildItemArray(menu, base, captions, true);
+    rebuildItemArray(menu, base, captions);
     const QList<QAction *> items = itemArray(menu, base);
     for (const QAction *item : items) {
         connect(item, &QAction::triggered, this, [this, item] { insertMacro(itemCaption(item)); });
@@ -283,7 +273,7 @@ void frmPubMain::setMacroMenu(const QStringList &captions)
 void frmPubMain::insertMacro(const QString &macro)
 {
     quillon::QuillonWindows().SetClipboardText(macro);
-    if (m_hooks.insertIntoSignature && m_hooks.insertIntoSignature(macro)) {
+    if (m_hooks.insertIntoSignature(macro)) {
         return;
     }
     m_controls->utbContent->insertPlainText(macro);
@@ -307,7 +297,7 @@ void frmPubMain::applyStartup()
 
 void frmPubMain::clickPanel(int panel)
 {
-    if (m_hooks.showProgress && m_hooks.showProgress()) {
+    if (m_hooks.showProgress()) {
         return;
     }
     if (const Command *about = m_commands->command(u"menha"_s); panel == 2 && about && about->run) {
@@ -318,7 +308,7 @@ void frmPubMain::clickPanel(int panel)
 void frmPubMain::tellMinimised()
 {
     if (isVisible() && isMinimized() && !m_toldMinimised) {
-        call(m_hooks.minimised);
+        m_hooks.minimised();
     }
 }
 
@@ -362,14 +352,14 @@ void frmPubMain::closeEvent(QCloseEvent *event)
     if (Tag == u"EXITWITHMENU" || qGuiApp->isSavingSession()) {
         Tag.clear();
         event->accept();
-        call(m_hooks.closed);
+        m_hooks.closed();
         return;
     }
     event->ignore();
     // Straight into the tray where there is one: a window that was minimised by the program itself asks to be shown
     // minimised, and the window manager may read that when the window comes back, and minimise it again.
     if (isVisible()) {
-        call(m_hooks.minimised);
+        m_hooks.minimised();
     }
     if (isVisible()) {
         const QScopedValueRollback told(m_toldMinimised, true);

@@ -36,8 +36,8 @@ public:
     frmPubMain(ApplicationGlobals &globals, MainHooks hooks);
     ~frmPubMain() override;
 
-    /// Fills the window once, before it is shown for the first time: texts, update check, the new message, the question
-    /// for an account, the tray, the state of the window, the input prompts. The timer `timPos` is left standing.
+    /// Fills the window once, before it is shown for the first time: texts, the new message, the question for an
+    /// account, the state of the window, the input prompts. The timer `timPos` is left standing.
     void load();
 
     /// Before a window is shown at its remembered place it is put there: later the window manager has its say.

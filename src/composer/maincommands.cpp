@@ -46,10 +46,10 @@ void viewLog(const ApplicationGlobals &globals)
     }
 }
 
-/// A hook with its argument as a handler; no handler for no hook.
+/// A hook with its argument as a handler.
 template <typename Hook, typename... Arguments> Run from(const Hook &hook, Arguments... arguments)
 {
-    return hook ? Run([hook, arguments...] { hook(arguments...); }) : Run();
+    return [hook, arguments...] { hook(arguments...); };
 }
 
 std::vector<Command> fileCommands(const CommandTargets &t)

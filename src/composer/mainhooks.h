@@ -8,15 +8,14 @@
 
 namespace corvane {
 
-/// What the main window asks of the rooms that it does not know. An empty hook is a service that is not there: a
-/// command that needs it is disabled, a step of the loading is left out.
+/// What the main window asks of the rooms that it does not know; every one is required.
 struct MainHooks {
     std::function<void()> send;                             ///< the send run, `menfs`
     std::function<void(bool stopScheduler)> exitProgram;    ///< `menfx` with true, `menfu` with false
     std::function<QString(const QString &)> findSmtpRecord; ///< the account's line for a text of the account box
     /// Puts a macro into the signature that the options dialog shows; false when that dialog is not open.
     std::function<bool(const QString &macro)> insertIntoSignature;
-    /// A signature as it goes into the content; without it none can be inserted.
+    /// A signature as it goes into the content.
     std::function<SignatureText(const QString &name)> findSignature;
     /// Shows a modal form, on the tab of that index when it is 0 or more.
     std::function<void(const QString &form, int tab)> showForm;
@@ -25,14 +24,15 @@ struct MainHooks {
     std::function<bool()> showProgress; ///< a click on the status bar; true: it was used
 
     // Steps of the loading, in this order.
-    std::function<void()> checkForUpdate;
     std::function<void()> loadLists;    ///< accounts, senders, signatures, macros
     std::function<void()> checkAccount; ///< the question whether to set up an account
-    std::function<void()> installTray;
     std::function<void()> readPrompts;
 
     std::function<void()> minimised; ///< the visible window was minimised, or is to be: it may go to the tray
     std::function<void()> closed;    ///< the window has let itself be closed
 };
+
+/// The hooks with each one set; one that is missing is a fault and does nothing.
+[[nodiscard]] MainHooks requireAll(MainHooks hooks);
 
 } // namespace corvane

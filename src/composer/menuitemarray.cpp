@@ -33,7 +33,7 @@ QList<QAction *> itemArray(const QMenu *menu, const QAction *base)
     return items;
 }
 
-void rebuildItemArray(QMenu *menu, QAction *base, const QStringList &captions, bool enabled)
+void rebuildItemArray(QMenu *menu, QAction *base, const QStringList &captions)
 {
     qDeleteAll(itemArray(menu, base));
     const QString prefix = base->objectName().section(u'(', 0, 0);
@@ -42,7 +42,6 @@ void rebuildItemArray(QMenu *menu, QAction *base, const QStringList &captions, b
         auto *item = new QAction(shown.replace(u"&"_s, u"&&"_s), menu);
         item->setObjectName(u"%1(%2)"_s.arg(prefix).arg(i + 1));
         item->setData(captions.at(i));
-        item->setEnabled(enabled);
         menu->addAction(item);
     }
     base->setVisible(captions.isEmpty());

@@ -17,6 +17,6 @@ namespace corvane {
 
 /// Makes the items 1, 2 … of the array whose first item is @p base, which is shown only when there are no others. The
 /// former ones go. A caption stands as it is: an "&" in it makes no mnemonic.
-void rebuildItemArray(QMenu *menu, QAction *base, const QStringList &captions, bool enabled);
+void rebuildItemArray(QMenu *menu, QAction *base, const QStringList &captions);
 
 } // namespace corvane

@@ -44,7 +44,7 @@ void SignatureInsertion::setMenu(const QStringList &names, const QString &defaul
     for (const QString &name : names) {
         captions.append(!name.isEmpty() && name == defaultName ? name + defaultMark : name);
     }
-    rebuildItemArray(m_menu, m_base, captions, static_cast<bool>(m_find));
+    rebuildItemArray(m_menu, m_base, captions);
     const QList<QAction *> items = itemArray(m_menu, m_base);
     for (const QAction *item : items) {
         connect(item, &QAction::triggered, this, [this, item] { insert(itemCaption(item)); });
@@ -68,7 +68,7 @@ void SignatureInsertion::insert(const QString &caption)
 void SignatureInsertion::addAutomatic(const SettingsMemory &settings)
 {
     const QString &name = settings.text(Setting::DefaultSignature);
-    if (!m_find || !settings.isNotFalse(Setting::AutoAddSignature) || name.trimmed().isEmpty()) {
+    if (!settings.isNotFalse(Setting::AutoAddSignature) || name.trimmed().isEmpty()) {
         return;
     }
     // The format is decided later, so both bodies are filled.

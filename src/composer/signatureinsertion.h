@@ -24,7 +24,7 @@ class SignatureInsertion : public QObject {
 public:
     using Find = std::function<SignatureText(const QString &name)>;
 
-    /// @p menu is menis, @p base its item menissa(0). Without @p find no signature can be inserted.
+    /// @p menu is menis, @p base its item menissa(0).
     SignatureInsertion(QMenu *menu, QAction *base, Message &message, Window &window, EditCommands &edit, Find find);
 
     /// Makes an item for each name; that of the default says so. Without names the menu is disabled.

@@ -4,6 +4,7 @@
 #include "core/formnames.h"
 #include "core/settings.h"
 #include "core/texts.h"
+#include "quillon/hook.h"
 #include "quillon/system/platform.h"
 #include "quillon/system/quillonregistry.h"
 
@@ -51,8 +52,12 @@ void restartCompanion(const ApplicationGlobals &globals, bool stopOnFault)
     globals.system.OpenTarget(path, minimised, stopOnFault ? QStringList{u"/D"_s} : QStringList());
 }
 
-void handOver(ApplicationGlobals &globals, bool stopOnFault, const HandOver &steps)
+void handOver(ApplicationGlobals &globals, bool stopOnFault, HandOver steps)
 {
+    quillon::requireHook(steps.showMainWindow, u"HandOver::showMainWindow"_s);
+    quillon::requireHook(steps.createHiddenProgress, u"HandOver::createHiddenProgress"_s);
+    quillon::requireHook(steps.setPositionTimer, u"HandOver::setPositionTimer"_s);
+    quillon::requireHook(steps.unloadSplash, u"HandOver::unloadSplash"_s);
     // The setting is read twice on purpose: it may change while the main window loads.
     const auto startsAsLast = [&] { return globals.settings.is(Setting::Startup, startupLast); };
     if (startsAsLast()) {
@@ -68,12 +73,16 @@ void handOver(ApplicationGlobals &globals, bool stopOnFault, const HandOver &ste
     steps.unloadSplash();
 }
 
-bool exitProgram(const ApplicationGlobals &globals, bool stopScheduler, const ExitSteps &steps)
+bool exitProgram(const ApplicationGlobals &globals, bool stopScheduler, ExitSteps steps)
 {
+    quillon::requireHook(steps.saveCancelled, u"ExitSteps::saveCancelled"_s);
+    quillon::requireHook(steps.unloadForm, u"ExitSteps::unloadForm"_s);
+    quillon::requireHook(steps.closeHelp, u"ExitSteps::closeHelp"_s);
+    quillon::requireHook(steps.removeTrayIcon, u"ExitSteps::removeTrayIcon"_s);
+    quillon::requireHook(steps.unloadMainWindow, u"ExitSteps::unloadMainWindow"_s);
     if (steps.saveCancelled()) {
         return false;
     }
-    steps.restoreWindowHooks();
     for (const QString &form :
          {optionsForm, senderForm, contactsForm, templatesForm, progressForm, aboutForm, splashForm, scheduleForm}) {
         steps.unloadForm(form);

@@ -15,7 +15,7 @@ namespace corvane {
 /// mail account gone.
 void prepareProgram(ApplicationGlobals &globals);
 
-/// What the splash's timer hands over to.
+/// What the splash's timer hands over to; every step is required.
 struct HandOver {
     std::function<void()> showMainWindow;
     std::function<void()> createHiddenProgress;
@@ -24,15 +24,14 @@ struct HandOver {
 };
 
 /// Brings the main window up and restarts the companion, in this order.
-void handOver(ApplicationGlobals &globals, bool stopOnFault, const HandOver &steps);
+void handOver(ApplicationGlobals &globals, bool stopOnFault, HandOver steps);
 
 /// Ends a running companion and starts it again from the program's folder; one that is missing is no fault.
 void restartCompanion(const ApplicationGlobals &globals, bool stopOnFault);
 
-/// What the exit needs of the windows.
+/// What the exit needs of the windows; every step is required.
 struct ExitSteps {
     std::function<bool()> saveCancelled; ///< the check for an unsaved message; true: stay
-    std::function<void()> restoreWindowHooks;
     std::function<void(const QString &form)> unloadForm;
     std::function<void()> closeHelp;
     std::function<void()> removeTrayIcon;
@@ -40,6 +39,6 @@ struct ExitSteps {
 };
 
 /// The one way out of the program. False when the user stayed.
-bool exitProgram(const ApplicationGlobals &globals, bool stopScheduler, const ExitSteps &steps);
+bool exitProgram(const ApplicationGlobals &globals, bool stopScheduler, ExitSteps steps);
 
 } // namespace corvane

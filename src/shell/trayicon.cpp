@@ -2,6 +2,7 @@
 
 #include "core/formnames.h"
 #include "quillon/forms/formtexts.h"
+#include "quillon/hook.h"
 #include "shell/shelltexts.h"
 
 #include <QAction>
@@ -68,9 +69,9 @@ TrayIcon::TrayIcon(QWidget *window, Hooks hooks, const QString &menusFile)
     : m_window(window), m_hooks(std::move(hooks)), m_menu(std::make_unique<QMenu>()),
       m_icon(std::make_unique<QSystemTrayIcon>())
 {
-    if (!m_hooks.trayAvailable) {
-        m_hooks.trayAvailable = &QSystemTrayIcon::isSystemTrayAvailable;
-    }
+    quillon::requireHook(m_hooks.mainItem, u"TrayIcon::mainItem"_s);
+    quillon::requireHook(m_hooks.setRestoring, u"TrayIcon::setRestoring"_s);
+    quillon::requireHook(m_hooks.trayAvailable, u"TrayIcon::trayAvailable"_s);
     m_watch.setObjectName(u"watch"_s);
     m_watch.setInterval(watchMilliseconds);
     connect(&m_watch, &QTimer::timeout, this, [this] {
@@ -106,7 +107,7 @@ void TrayIcon::buildMenu()
         QAction *entry = m_menu->addAction(QString::fromUtf16(line.caption));
         entry->setObjectName(QString::fromUtf16(line.entry));
         connect(entry, &QAction::triggered, this, [this, mainItem] {
-            if (QAction *item = m_hooks.mainItem ? m_hooks.mainItem(mainItem) : nullptr) {
+            if (QAction *item = m_hooks.mainItem(mainItem)) {
                 item->trigger();
             }
         });
@@ -117,7 +118,7 @@ void TrayIcon::buildMenu()
 void TrayIcon::updateEntries()
 {
     for (const Forwarded &line : forwarded) {
-        const QAction *item = m_hooks.mainItem ? m_hooks.mainItem(QString::fromUtf16(line.mainItem)) : nullptr;
+        const QAction *item = m_hooks.mainItem(QString::fromUtf16(line.mainItem));
         m_menu->findChild<QAction *>(QString::fromUtf16(line.entry))->setEnabled(item && item->isEnabled());
     }
 }
@@ -144,21 +145,14 @@ void TrayIcon::restore()
         return;
     }
     // The window's own handling of the change of state must keep still meanwhile.
-    if (m_hooks.setRestoring) {
-        m_hooks.setRestoring(true);
-    }
-    if (m_hooks.restorePlacement) {
-        m_hooks.restorePlacement();
-    }
+    m_hooks.setRestoring(true);
     m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
     m_window->show();
     m_window->raise();
     m_window->activateWindow();
     m_icon->hide();
     m_watch.stop();
-    if (m_hooks.setRestoring) {
-        m_hooks.setRestoring(false);
-    }
+    m_hooks.setRestoring(false);
 }
 
 void TrayIcon::takeDown()

@@ -18,14 +18,13 @@ class TrayIcon : public QObject {
     Q_OBJECT
 
 public:
+    /// Every one is required.
     struct Hooks {
         /// The main window's menu item of that object name; nullptr when there is none.
         std::function<QAction *(const QString &)> mainItem;
         /// Told true before the window is shown again and false after.
         std::function<void(bool)> setRestoring;
-        /// Puts the window back to its former state and place; without it the window is only no longer minimised.
-        std::function<void()> restorePlacement;
-        /// Whether the desktop has a tray; the system is asked when this is not set.
+        /// Whether the desktop has a tray.
         std::function<bool()> trayAvailable;
     };
 

@@ -3,6 +3,7 @@
 #include "composer/frmpubmain.h"
 #include "core/texts.h"
 #include "records/accountrecords.h"
+#include "records/signaturerecords.h"
 #include "support/expectedprompts.h"
 #include "support/temporarytree.h"
 #include "support/testclock.h"
@@ -31,8 +32,17 @@ public:
         hooks.send = [this] { ++sends; };
         hooks.exitProgram = [this](bool stopScheduler) { exits.append(stopScheduler); };
         hooks.findSmtpRecord = [this](const QString &text) { return corvane::FindSmtpRecord(globals(), text); };
+        hooks.insertIntoSignature = [](const QString &) { return false; };
+        hooks.findSignature = [this](const QString &name) { return corvane::signatureText(globals(), name); };
+        hooks.showForm = [this](const QString &form, int tab) {
+            shown.append(form + QStringLiteral(" tab ") + QString::number(tab));
+        };
         hooks.optionsOpen = [this] { return optionsOpen; };
         hooks.sending = [this] { return sending; };
+        hooks.showProgress = [] { return false; };
+        hooks.loadLists = [] {};
+        hooks.checkAccount = [] {};
+        hooks.readPrompts = [] {};
         hooks.minimised = [this] { ++minimised; };
         hooks.closed = [this] { ++closed; };
         if (prepare) {
@@ -80,6 +90,7 @@ public:
     corvane::MainHooks hooks;
     int sends = 0;
     QList<bool> exits;
+    QStringList shown; ///< forms, each as "frmPubOptions tab 1"
     bool optionsOpen = false;
     bool sending = false;
     int minimised = 0;

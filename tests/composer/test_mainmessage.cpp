@@ -68,7 +68,6 @@ void TestMainMessage::loadStepsRunInTheirOrder()
     QStringList steps;
     bool changedBeforeTheEnd = false;
     MainFixture main([&](MainFixture &m) {
-        m.hooks.checkForUpdate = [&] { steps << u"update"_s; };
         m.hooks.loadLists = [&] { steps << u"lists"_s; };
         m.globals().settings.set(Setting::DefaultSignature, u"Formal"_s);
         m.hooks.findSignature = [&](const QString &name) {
@@ -79,11 +78,9 @@ void TestMainMessage::loadStepsRunInTheirOrder()
             steps << u"account"_s;
             changedBeforeTheEnd = m.message().pblnChanged;
         };
-        m.hooks.installTray = [&] { steps << u"tray"_s; };
         m.hooks.readPrompts = [&] { steps << u"prompts"_s; };
     });
-    QCOMPARE(steps,
-             QStringList({u"update"_s, u"lists"_s, u"signature Formal"_s, u"account"_s, u"tray"_s, u"prompts"_s}));
+    QCOMPARE(steps, QStringList({u"lists"_s, u"signature Formal"_s, u"account"_s, u"prompts"_s}));
     QVERIFY2(changedBeforeTheEnd, "the filling is a change, which the end of the loading takes back");
     QVERIFY(!main.message().pblnChanged);
 }

@@ -26,7 +26,6 @@ public:
               if (settings) {
                   settings(main.globals().settings);
               }
-              main.hooks.findSignature = [&main](const QString &name) { return signatureText(main.globals(), name); };
           })
     {
         window->setSignatureMenu(signatureNames(globals()), globals().settings.text(Setting::DefaultSignature));
@@ -58,7 +57,6 @@ private Q_SLOTS:
     void signaturesStandInTheMenuInTheOrderOfTheFile();
     void theDefaultSaysSoInTheMenu();
     void aDefaultThatIsNotListedMarksNothing();
-    void withoutTheServiceTheItemsAreDisabled();
     void aTextIsInsertedInPlaceOfTheSelection();
     void aPickGivesTheFocusToTheContent();
     void theClipboardHoldsTheTextAfterwards();
@@ -113,13 +111,6 @@ void TestSignatures::aDefaultThatIsNotListedMarksNothing()
     QCOMPARE(main.captions(), (QStringList{u"a"_s, u""_s}));
     main.window->setSignatureMenu({u"a"_s}, u"A"_s);
     QCOMPARE(main.captions(), QStringList{u"a"_s});
-}
-
-void TestSignatures::withoutTheServiceTheItemsAreDisabled()
-{
-    MainFixture main;
-    main.window->setSignatureMenu({u"a"_s}, {});
-    QVERIFY(!main.item(u"menissa(1)"_s)->isEnabled());
 }
 
 void TestSignatures::aTextIsInsertedInPlaceOfTheSelection()

@@ -2,6 +2,7 @@
 #include "core/launcher.h"
 #include "quillon/system/platform.h"
 #include "quillon/system/quillonregistry.h"
+#include "support/testprocesses.h"
 #include "support/treefixture.h"
 
 #include <QProcess>
@@ -9,32 +10,6 @@
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
-
-namespace {
-
-class RecordedProcesses : public quillon::Processes {
-public:
-    explicit RecordedProcesses(QStringList &steps) : m_steps(steps), m_before(quillon::setProcesses(this)) {}
-    ~RecordedProcesses() override { quillon::setProcesses(m_before); }
-    RecordedProcesses(const RecordedProcesses &) = delete;
-    RecordedProcesses &operator=(const RecordedProcesses &) = delete;
-
-    void end(const QString &executable, const QString &dataRoot) override
-    {
-        m_steps.append(u"end "_s + executable + u" on "_s + dataRoot);
-    }
-    bool start(const QString &program, const QStringList &arguments) override
-    {
-        m_steps.append(u"start "_s + QStringList(arguments).join(u' ').prepend(program + u' ').trimmed());
-        return true;
-    }
-
-private:
-    QStringList &m_steps;
-    quillon::Processes *m_before;
-};
-
-} // namespace
 
 class TestLauncher : public QObject, protected TreeFixture {
     Q_OBJECT
@@ -44,7 +19,8 @@ private Q_SLOTS:
     {
         makeBareTree();
         m_steps.clear();
-        m_processes = std::make_unique<RecordedProcesses>(m_steps);
+        m_processes = std::make_unique<TestProcesses>();
+        m_processes->told = [this](const QString &step) { m_steps.append(step); };
     }
     void cleanup()
     {
@@ -63,6 +39,7 @@ private Q_SLOTS:
     void exitThatLeavesTheCompanionEndsNothing();
     void cancelledSaveQuestionKeepsTheProgram();
     void oldSystemLosesItsTemporaryAccount();
+    void aStepThatIsNotSetIsAFaultByItsName();
 
 private:
     void addCompanion() const
@@ -85,15 +62,12 @@ private:
                     m_steps.append(u"save?"_s);
                     return cancelled;
                 },
-                [this] { m_steps.append(u"hooks"_s); },
-                [this](const QString &form) { m_steps.append(form); },
-                [this] { m_steps.append(u"help"_s); },
-                [this] { m_steps.append(u"tray"_s); },
-                [this] { m_steps.append(u"main"_s); }};
+                [this](const QString &form) { m_steps.append(form); }, [this] { m_steps.append(u"help"_s); },
+                [this] { m_steps.append(u"tray"_s); }, [this] { m_steps.append(u"main"_s); }};
     }
 
     QStringList m_steps;
-    std::unique_ptr<RecordedProcesses> m_processes;
+    std::unique_ptr<TestProcesses> m_processes;
 };
 
 void TestLauncher::switchIsTheWholeCommandLineInEitherCase()
@@ -159,10 +133,10 @@ void TestLauncher::companionGetsTheSwitch()
 void TestLauncher::exitGoesInItsOrder()
 {
     QVERIFY(exitProgram(m_tree->globals, true, recordedExit(false)));
-    QCOMPARE(m_steps, (QStringList{u"save?"_s, u"hooks"_s, u"frmPubOptions"_s, u"frmPubSender"_s, u"frmPubSelCts"_s,
-                                   u"frmPubTemplates"_s, u"frmPubProgress"_s, u"frmPubAbout"_s, u"frmPubSplash"_s,
-                                   u"frmPubSchedule"_s, u"help"_s,
-                                   u"end CorvaneS.exe on "_s + m_tree->globals.paths.root, u"tray"_s, u"main"_s}));
+    QCOMPARE(m_steps,
+             (QStringList{u"save?"_s, u"frmPubOptions"_s, u"frmPubSender"_s, u"frmPubSelCts"_s, u"frmPubTemplates"_s,
+                          u"frmPubProgress"_s, u"frmPubAbout"_s, u"frmPubSplash"_s, u"frmPubSchedule"_s, u"help"_s,
+                          u"end CorvaneS.exe on "_s + m_tree->globals.paths.root, u"tray"_s, u"main"_s}));
 }
 
 void TestLauncher::exitThatLeavesTheCompanionEndsNothing()
@@ -192,6 +166,20 @@ void TestLauncher::oldSystemLosesItsTemporaryAccount()
     quillon::setOsMajorVersion(10);
     QCOMPARE(registry.ReadValue(QuillonRegistry::CurrentUser, key, u"Account Name"_s), QString());
     QuillonRegistry::setFile(QString());
+}
+
+void TestLauncher::aStepThatIsNotSetIsAFaultByItsName()
+{
+    for (const char *step : {"HandOver::showMainWindow", "HandOver::createHiddenProgress", "HandOver::setPositionTimer",
+                             "HandOver::unloadSplash", "ExitSteps::saveCancelled", "ExitSteps::unloadForm",
+                             "ExitSteps::closeHelp", "ExitSteps::removeTrayIcon", "ExitSteps::unloadMainWindow"}) {
+        QTest::ignoreMessage(QtWarningMsg, qPrintable(u"hook not set: "_s + QString::fromLatin1(step)));
+    }
+    const int before = quillon::faultCount();
+    handOver(m_tree->globals, false, {});
+    QVERIFY(exitProgram(m_tree->globals, true, {}));
+    QCOMPARE(quillon::faultCount() - before, 9);
+    QCOMPARE(m_steps, QStringList(2, u"end CorvaneS.exe on "_s + m_tree->globals.paths.root));
 }
 
 QTEST_GUILESS_MAIN(TestLauncher)

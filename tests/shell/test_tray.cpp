@@ -1,3 +1,4 @@
+#include "quillon/fault.h"
 #include "shell/trayicon.h"
 
 #include <QAction>
@@ -66,7 +67,8 @@ private Q_SLOTS:
     void aRightClickLeavesTheWindowWhereItIs();
     void theMenuBringsTheWindowBack();
     void theFlagIsSetWhileTheWindowIsShown();
-    void theFormerPlaceIsRestoredBeforeTheWindowShows();
+    void aMaximisedWindowComesBackMaximised();
+    void aHookThatIsNotSetIsAFaultByItsName();
     void aSecondMinimiseAddsTheIconAgain();
     void minimisingTwiceIsOneMinimise();
     void entriesForwardToTheMainCommands();
@@ -191,19 +193,25 @@ void TestTray::theFlagIsSetWhileTheWindowIsShown()
     QVERIFY(!m_window->restoring);
 }
 
-void TestTray::theFormerPlaceIsRestoredBeforeTheWindowShows()
+void TestTray::aMaximisedWindowComesBackMaximised()
 {
-    TrayIcon::Hooks withPlace = hooks();
-    bool shownBefore = true;
-    withPlace.restorePlacement = [&] {
-        shownBefore = m_window->isVisible();
-        m_window->setWindowState(Qt::WindowMaximized);
-    };
-    m_tray = std::make_unique<TrayIcon>(m_window.get(), withPlace, QString());
+    m_window->setWindowState(Qt::WindowMinimized | Qt::WindowMaximized);
     m_tray->minimised();
     m_tray->restore();
-    QVERIFY(!shownBefore);
+    QVERIFY(m_window->isVisible());
     QVERIFY(m_window->isMaximized());
+    QVERIFY(!m_window->isMinimized());
+}
+
+void TestTray::aHookThatIsNotSetIsAFaultByItsName()
+{
+    for (const char *name : {"mainItem", "setRestoring", "trayAvailable"}) {
+        QTest::ignoreMessage(QtWarningMsg, qPrintable(u"hook not set: TrayIcon::"_s + QString::fromLatin1(name)));
+    }
+    const int before = quillon::faultCount();
+    TrayIcon tray(m_window.get(), {}, QString());
+    QCOMPARE(quillon::faultCount() - before, 3);
+    QVERIFY(!tray.minimised());
 }
 
 void TestTray::aSecondMinimiseAddsTheIconAgain()

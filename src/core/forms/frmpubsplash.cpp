@@ -1,6 +1,7 @@
 #include "core/forms/frmpubsplash.h"
 
 #include "core/formnames.h"
+#include "quillon/hook.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -27,6 +28,7 @@ frmPubSplash::frmPubSplash(std::function<void()> handOver, const QPixmap &pictur
     : QWidget(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint), m_handOver(std::move(handOver)), m_picture(picture),
       m_timer(new QTimer(this))
 {
+    quillon::requireHook(m_handOver, u"frmPubSplash::handOver"_s);
     setObjectName(splashForm);
     setWindowTitle(QGuiApplication::applicationDisplayName());
     m_timer->setObjectName(u"tim"_s);
@@ -61,9 +63,7 @@ void frmPubSplash::fire()
     }
     m_fired = true;
     m_timer->stop();
-    if (m_handOver) {
-        m_handOver();
-    }
+    m_handOver();
 }
 
 void frmPubSplash::paintEvent(QPaintEvent *event)

@@ -8,6 +8,7 @@
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formregistry.h"
 #include "quillon/forms/formtexts.h"
+#include "quillon/hook.h"
 #include "ui_frmpubmacro.h"
 
 #include <QCloseEvent>
@@ -35,11 +36,12 @@ MacroItem *macroItem(QTreeWidgetItem *item)
 frmPubMacro::frmPubMacro(const ApplicationGlobals &globals, quillon::FormRegistry &forms, Hooks hooks)
     : m_globals(globals), m_forms(forms), m_hooks(std::move(hooks)), m_ui(std::make_unique<Ui::frmPubMacro>())
 {
+    quillon::requireHook(m_hooks.loadMacroMenu, u"frmPubMacro::loadMacroMenu"_s);
+    quillon::requireHook(m_hooks.help, u"frmPubMacro::help"_s);
     m_ui->setupUi(this);
     quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
     m_ui->lblSample->setText(u"%1 %2 <%3>"_s.arg(m_ui->lblSample->text(), QString::fromUtf16(sampleRecipient),
                                                  QString::fromUtf16(sampleAddress)));
-    m_ui->sbtHelp->setEnabled(static_cast<bool>(m_hooks.help));
     connectControls();
     loadRows();
     m_ui->lsv->installEventFilter(this);
@@ -211,8 +213,8 @@ MacroItem *frmPubMacro::currentRow() const
 void frmPubMacro::closeEvent(QCloseEvent *event)
 {
     QDialog::closeEvent(event);
-    if (event->isAccepted() && m_hooks.loadMacroMenu) {
-        std::exchange(m_hooks.loadMacroMenu, {})();
+    if (event->isAccepted()) {
+        std::exchange(m_hooks.loadMacroMenu, [] {})(); // once, however often the form is closed
     }
 }
 

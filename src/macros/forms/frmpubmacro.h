@@ -31,7 +31,7 @@ class frmPubMacro : public QDialog {
 public:
     struct Hooks {
         std::function<void()> loadMacroMenu; ///< called once, when the dialog unloads
-        std::function<void()> help;          ///< opens the manual; without it the help button is disabled
+        std::function<void()> help;          ///< opens the manual
     };
 
     /// @p forms must know "frmPubMacroDetail"; both outlive the dialog.

@@ -4,6 +4,7 @@
 #include "core/texts.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formtexts.h"
+#include "quillon/hook.h"
 #include "ui_frmpubmacrodetail.h"
 
 #include <limits>
@@ -15,11 +16,11 @@ namespace corvane {
 
 frmPubMacroDetail::frmPubMacroDetail(std::function<void()> help) : m_ui(std::make_unique<Ui::frmPubMacroDetail>())
 {
+    quillon::requireHook(help, u"frmPubMacroDetail::help"_s);
     m_ui->setupUi(this);
     // These two are stored as they stand here, so they are the same in every language.
     m_ui->cbbCate->addItems({QString::fromUtf16(myInformation), QString::fromUtf16(otherInformation)});
     quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
-    m_ui->sbtHelp->setEnabled(static_cast<bool>(help));
     for (QLineEdit *edit : {m_ui->txtMacro, m_ui->txtString}) {
         edit->setMaxLength(std::numeric_limits<int>::max()); // a long text of the file is not cut
         quillon::selectAllOnFocus(edit);

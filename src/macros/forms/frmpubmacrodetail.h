@@ -29,7 +29,7 @@ public:
     };
 
     /// @p help opens the manual; without it the help button is disabled.
-    explicit frmPubMacroDetail(std::function<void()> help = {});
+    explicit frmPubMacroDetail(std::function<void()> help);
     ~frmPubMacroDetail() override;
 
     /// Prepares the dialog before it is shown.

@@ -4,6 +4,7 @@
 #include "core/texts.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formtexts.h"
+#include "quillon/hook.h"
 #include "recipients/promptmodel.h"
 #include "ui_frmpubprompt.h"
 
@@ -18,9 +19,9 @@ frmPubPrompt::frmPubPrompt(const ApplicationGlobals &globals, const QStringList 
     : m_model(new PromptModel(globals, entries, LookupText(u"NO_PROMPT"_s), this)),
       m_ui(std::make_unique<Ui::frmPubPrompt>())
 {
+    quillon::requireHook(help, u"frmPubPrompt::help"_s);
     m_ui->setupUi(this);
     quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
-    m_ui->sbtHelp->setEnabled(static_cast<bool>(help));
     connect(m_ui->sbtHelp, &QPushButton::clicked, this, [open = std::move(help)] { open(); });
     m_ui->lstRecips->setModel(m_model);
     goToRow(0);

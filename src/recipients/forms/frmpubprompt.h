@@ -23,7 +23,7 @@ class frmPubPrompt : public QDialog {
 
 public:
     /// @p entries is the list in memory. @p help opens the manual; without it the help button is disabled.
-    frmPubPrompt(const ApplicationGlobals &globals, const QStringList &entries, std::function<void()> help = {});
+    frmPubPrompt(const ApplicationGlobals &globals, const QStringList &entries, std::function<void()> help);
     ~frmPubPrompt() override;
 
 private:

@@ -9,6 +9,7 @@
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formregistry.h"
 #include "quillon/forms/formtexts.h"
+#include "quillon/hook.h"
 #include "records/accountpresets.h"
 #include "records/connectiontest.h"
 #include "records/forms/recordtab.h"
@@ -106,6 +107,10 @@ frmPubOptions::frmPubOptions(ApplicationGlobals &globals, Message &message, quil
       m_proxies(proxyKind(), headingsOf(proxyColumns), globals),
       m_accounts(accountKind(), headingsOf(accountColumns), globals), m_ui(std::make_unique<::Ui::frmPubOptions>())
 {
+    quillon::requireHook(m_hooks.refillMainWindow, u"OptionsHooks::refillMainWindow"_s);
+    quillon::requireHook(m_hooks.encodingName, u"OptionsHooks::encodingName"_s);
+    quillon::requireHook(m_hooks.macroItems, u"OptionsHooks::macroItems"_s);
+    quillon::requireHook(m_hooks.help, u"OptionsHooks::help"_s);
     m_ui->setupUi(this);
     quillon::adoptArrayNames(this);
     makeTabs();
@@ -144,9 +149,9 @@ void frmPubOptions::makeTabs()
     tab(m_senders, u"lsv(0)"_s, buttonsOf(this, u"sbtSender"_s, usualOrder), dialog(senderForm));
     tab(m_signatures, u"lsv(1)"_s, buttonsOf(this, u"sbtSign"_s, signatureOrder), {});
     m_signatureTab = new SignatureTab(this, m_signatures, m_globals, m_hooks.macroItems);
-    m_settings = new SettingsTab(
-        this, {m_hooks.encodingName ? m_hooks.encodingName : [] { return QString(); },
-               [this](const QString &displayName) { return selectEncodingOfName(m_message, displayName); }});
+    m_settings = new SettingsTab(this, {m_hooks.encodingName, [this](const QString &displayName) {
+                                            return selectEncodingOfName(m_message, displayName);
+                                        }});
 }
 
 void frmPubOptions::makePresetMenu(RecordTab *accounts)
@@ -175,9 +180,7 @@ void frmPubOptions::connectButtons()
     onClick(1, &frmPubOptions::restore);
     onClick(15, &frmPubOptions::test);
     connect(findChild<QAbstractButton *>(u"sbt(2)"_s), &QAbstractButton::clicked, this, &QWidget::close);
-    auto *help = findChild<QAbstractButton *>(u"sbt(3)"_s);
-    help->setEnabled(static_cast<bool>(m_hooks.help));
-    connect(help, &QAbstractButton::clicked, this, [this] { m_hooks.help(); });
+    connect(findChild<QAbstractButton *>(u"sbt(3)"_s), &QAbstractButton::clicked, this, [this] { m_hooks.help(); });
     findChild<QAbstractButton *>(u"sbtSign(5)"_s)->setIcon(themeIcon(u"fileadd"_s));
     findChild<QAbstractButton *>(u"sbtSign(6)"_s)->setIcon(themeIcon(u"open"_s));
 }
@@ -236,9 +239,7 @@ void frmPubOptions::loadLists()
     for (RecordList *list : {&m_proxies, &m_accounts, &m_senders, &m_signatures}) {
         list->load();
     }
-    if (m_hooks.refillMainWindow) {
-        m_hooks.refillMainWindow();
-    }
+    m_hooks.refillMainWindow();
 }
 
 void frmPubOptions::save()

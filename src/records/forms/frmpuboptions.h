@@ -30,7 +30,7 @@ class RecordTab;
 class SettingsTab;
 class SignatureTab;
 
-/// What the options dialog asks of the rooms that it does not know. An empty hook is a service that is not there.
+/// What the options dialog asks of the rooms that it does not know; every one is required.
 struct OptionsHooks {
     std::function<void()> refillMainWindow;       ///< accounts, senders and signatures, without marking a change
     std::function<QString()> encodingName;        ///< display name of the encoding in the settings

@@ -16,7 +16,7 @@ class frmPubProxy final : public RecordDialog {
 
 public:
     /// @p help opens the manual; without it the help button is disabled.
-    explicit frmPubProxy(std::function<void()> help = {});
+    explicit frmPubProxy(std::function<void()> help);
     ~frmPubProxy() override;
 
 private:

@@ -16,7 +16,7 @@ class frmPubSender final : public RecordDialog {
 
 public:
     /// @p help opens the manual; without it the help button is disabled.
-    explicit frmPubSender(std::function<void()> help = {});
+    explicit frmPubSender(std::function<void()> help);
     ~frmPubSender() override;
 
 private:

@@ -18,7 +18,7 @@ class frmPubSMTP final : public RecordDialog {
 
 public:
     /// @p help opens the manual; without it the help button is disabled.
-    explicit frmPubSMTP(std::function<void()> help = {});
+    explicit frmPubSMTP(std::function<void()> help);
     ~frmPubSMTP() override;
 
 private:

@@ -4,6 +4,7 @@
 #include "core/texts.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formtexts.h"
+#include "quillon/hook.h"
 #include "quillon/text/quillonaddress.h"
 #include "records/forms/fieldboxes.h"
 #include "records/recordtexts.h"
@@ -23,6 +24,7 @@ RecordDialog::RecordDialog() = default;
 
 void RecordDialog::setUp(Form form, std::function<void()> help)
 {
+    quillon::requireHook(help, objectName() + u"::help"_s);
     m_form = std::move(form);
     quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
     prepareBoxes();
@@ -43,7 +45,6 @@ void RecordDialog::prepareBoxes()
 void RecordDialog::connectButtons(std::function<void()> help)
 {
     const Buttons &buttons = m_form.buttons;
-    buttons.help->setEnabled(static_cast<bool>(help));
     connect(buttons.saveAndAdd, &QPushButton::clicked, this, [this] {
         if (save()) {
             beginNext();

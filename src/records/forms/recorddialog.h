@@ -85,8 +85,7 @@ protected:
     RecordDialog();
 
     /// To be called by a form's constructor when its controls are there, and before it listens to them itself. Gives
-    /// the form its texts, keys and buttons, and shows a new record. @p help opens the manual; without it the help
-    /// button is disabled.
+    /// the form its texts, keys and buttons, and shows a new record. @p help opens the manual.
     void setUp(Form form, std::function<void()> help);
 
     // Fields as most forms have them.

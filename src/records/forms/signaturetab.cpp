@@ -252,7 +252,7 @@ void SignatureTab::macro()
     QAbstractButton *button = m_buttons[Macro];
     auto *menu = new QMenu(button);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addActions(m_macroItems ? m_macroItems() : QList<QAction *>());
+    menu->addActions(m_macroItems());
     menu->popup(button->mapToGlobal(QPoint(0, button->height())));
 }
 

@@ -3,6 +3,7 @@
 #include "core/texts.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formtexts.h"
+#include "quillon/hook.h"
 #include "sending/progressview.h"
 #include "sending/sendingtexts.h"
 #include "ui_frmpubprogress.h"
@@ -24,6 +25,9 @@ constexpr std::chrono::milliseconds rest{40}; // nobody reads faster, and a fast
 
 frmPubProgress::frmPubProgress(Hooks hooks) : m_hooks(std::move(hooks)), m_ui(std::make_unique<Ui::frmPubProgress>())
 {
+    quillon::requireHook(m_hooks.requestStop, u"frmPubProgress::requestStop"_s);
+    quillon::requireHook(m_hooks.unload, u"frmPubProgress::unload"_s);
+    quillon::requireHook(m_hooks.help, u"frmPubProgress::help"_s);
     m_ui->setupUi(this);
     quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
     // The rest text is compared with, so it is the same in every language.
@@ -36,6 +40,7 @@ frmPubProgress::frmPubProgress(Hooks hooks) : m_hooks(std::move(hooks)), m_ui(st
     m_drawn.setSingleShot(true);
     connect(&m_drawn, &QTimer::timeout, this, [this] { drawTexts(true); });
     connect(m_ui->sbtCancel, &QPushButton::clicked, this, &frmPubProgress::cancel);
+    connect(m_ui->sbtHelp, &QPushButton::clicked, this, [this] { m_hooks.help(); });
     layOutAnew();
 }
 
@@ -106,12 +111,8 @@ void frmPubProgress::showEvent(QShowEvent *event)
 
 void frmPubProgress::cancel()
 {
-    if (m_hooks.requestStop) {
-        m_hooks.requestStop();
-    }
-    if (m_hooks.unload) {
-        m_hooks.unload();
-    }
+    m_hooks.requestStop();
+    m_hooks.unload();
 }
 
 void frmPubProgress::layOutAnew()

@@ -17,9 +17,11 @@ class frmPubProgress : public QDialog {
     Q_OBJECT
 
 public:
+    /// Every one is required.
     struct Hooks {
         std::function<void()> requestStop; ///< tells the run to stop before its next mail
         std::function<void()> unload;      ///< unloads this form
+        std::function<void()> help;        ///< opens the manual
     };
 
     explicit frmPubProgress(Hooks hooks);

@@ -1,4 +1,5 @@
 #include "core/forms/frmpubsplash.h"
+#include "quillon/fault.h"
 #include "quillon/forms/formregistry.h"
 
 #include <QApplication>
@@ -25,6 +26,7 @@ private Q_SLOTS:
     void aUsersCloseBeforeItsTimeIsRefused();
     void aPictureFillsTheWindow();
     void withoutAPictureTheNameIsDrawn();
+    void aHandOverThatIsNotSetIsAFault();
 
 private:
     static QTimer *timerOf(const QWidget *splash) { return splash->findChild<QTimer *>(u"tim"_s); }
@@ -41,7 +43,7 @@ private:
 
 void TestSplash::theTimerIsToldInTheForm()
 {
-    const frmPubSplash splash({});
+    const frmPubSplash splash([] {});
     QTimer *timer = timerOf(&splash);
     QVERIFY(timer);
     QCOMPARE(timer->interval(), 3000);
@@ -51,7 +53,7 @@ void TestSplash::theTimerIsToldInTheForm()
 
 void TestSplash::theTimerRunsFromTheFirstShowing()
 {
-    frmPubSplash splash({});
+    frmPubSplash splash([] {});
     QVERIFY(!timerOf(&splash)->isActive());
     splash.show();
     QVERIFY(timerOf(&splash)->isActive());
@@ -109,7 +111,7 @@ void TestSplash::theHandOverMayUnloadTheSplash()
 void TestSplash::anUnloadedSplashHandsOverNoMore()
 {
     quillon::FormRegistry forms;
-    forms.add(u"frmPubSplash"_s, [] { return new frmPubSplash({}); });
+    forms.add(u"frmPubSplash"_s, [] { return new frmPubSplash([] {}); });
     QWidget *splash = forms.form(u"frmPubSplash"_s);
     QTimer *timer = timerOf(splash);
     splash->show();
@@ -140,7 +142,7 @@ void TestSplash::aPictureFillsTheWindow()
 {
     QPixmap picture(120, 80);
     picture.fill(Qt::red);
-    frmPubSplash splash({}, picture);
+    frmPubSplash splash([] {}, picture);
     QCOMPARE(splash.size(), QSize(120, 80));
     const QImage shown = splash.grab().toImage();
     QCOMPARE(shown.pixelColor(1, 1), QColor(Qt::red));
@@ -151,12 +153,23 @@ void TestSplash::withoutAPictureTheNameIsDrawn()
 {
     QCoreApplication::setApplicationName(QString());
     QGuiApplication::setApplicationDisplayName(u" "_s);
-    frmPubSplash splash({});
+    frmPubSplash splash([] {});
     const QImage nameless = splash.grab().toImage();
     QGuiApplication::setApplicationDisplayName(u"Corvane"_s);
     const QImage named = splash.grab().toImage();
     QVERIFY(named != nameless);
     QVERIFY(named.pixelColor(0, 0) != named.pixelColor(named.width() - 1, 0));
+}
+
+void TestSplash::aHandOverThatIsNotSetIsAFault()
+{
+    const int before = quillon::faultCount();
+    QTest::ignoreMessage(QtWarningMsg, "hook not set: frmPubSplash::handOver");
+    frmPubSplash splash({});
+    QCOMPARE(quillon::faultCount() - before, 1);
+    splash.show();
+    expire(timerOf(&splash));
+    QCOMPARE(quillon::faultCount() - before, 1);
 }
 
 QTEST_MAIN(TestSplash)

@@ -96,6 +96,6 @@ public:
     TemporaryTree tree;
     TestClock clock{QDateTime(QDate(2026, 11, 21), QTime(14, 5, 9))};
     quillon::FormRegistry forms;
-    std::function<void()> help;
+    std::function<void()> help = [] {};
     int menuLoads = 0;
 };

@@ -1,4 +1,5 @@
 #include "macrofixture.h"
+#include "quillon/fault.h"
 #include "quillon/files/settingsfile.h"
 
 #include <QAccessible>
@@ -47,7 +48,8 @@ private Q_SLOTS:
     void altAAdds();
     void altEEditsAUsersRowOnly();
     void deleteDeletesAUsersRowOnly();
-    void f1OpensTheHelpOnceThereIsOne();
+    void f1AndTheButtonOpenTheHelp();
+    void aHookThatIsNotSetIsAFaultByItsName();
     void enterAndEscapeDoNothing();
     void altAInTheDetailSavesAndAdds();
     void altCInTheDetailSavesAndCloses();
@@ -101,13 +103,8 @@ void TestMacroKeys::deleteDeletesAUsersRowOnly()
     QCOMPARE(m->lines().size(), 19);
 }
 
-void TestMacroKeys::f1OpensTheHelpOnceThereIsOne()
+void TestMacroKeys::f1AndTheButtonOpenTheHelp()
 {
-    for (const QString &name : formNames) {
-        QVERIFY(!MacroFixture::get<QPushButton>(form(name), u"sbtHelp"_s)->isEnabled());
-        QTest::keyClick(form(name), Qt::Key_F1); // nothing to open
-        m->forms.unload(name);
-    }
     int opened = 0;
     m->help = [&opened] { ++opened; };
     for (const QString &name : formNames) {
@@ -120,6 +117,18 @@ void TestMacroKeys::f1OpensTheHelpOnceThereIsOne()
         QCOMPARE(opened, 2);
         m->forms.unload(name);
     }
+}
+
+void TestMacroKeys::aHookThatIsNotSetIsAFaultByItsName()
+{
+    for (const char *name : {"frmPubMacro::loadMacroMenu", "frmPubMacro::help", "frmPubMacroDetail::help"}) {
+        QTest::ignoreMessage(QtWarningMsg, qPrintable(u"hook not set: "_s + QString::fromLatin1(name)));
+    }
+    const int before = quillon::faultCount();
+    frmPubMacro manager(m->tree.globals, m->forms, {});
+    const frmPubMacroDetail detail({});
+    QCOMPARE(quillon::faultCount() - before, 3);
+    manager.close();
 }
 
 void TestMacroKeys::enterAndEscapeDoNothing()

@@ -29,7 +29,7 @@ protected:
 
     void end()
     {
-        m_help = {};
+        m_help = [] {};
         m_forms.reset();
         m_memory.reset();
         dropTree();
@@ -83,5 +83,5 @@ protected:
 
     std::unique_ptr<corvane::InputPrompts> m_memory;
     std::unique_ptr<quillon::FormRegistry> m_forms;
-    std::function<void()> m_help;
+    std::function<void()> m_help = [] {};
 };

@@ -28,7 +28,8 @@ private Q_SLOTS:
     void altEEdits();
     void deleteKeyDeletes();
     void f3Finds();
-    void f1OpensTheHelpOnceThereIsOne();
+    void f1AndTheButtonOpenTheHelp();
+    void aHelpThatIsNotSetIsAFault();
     void enterAndEscapeDoNothing();
     void closeUnloads();
     void mnemonicsAreUnique();
@@ -146,17 +147,22 @@ void TestPromptFind::f3Finds()
     QTest::keyClick(list(), Qt::Key_F3);
 }
 
-void TestPromptFind::f1OpensTheHelpOnceThereIsOne()
+void TestPromptFind::f1AndTheButtonOpenTheHelp()
 {
-    QVERIFY(!button(u"sbtHelp"_s)->isEnabled());
-    QTest::keyClick(form(), Qt::Key_F1);
-    m_forms->unload(u"frmPubPrompt"_s);
     int opened = 0;
     m_help = [&opened] { ++opened; };
     show();
     QTest::keyClick(list(), Qt::Key_F1);
     button(u"sbtHelp"_s)->click();
     QCOMPARE(opened, 2);
+}
+
+void TestPromptFind::aHelpThatIsNotSetIsAFault()
+{
+    QTest::ignoreMessage(QtWarningMsg, "hook not set: frmPubPrompt::help");
+    const int before = quillon::faultCount();
+    const frmPubPrompt dialog(m_tree->globals, {}, {});
+    QCOMPARE(quillon::faultCount() - before, 1);
 }
 
 void TestPromptFind::enterAndEscapeDoNothing()

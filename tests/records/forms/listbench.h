@@ -104,7 +104,7 @@ public:
                 facts = tab;
             }
         }
-        forms.add(QStringLiteral("frmPubSender"), [] { return new corvane::frmPubSender; });
+        forms.add(QStringLiteral("frmPubSender"), [] { return new corvane::frmPubSender([] {}); });
     }
 
     /// Puts lines into the file and a default into the settings, and shows the tab.

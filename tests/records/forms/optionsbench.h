@@ -51,8 +51,8 @@ public:
                 globals(), window, forms,
                 {[this] { refill(); }, [this] { return encodingName(); }, [this] { return macroItems; }, help});
         });
-        forms.add(QStringLiteral("frmPubProxy"), [] { return new corvane::frmPubProxy; });
-        forms.add(QStringLiteral("frmPubSMTP"), [] { return new corvane::frmPubSMTP; });
+        forms.add(QStringLiteral("frmPubProxy"), [] { return new corvane::frmPubProxy([] {}); });
+        forms.add(QStringLiteral("frmPubSMTP"), [] { return new corvane::frmPubSMTP([] {}); });
     }
 
     corvane::ApplicationGlobals &globals() { return tree.globals; }
@@ -200,7 +200,7 @@ public:
     TemporaryTree tree;
     ExpectedPrompts prompts;
     EncodingWindow window;
-    std::function<void()> help;
+    std::function<void()> help = [] {};
     QList<QAction *> macroItems;
     int refills = 0;                ///< how often the main window's boxes were filled
     std::function<void()> refilled; ///< runs at each time

@@ -102,7 +102,7 @@ public:
 
     const QString form;
     quillon::FormRegistry forms;
-    std::function<void()> help;
+    std::function<void()> help = [] {};
     std::function<bool(const QString &line)> taken;
     QStringList saves; ///< the buttons that save
     QStringList asked; ///< lines that were looked for in the list

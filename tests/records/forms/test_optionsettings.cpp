@@ -31,7 +31,7 @@ private Q_SLOTS:
     void itOpensOnTheTabThatWasAskedFor();
     void aTabThatIsNotThereChangesNothing();
     void testIsShownOnTheTabsOfConnectionsOnly();
-    void helpIsDisabledWhileNobodyOpensIt();
+    void aHookThatIsNotSetIsAFaultByItsName();
     void f1IsHelpOnEveryTab();
 };
 
@@ -262,13 +262,17 @@ void TestOptionSettings::testIsShownOnTheTabsOfConnectionsOnly()
     }
 }
 
-void TestOptionSettings::helpIsDisabledWhileNobodyOpensIt()
+void TestOptionSettings::aHookThatIsNotSetIsAFaultByItsName()
 {
     OptionsBench bench;
-    bench.open(Tab::ProxyTab);
-    QVERIFY(!bench.sbt(3)->isEnabled());
-    QTest::keyClick(bench.form(), Qt::Key_F1);
-    QVERIFY(bench.isLoaded());
+    for (const char *name : {"refillMainWindow", "encodingName", "macroItems", "help"}) {
+        QTest::ignoreMessage(QtWarningMsg, qPrintable(u"hook not set: OptionsHooks::"_s + QString::fromLatin1(name)));
+    }
+    const int before = quillon::faultCount();
+    frmPubOptions options(bench.globals(), bench.window, bench.forms, {});
+    QCOMPARE(quillon::faultCount() - before, 4);
+    options.findChild<QAbstractButton *>(u"sbt(3)"_s)->click();
+    options.close();
 }
 
 void TestOptionSettings::f1IsHelpOnEveryTab()

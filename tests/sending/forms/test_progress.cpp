@@ -1,4 +1,5 @@
 #include "core/texts.h"
+#include "quillon/fault.h"
 #include "quillon/forms/formregistry.h"
 #include "sending/forms/formprogressview.h"
 #include "sending/forms/frmpubprogress.h"
@@ -26,6 +27,8 @@ private Q_SLOTS:
     void aLongReportKeepsTheSize();
     void theBarFollowsTheMails();
     void cancelSetsTheFlagAndUnloads();
+    void helpOpensTheManualAndGoesOn();
+    void aHookThatIsNotSetIsAFaultByItsName();
     void escapeAndEnterCancelNothing();
     void touchingItLoadsItHidden();
     void anUnloadedDialogIsMadeAnewWithItsTexts();
@@ -46,6 +49,7 @@ private:
     std::unique_ptr<quillon::FormRegistry> m_forms;
     std::unique_ptr<FormProgressView> m_view;
     bool m_stop = false;
+    int m_helps = 0;
     QTemporaryDir m_folder;
 };
 
@@ -54,9 +58,11 @@ void TestProgress::init()
     corvane::setLanguageFolder(m_folder.path());
     QFile::remove(m_folder.filePath(u"tips.dll"_s));
     m_stop = false;
+    m_helps = 0;
     m_forms = std::make_unique<quillon::FormRegistry>();
     m_forms->add(u"frmPubProgress"_s, [this] {
-        return new frmPubProgress({[this] { m_stop = true; }, [this] { m_forms->unload(u"frmPubProgress"_s); }});
+        return new frmPubProgress(
+            {[this] { m_stop = true; }, [this] { m_forms->unload(u"frmPubProgress"_s); }, [this] { ++m_helps; }});
     });
     m_view = std::make_unique<FormProgressView>(*m_forms);
 }
@@ -74,7 +80,7 @@ void TestProgress::itStandsAsDesigned()
     QCOMPARE(label(u"lblProg"_s)->text(), QString());
     QCOMPARE(label(u"lblQty"_s)->text(), u"Sending emails..."_s);
     QVERIFY(button(u"sbtCancel"_s)->isEnabled());
-    QVERIFY(!button(u"sbtHelp"_s)->isEnabled());
+    QVERIFY(button(u"sbtHelp"_s)->isEnabled());
     const auto *bar = dialog()->findChild<QProgressBar *>(u"prg"_s);
     QCOMPARE(bar->minimum(), bar->maximum()); // of unknown length
 }
@@ -140,6 +146,26 @@ void TestProgress::cancelSetsTheFlagAndUnloads()
     QTest::mouseClick(button(u"sbtCancel"_s), Qt::LeftButton);
     QVERIFY(m_stop);
     QVERIFY(!m_forms->isLoaded(u"frmPubProgress"_s));
+}
+
+void TestProgress::helpOpensTheManualAndGoesOn()
+{
+    m_view->makeVisible();
+    button(u"sbtHelp"_s)->click();
+    QCOMPARE(m_helps, 1);
+    QVERIFY(!m_stop);
+    QVERIFY(m_view->isVisible());
+}
+
+void TestProgress::aHookThatIsNotSetIsAFaultByItsName()
+{
+    for (const char *name : {"requestStop", "unload", "help"}) {
+        QTest::ignoreMessage(QtWarningMsg, qPrintable(u"hook not set: frmPubProgress::"_s + QString::fromLatin1(name)));
+    }
+    const int before = quillon::faultCount();
+    const frmPubProgress form({});
+    QCOMPARE(quillon::faultCount() - before, 3);
+    form.findChild<QPushButton *>(u"sbtCancel"_s)->click();
 }
 
 void TestProgress::escapeAndEnterCancelNothing()
