@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/formnames.h"
 #include "quillon/text/owntexts.h"
 
 namespace corvane {
@@ -25,7 +26,6 @@ inline constexpr quillon::OwnText viewsName{accessibleSection, u"sst", u"Views o
 inline constexpr quillon::OwnText previewName{accessibleSection, u"web", u"Preview of the email content"};
 
 // And the button that is made in the code, below the colors.
-inline constexpr char16_t mainSection[] = u"frmPubMain";
 inline constexpr quillon::OwnText moreColors{mainSection, u"sbt(11)", u"More..."};
 inline constexpr quillon::OwnText moreColorsTip{mainSection, u"sbt(11).tip", u"Chooses any other color."};
 

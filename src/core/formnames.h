@@ -4,11 +4,15 @@
 
 namespace corvane {
 
+// As char16_t where a fixed text of the program names its section.
+inline constexpr char16_t mainSection[] = u"frmPubMain";
+inline constexpr char16_t optionsSection[] = u"frmPubOptions";
+
 // The forms by the names under which they are registered and opened, and have their sections in the language files.
 inline const QString splashForm = QStringLiteral("frmPubSplash");
-inline const QString mainForm = QStringLiteral("frmPubMain");
+inline const QString mainForm = QString::fromUtf16(mainSection);
 inline const QString progressForm = QStringLiteral("frmPubProgress");
-inline const QString optionsForm = QStringLiteral("frmPubOptions");
+inline const QString optionsForm = QString::fromUtf16(optionsSection);
 inline const QString accountForm = QStringLiteral("frmPubSMTP");
 inline const QString proxyForm = QStringLiteral("frmPubProxy");
 inline const QString senderForm = QStringLiteral("frmPubSender");

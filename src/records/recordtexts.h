@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/formnames.h"
 #include "quillon/text/owntexts.h"
 
 namespace corvane {
@@ -29,7 +30,6 @@ inline constexpr char16_t gmailAccountItem[] = u"&Gmail Account...";
 inline constexpr char16_t yahooAccountItem[] = u"&Yahoo! Mail Account...";
 
 // The headings of the lists.
-inline constexpr char16_t optionsSection[] = u"frmPubOptions";
 inline constexpr quillon::OwnText senderColumns{optionsSection, u"lsv(0).columns",
                                                 u"Display Name|Email Address|Remark"};
 inline constexpr quillon::OwnText signatureColumns{optionsSection, u"lsv(1).columns", u"Signature"};

@@ -1,0 +1,192 @@
+#include "programfixture.h"
+
+using namespace Qt::StringLiterals;
+using namespace corvane;
+
+class TestProgramExit : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void exitEndsTheCompanionAndAllWindows();
+    void exitButKeepLeavesTheCompanion();
+    void exitInTheMenuOfTheTrayIsTheSame_data();
+    void exitInTheMenuOfTheTrayIsTheSame();
+    void exitClosesTheHelpWindowAndNoOther();
+    void exitAsksNobodyAnyMore();
+    void exitWhileADialogWaitsEndsIt();
+    void theCloseBoxGoesToTheTrayAndComesBackWhereItStood();
+    void theCloseBoxWithoutATrayMinimises();
+    void theTrayIsGoneAfterTheExit();
+    void theEndOfTheSessionIsNotVetoed();
+    void theEndOfTheSessionBeforeTheWindowIsTheEnd();
+    void anotherObjectsQuitIsNotTheSessions();
+};
+
+void TestProgramExit::exitEndsTheCompanionAndAllWindows()
+{
+    ProgramFixture p;
+    p.run();
+    for (const QString &name : {optionsForm, senderForm, macrosForm}) {
+        p.form(name)->show();
+    }
+    const qsizetype before = p.steps().size();
+    p.atStep = [&p] {
+        for (const QString &name : {optionsForm, senderForm, progressForm, splashForm}) {
+            QVERIFY2(!p.isLoaded(name), qPrintable(name));
+        }
+    };
+    p.item(u"menfx"_s)->trigger();
+    QCOMPARE(p.steps().sliced(before), (QStringList{p.endOfCompanion(), u"quit"_s}));
+    QVERIFY(!p.mainIsVisible());
+    QCOMPARE(p.main()->Tag, QString()); // the window took its leave and cleared it
+}
+
+void TestProgramExit::exitButKeepLeavesTheCompanion()
+{
+    ProgramFixture p;
+    p.run();
+    p.form(optionsForm);
+    const qsizetype before = p.steps().size();
+    p.item(u"menfu"_s)->trigger();
+    QCOMPARE(p.steps().sliced(before), QStringList{u"quit"_s});
+    QVERIFY(!p.mainIsVisible());
+    QVERIFY(!p.isLoaded(optionsForm));
+    QVERIFY(!p.isLoaded(progressForm));
+}
+
+void TestProgramExit::exitInTheMenuOfTheTrayIsTheSame_data()
+{
+    QTest::addColumn<QString>("entry");
+    QTest::addColumn<bool>("endsCompanion");
+    QTest::newRow("mentx") << u"mentx"_s << true;
+    QTest::newRow("mentu") << u"mentu"_s << false;
+}
+
+void TestProgramExit::exitInTheMenuOfTheTrayIsTheSame()
+{
+    QFETCH(QString, entry);
+    QFETCH(bool, endsCompanion);
+    ProgramFixture p;
+    p.run();
+    p.main()->close();
+    QCOMPARE(p.count(u"quit"_s), 0);
+    ProgramFixture::trayItem(entry)->trigger();
+    QCOMPARE(p.count(u"quit"_s), 1);
+    QCOMPARE(p.count(u"end"_s), endsCompanion ? 2 : 1); // one is that of the start
+    QVERIFY(!p.isLoaded(progressForm));
+}
+
+void TestProgramExit::exitClosesTheHelpWindowAndNoOther()
+{
+    ProgramFixture p;
+    p.run();
+    QWidget help;
+    help.setWindowTitle(u"Corvane Help"_s);
+    help.show();
+    QWidget other;
+    other.setWindowTitle(u"Corvane"_s);
+    other.show();
+    p.item(u"menfu"_s)->trigger();
+    QVERIFY(!help.isVisible());
+    QVERIFY(other.isVisible());
+}
+
+void TestProgramExit::exitAsksNobodyAnyMore()
+{
+    ProgramFixture p;
+    p.run();
+    p.item(u"menfx"_s)->trigger();
+    showMessage(u"SAVE_SUCC"_s, quillon::InformationBox); // would fail the test as one that nobody expects
+    QCOMPARE(p.prompts.log(), QStringList());
+}
+
+void TestProgramExit::exitWhileADialogWaitsEndsIt()
+{
+    ProgramFixture p;
+    p.onScreen = true;
+    p.run();
+    bool waited = false;
+    QTimer::singleShot(0, p.main(), [&] {
+        waited = p.isLoaded(optionsForm) && p.form(optionsForm)->isVisible();
+        p.item(u"menfu"_s)->trigger();
+    });
+    p.item(u"mento"_s)->trigger(); // comes back when the dialog has ended
+    QVERIFY(waited);
+    QVERIFY(!p.isLoaded(optionsForm));
+    QCOMPARE(p.count(u"quit"_s), 1);
+}
+
+void TestProgramExit::theCloseBoxGoesToTheTrayAndComesBackWhereItStood()
+{
+    ProgramFixture p;
+    p.run();
+    p.main()->setWindowState(Qt::WindowNoState);
+    p.main()->move(40, 50);
+    p.main()->resize(790, 590);
+    QVERIFY(!p.main()->close());
+    QVERIFY(!p.mainIsVisible());
+    QCOMPARE(p.count(u"quit"_s), 0);
+    QVERIFY(p.isLoaded(progressForm));
+    ProgramFixture::trayItem(u"ments"_s)->trigger();
+    QVERIFY(p.mainIsVisible());
+    QVERIFY(!p.main()->isMinimized());
+    QCOMPARE(p.main()->size(), QSize(790, 590));
+    // Once more, from the state in which it came back.
+    QVERIFY(!p.main()->close());
+    QVERIFY(!p.mainIsVisible());
+}
+
+void TestProgramExit::theCloseBoxWithoutATrayMinimises()
+{
+    ProgramFixture p;
+    p.tray = false;
+    p.run();
+    QVERIFY(!p.main()->close());
+    QVERIFY(p.mainIsVisible());
+    QVERIFY(p.main()->isMinimized());
+    QCOMPARE(p.count(u"quit"_s), 0);
+}
+
+void TestProgramExit::theTrayIsGoneAfterTheExit()
+{
+    ProgramFixture p;
+    p.run();
+    p.main()->close();
+    p.item(u"menfx"_s)->trigger();
+    ProgramFixture::trayItem(u"ments"_s)->trigger();
+    QVERIFY(!p.mainIsVisible());
+}
+
+void TestProgramExit::theEndOfTheSessionIsNotVetoed()
+{
+    ProgramFixture p;
+    p.run();
+    QEvent quit(QEvent::Quit);
+    QCoreApplication::sendEvent(qApp, &quit);
+    QCOMPARE(p.count(u"quit"_s), 1);
+    QVERIFY(!p.mainIsVisible());
+    QCOMPARE(p.count(u"end"_s), 1); // the companion goes on
+    QCOMPARE(p.prompts.log(), QStringList());
+}
+
+void TestProgramExit::theEndOfTheSessionBeforeTheWindowIsTheEnd()
+{
+    ProgramFixture p;
+    p.start();
+    QEvent quit(QEvent::Quit);
+    QCoreApplication::sendEvent(qApp, &quit);
+    QCOMPARE(p.steps(), QStringList{u"quit"_s});
+}
+
+void TestProgramExit::anotherObjectsQuitIsNotTheSessions()
+{
+    ProgramFixture p;
+    p.run();
+    QEvent quit(QEvent::Quit);
+    QCoreApplication::sendEvent(p.main(), &quit);
+    QCOMPARE(p.count(u"quit"_s), 0);
+    QVERIFY(p.mainIsVisible());
+}
+
+QTEST_MAIN(TestProgramExit)
+#include "test_programexit.moc"

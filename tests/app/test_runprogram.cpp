@@ -1,0 +1,100 @@
+#include "app/runprogram.h"
+#include "core/formnames.h"
+#include "core/instancelock.h"
+#include "quillon/fault.h"
+#include "quillon/system/platform.h"
+#include "support/temporarytree.h"
+#include "support/testprocesses.h"
+
+#include <QApplication>
+#include <QTest>
+#include <QThread>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+using namespace corvane;
+
+class TestRunProgram : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_tree = std::make_unique<TemporaryTree>();
+        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_tree->path()));
+    }
+    void cleanup()
+    {
+        quillon::setStopOnFault(false);
+        m_tree.reset();
+    }
+
+    void aSecondInstanceEndsSilentlyAndTouchesNoFile();
+    void theProgramRunsUntilItsEndAndFreesItsLock();
+    void theSwitchStopsAtFaults();
+
+private:
+    /// Runs the program until its splash shows, lets @p look see, and ends it as a session's end does.
+    int runUntilTheSplash(const QStringList &arguments, const std::function<void()> &look) const
+    {
+        QTimer watch;
+        connect(&watch, &QTimer::timeout, qApp, [&] {
+            if (QThread::currentThread()->loopLevel() == 0) {
+                return; // showing a window handles events too, and no loop is there yet to be ended
+            }
+            const QWidgetList windows = QApplication::topLevelWidgets();
+            for (const QWidget *window : windows) {
+                if (window->objectName() == splashForm && window->isVisible()) {
+                    watch.stop();
+                    look();
+                    QEvent quit(QEvent::Quit);
+                    QCoreApplication::sendEvent(qApp, &quit);
+                    return;
+                }
+            }
+        });
+        watch.start(0);
+        return runProgram(m_tree->globals.programFolder, arguments);
+    }
+
+    std::unique_ptr<TemporaryTree> m_tree;
+    TestProcesses m_processes;
+};
+
+void TestRunProgram::aSecondInstanceEndsSilentlyAndTouchesNoFile()
+{
+    const InstanceLock running(m_tree->globals.paths.root);
+    QVERIFY(!running.otherInstanceRuns());
+    QCOMPARE(runProgram(m_tree->globals.programFolder, {u"/D"_s}), 0);
+    QCOMPARE(QDir(m_tree->userFolder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList());
+    QVERIFY(!quillon::stopOnFault());
+    QVERIFY(QApplication::topLevelWidgets().isEmpty());
+}
+
+void TestRunProgram::theProgramRunsUntilItsEndAndFreesItsLock()
+{
+    bool held = false;
+    const int status =
+        runUntilTheSplash({}, [&] { held = InstanceLock(m_tree->globals.paths.root).otherInstanceRuns(); });
+    QCOMPARE(status, 0);
+    QVERIFY(held);
+    QVERIFY(!InstanceLock(m_tree->globals.paths.root).otherInstanceRuns());
+    QVERIFY(QFile::exists(m_tree->globals.paths.optionsFile));
+    QVERIFY(!QApplication::quitOnLastWindowClosed());
+    QVERIFY(!QApplication::windowIcon().isNull());
+    QCOMPARE(QApplication::applicationDisplayName(), u"Corvane"_s);
+    QVERIFY(!quillon::stopOnFault());
+}
+
+void TestRunProgram::theSwitchStopsAtFaults()
+{
+    bool stops = false;
+    QCOMPARE(runUntilTheSplash({u"/d"_s}, [&] { stops = quillon::stopOnFault(); }), 0);
+    QVERIFY(stops);
+    QCOMPARE(runUntilTheSplash({u"/D"_s, u"more"_s}, [&] { stops = quillon::stopOnFault(); }), 0);
+    QVERIFY(!stops);
+}
+
+QTEST_MAIN(TestRunProgram)
+#include "test_runprogram.moc"
