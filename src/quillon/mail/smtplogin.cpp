@@ -2,9 +2,8 @@
 
 #include "quillon/mail/mailtexts.h"
 
+#include <algorithm>
 #include <utility>
-
-using namespace Qt::StringLiterals;
 
 namespace quillon {
 
@@ -14,8 +13,12 @@ constexpr qsizetype maxCommand = 510; // RFC 5321, 4.5.3.1.4, without CR LF
 
 SmtpLogin::SmtpLogin(const SmtpExtensions &extensions, bool encrypted, const QString &user, const QString &password,
                      const QString &host)
-    : m_password(password)
 {
+    keepSecret(password.toUtf8());
+    const QByteArray latin = password.toLatin1();
+    if (QString::fromLatin1(latin) == password) {
+        keepSecret(latin); // how an old server may repeat it
+    }
     if (extensions.Auth.isEmpty()) {
         m_fault = say(mailtexts::noAuth);
         return;
@@ -43,7 +46,7 @@ QByteArray SmtpLogin::command()
         m_fault = say(mailtexts::loginNotPrepared, QString::fromLatin1(m_mechanism));
         return {};
     }
-    const QByteArray word = first->isEmpty() ? QByteArray("=") : encoded(*first);
+    const QByteArray word = encoded(*first); // no mechanism's first word is empty
     if (line.size() + 1 + word.size() <= maxCommand) {
         return line + ' ' + word;
     }
@@ -77,21 +80,37 @@ std::optional<QByteArray> SmtpLogin::answer(const SmtpReply &reply)
 QByteArray SmtpLogin::encoded(const QByteArray &octets)
 {
     const QByteArray word = octets.toBase64();
-    if (!word.isEmpty()) {
-        m_sent += word;
-    }
+    keepSecret(word);
     return word;
 }
 
-QString SmtpLogin::withoutSecrets(QString text) const
+void SmtpLogin::keepSecret(const QByteArray &octets)
 {
-    for (const QByteArray &word : m_sent) {
-        text.replace(QString::fromLatin1(word), u"***"_s);
+    if (!octets.isEmpty() && !m_secrets.contains(octets)) {
+        const auto at = std::find_if(m_secrets.cbegin(), m_secrets.cend(),
+                                     [&octets](const QByteArray &other) { return other.size() < octets.size(); });
+        m_secrets.insert(at, octets);
     }
-    if (!m_password.isEmpty()) {
-        text.replace(m_password, u"***"_s);
+}
+
+QByteArray SmtpLogin::hidden(QByteArray octets) const
+{
+    for (const QByteArray &secret : m_secrets) {
+        octets.replace(secret, "***");
     }
-    return text;
+    return octets;
+}
+
+void SmtpLogin::hideSecrets(SmtpReply &reply) const
+{
+    for (QByteArray &line : reply.Lines) {
+        line = hidden(line);
+    }
+}
+
+QString SmtpLogin::withoutSecrets(const QString &text) const
+{
+    return QString::fromUtf8(hidden(text.toUtf8()));
 }
 
 } // namespace quillon

@@ -24,17 +24,21 @@ public:
     [[nodiscard]] QByteArray mechanism() const { return m_mechanism; }
     [[nodiscard]] QString fault() const { return m_fault; }
 
-    /// @p text without the password and without what has been sent in this exchange, should the server repeat it.
-    [[nodiscard]] QString withoutSecrets(QString text) const;
+    /// Takes the password, and what has been sent in this exchange, out of a reply that is to be shown: a server may
+    /// repeat them, also long after the login.
+    void hideSecrets(SmtpReply &reply) const;
+    /// The same for a text that quotes the server.
+    [[nodiscard]] QString withoutSecrets(const QString &text) const;
 
 private:
     QByteArray encoded(const QByteArray &octets);
+    void keepSecret(const QByteArray &octets);
+    [[nodiscard]] QByteArray hidden(QByteArray octets) const;
 
     QByteArray m_mechanism;
-    QString m_password;
     std::unique_ptr<SaslClient> m_client;
-    QList<QByteArray> m_sent;
-    QByteArray m_held; // the first word, when it is too long to go along with the command
+    QList<QByteArray> m_secrets; // longest first, as one may be the beginning of another
+    QByteArray m_held;           // the first word, when it is too long to go along with the command
     QString m_fault;
 };
 

@@ -172,7 +172,7 @@ void SmtpSession::fail(const QString &reason, int code, bool politely)
     const QString stage = m_stage == Stage::Sending ? m_transaction->stageName() : stageName();
     const QString text = m_lastReply.isEmpty() ? say(mailtexts::failed, stage, reason)
                                                : say(mailtexts::failedAfter, stage, reason, m_lastReply);
-    failWith({code, m_login ? m_login->withoutSecrets(text) : text}, politely);
+    failWith({code, text}, politely);
 }
 
 void SmtpSession::failWith(const SmtpFailure &failure, bool politely)
@@ -192,11 +192,7 @@ void SmtpSession::failWith(const SmtpFailure &failure, bool politely)
 // The server says no to the step that the session is at.
 void SmtpSession::refuse(const SmtpReply &reply)
 {
-    QString text = reply.text();
-    if (m_login) {
-        text = m_login->withoutSecrets(text);
-    }
-    failWith({reply.Code, say(mailtexts::failedByAnswer, stageName(), text)}, reply.isRefusal());
+    failWith({reply.Code, say(mailtexts::failedByAnswer, stageName(), reply.text())}, reply.isRefusal());
 }
 
 void SmtpSession::onConnected()

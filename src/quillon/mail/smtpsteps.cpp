@@ -39,16 +39,21 @@ QByteArray ownName(const SmtpWire &wire)
 void SmtpSession::onHeard()
 {
     while (m_stage != Stage::Closed) {
-        const std::optional<SmtpReply> reply = m_wire.nextReply();
+        std::optional<SmtpReply> reply = m_wire.nextReply();
         if (!reply) {
             break;
         }
-        m_lastReply = reply->Code == authContinues ? QString() : SmtpReply{reply->Code, reply->Lines.mid(0, 1)}.text();
+        const bool isChallenge = m_stage == Stage::Auth && reply->Code == authContinues;
+        if (m_login && !isChallenge) {
+            // Only the server's words: our own would tell a password that is one of them.
+            m_login->hideSecrets(*reply);
+        }
+        m_lastReply = isChallenge ? QString() : SmtpReply{reply->Code, reply->Lines.mid(0, 1)}.text();
         handle(*reply);
     }
     if (m_stage != Stage::Closed && !m_wire.parserFault().isEmpty()) {
         m_lastReply.clear();
-        fail(m_wire.parserFault());
+        fail(m_login ? m_login->withoutSecrets(m_wire.parserFault()) : m_wire.parserFault());
     }
 }
 
@@ -180,9 +185,7 @@ void SmtpSession::handleAuth(const SmtpReply &reply)
         m_lastReply.clear();
         fail(say(mailtexts::loginEndedEarly));
     } else {
-        m_login.reset();
-        m_lastReply.clear();
-        enter(Stage::Ready);
+        enter(Stage::Ready); // the login stays, for what it hides
     }
 }
 

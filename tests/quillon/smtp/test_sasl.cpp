@@ -18,9 +18,18 @@ private Q_SLOTS:
     void aWrongPasswordIsRefused();
     void plainAndLoginCarryUtf8();
     void theBestMechanismIsChosen();
+    void theOrderOfMechanismsDependsOnEncryption();
+    void aLoginAsksWhetherTheLinkIsEncrypted();
+    void aLoginWithoutAMechanismSaysWhy();
+    void aUserWhoCannotBePreparedIsAFault();
     void aServerThatDoesNotProveItselfIsNotBelieved();
     void secretsAreTakenOutOfTexts();
+    void theLongestSecretIsTakenOutFirst();
+    void whatIsNoSecretStays();
     void aLongFirstWordWaitsForTheServer();
+    void aCommandHasAtMost510Octets();
+    void theLastLineOfAChallengeCounts();
+    void aLoginMayEndOnlyBehindItsLastWord();
     void aChallengeThatIsNotBase64IsAFault();
 };
 
@@ -200,6 +209,117 @@ void TestSasl::aChallengeThatIsNotBase64IsAFault()
     SmtpLogin login(offering({"LOGIN"}), true, u"user"_s, u"secret"_s, u"h"_s);
     QCOMPARE(login.command(), "AUTH LOGIN");
     QCOMPARE(login.answer({334, {"Username:"}}), QByteArray("user").toBase64());
+}
+
+void TestSasl::theOrderOfMechanismsDependsOnEncryption()
+{
+    const auto order = [](bool encrypted) {
+        QList<QByteArray> left = {"LOGIN", "CRAM-MD5",   "XOAUTH2",      "SCRAM-SHA-1",
+                                  "PLAIN", "DIGEST-MD5", "SCRAM-SHA-256"};
+        QList<QByteArray> chosen;
+        for (QByteArray next; !(next = SaslClient::choose(left, encrypted)).isEmpty(); left.removeAll(next)) {
+            chosen += next;
+        }
+        return chosen;
+    };
+    QCOMPARE(order(true),
+             (QList<QByteArray>{"SCRAM-SHA-256", "SCRAM-SHA-1", "PLAIN", "LOGIN", "DIGEST-MD5", "CRAM-MD5"}));
+    QCOMPARE(order(false),
+             (QList<QByteArray>{"SCRAM-SHA-256", "SCRAM-SHA-1", "DIGEST-MD5", "CRAM-MD5", "PLAIN", "LOGIN"}));
+}
+
+void TestSasl::aLoginAsksWhetherTheLinkIsEncrypted()
+{
+    for (const bool encrypted : {true, false}) {
+        SmtpLogin login(offering({"CRAM-MD5", "PLAIN"}), encrypted, u"user"_s, u"secret"_s, u"h"_s);
+        QCOMPARE(login.mechanism(), encrypted ? "PLAIN" : "CRAM-MD5");
+        QVERIFY(login.command().startsWith(encrypted ? "AUTH PLAIN " : "AUTH CRAM-MD5"));
+        QCOMPARE(login.fault(), QString());
+    }
+}
+
+void TestSasl::aLoginWithoutAMechanismSaysWhy()
+{
+    SmtpLogin none(offering({}), true, u"user"_s, u"secret"_s, u"h"_s);
+    QCOMPARE(none.command(), QByteArray());
+    QCOMPARE(none.fault(), u"the server does not offer AUTH, although the account has a user name"_s);
+    QVERIFY(!none.mayEnd() && none.mechanism().isEmpty());
+    SmtpLogin unknown(offering({"NTLM", "XOAUTH2"}), true, u"user"_s, u"secret"_s, u"h"_s);
+    QCOMPARE(unknown.command(), QByteArray());
+    QCOMPARE(unknown.fault(), u"none of the mechanisms that the server offers is known here (NTLM XOAUTH2)"_s);
+    QVERIFY(!unknown.mayEnd() && unknown.mechanism().isEmpty());
+}
+
+void TestSasl::aUserWhoCannotBePreparedIsAFault()
+{
+    // RFC 4013 forbids control characters.
+    SmtpLogin login(offering({"SCRAM-SHA-256"}), true, u"us\aer"_s, u"secret"_s, u"h"_s);
+    QCOMPARE(login.command(), QByteArray());
+    QCOMPARE(login.fault(), u"the user name or the password cannot be prepared for SCRAM-SHA-256"_s);
+}
+
+void TestSasl::theLongestSecretIsTakenOutFirst()
+{
+    // The word for the user is the beginning of that for the password.
+    SmtpLogin login(offering({"LOGIN"}), true, u"abc"_s, u"abcdef"_s, u"h"_s);
+    QCOMPARE(login.command(), "AUTH LOGIN");
+    QCOMPARE(login.answer({334, {""}}), "YWJj");
+    QCOMPARE(login.answer({334, {""}}), "YWJjZGVm");
+    QCOMPARE(login.withoutSecrets(u"YWJj YWJjZGVm abc abcdef"_s), u"*** *** abc ***"_s);
+    SmtpReply reply{535, {"no YWJjZGVm", "abcdefabcdef", "535"}};
+    login.hideSecrets(reply);
+    QCOMPARE(reply.Lines, (QList<QByteArray>{"no ***", "******", "535"}));
+    QCOMPARE(reply.Code, 535);
+}
+
+void TestSasl::whatIsNoSecretStays()
+{
+    const QString told = u"What is Ø? 密 ? user"_s;
+    // A password that Latin-1 lacks is not the question marks that would stand for it there.
+    QCOMPARE(SmtpLogin(offering({"PLAIN"}), true, u"user"_s, u"码"_s, u"h"_s).withoutSecrets(told), told);
+    QCOMPARE(SmtpLogin(offering({"PLAIN"}), true, u"user"_s, QString(), u"h"_s).withoutSecrets(told), told);
+    QCOMPARE(SmtpLogin(offering({"PLAIN"}), true, u"user"_s, u"密"_s, u"h"_s).withoutSecrets(told),
+             u"What is Ø? *** ? user"_s);
+}
+
+void TestSasl::aCommandHasAtMost510Octets()
+{
+    // Base64 grows by four octets for three.
+    for (const int length : {366, 367}) {
+        SmtpLogin login(offering({"PLAIN"}), true, u"user"_s, QString(length, u'x'), u"h"_s);
+        const QByteArray command = login.command();
+        QCOMPARE(command.size(), length == 366 ? 507 : 10);
+        if (length == 367) {
+            QCOMPARE(login.answer({334, {"ignored"}}).value_or(QByteArray()).size(), 500);
+        }
+        QVERIFY(login.mayEnd());
+    }
+}
+
+void TestSasl::theLastLineOfAChallengeCounts()
+{
+    SmtpLogin login(offering({"CRAM-MD5"}), true, u"user"_s, u"secret"_s, u"h"_s);
+    QCOMPARE(login.command(), "AUTH CRAM-MD5");
+    const auto word = login.answer({334, {"not this", " " + QByteArray("<1@h>").toBase64() + "\t"}});
+    QVERIFY2(word, qPrintable(login.fault()));
+    QVERIFY(QByteArray::fromBase64(*word).startsWith("user "));
+}
+
+void TestSasl::aLoginMayEndOnlyBehindItsLastWord()
+{
+    SmtpLogin plain(offering({"PLAIN"}), true, u"user"_s, u"secret"_s, u"h"_s);
+    QVERIFY(!plain.mayEnd());
+    QVERIFY(plain.command().startsWith("AUTH PLAIN "));
+    QVERIFY(plain.mayEnd());
+    SmtpLogin login(offering({"LOGIN"}), true, u"user"_s, u"secret"_s, u"h"_s);
+    QCOMPARE(login.command(), "AUTH LOGIN");
+    QVERIFY(!login.mayEnd());
+    QCOMPARE(login.answer({334, {""}}), QByteArray("user").toBase64());
+    QVERIFY(!login.mayEnd());
+    QCOMPARE(login.answer({334, {""}}), QByteArray("secret").toBase64());
+    QVERIFY(login.mayEnd());
+    QVERIFY(!login.answer({334, {""}}));
+    QCOMPARE(login.fault(), u"the exchange of LOGIN with the server makes no sense or proves another server"_s);
 }
 
 QTEST_GUILESS_MAIN(TestSasl)

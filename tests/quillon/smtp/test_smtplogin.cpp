@@ -20,6 +20,12 @@ private Q_SLOTS:
     void aRefusedLoginTriesNoOtherMechanism();
     void aLoginGoesWithoutShowingItsWords();
     void aServerThatEchoesTheSecretsIsCensored();
+    void noAnswerAfterTheLoginShowsTheSecrets_data();
+    void noAnswerAfterTheLoginShowsTheSecrets();
+    void aPasswordThatIsAWordOfOursIsNotTold();
+    void aLoginThatEndsEarlyIsNotBelieved();
+    void anAnswerBehindAChallengeIsOutOfTurn();
+    void withoutAUserNobodyLogsIn();
 
 private:
     testsupport::Certificates m_certificates;
@@ -159,6 +165,107 @@ void TestSmtpLogin::aServerThatEchoesTheSecretsIsCensored()
     QVERIFY2(!client.Errors.first().contains(u"geheim"), qPrintable(client.Errors.first()));
     QVERIFY(!client.Errors.first().contains(QString::fromLatin1(word)));
     QVERIFY(client.Errors.first().contains(u"535 bad"));
+}
+
+void TestSmtpLogin::noAnswerAfterTheLoginShowsTheSecrets_data()
+{
+    QTest::addColumn<QByteArray>("command");
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<bool>("closes");
+    QTest::addColumn<QString>("sentence");
+    QTest::newRow("refusal of the sender") << QByteArray("MAIL") << QByteArray("550 no ëheim") << false
+                                           << u"The server refused the sender (MAIL FROM): “550 no ***”."_s;
+    QTest::newRow("in Latin-1") << QByteArray("MAIL") << QByteArray("550 no \xebheim") << false
+                                << u"The server refused the sender (MAIL FROM): “550 no ***”."_s;
+    QTest::newRow("the word sent") << QByteArray("MAIL") << "550 no " + (QByteArray("\0user\0", 6) + "ëheim").toBase64()
+                                   << false << u"The server refused the sender (MAIL FROM): “550 no ***”."_s;
+    QTest::newRow("second line") << QByteArray("RCPT") << QByteArray("550-no\r\n550 ëheim") << false
+                                 << u"The server refused the recipient to@example.org (RCPT TO): “550 no ***”."_s;
+    QTest::newRow("a challenge where none belongs") << QByteArray("MAIL") << QByteArray("334 ëheim") << false
+                                                    << u"The server refused the sender (MAIL FROM): “334 ***”."_s;
+    QTest::newRow("refusal at the end") << QByteArray(".") << QByteArray("554 ëheim") << false
+                                        << u"The server refused the message after its end: “554 ***”."_s;
+    QTest::newRow("last answer") << QByteArray("MAIL") << QByteArray("250 ëheim") << true
+                                 << u"Sending the recipient to@example.org (RCPT TO) failed: the server has closed "
+                                    "the connection (its last answer was “250 ***”)."_s;
+    QTest::newRow("answer to the login") << QByteArray("AUTH") << QByteArray("235 ëheim") << true
+                                         << u"Sending the sender (MAIL FROM) failed: the server has closed the "
+                                            "connection (its last answer was “235 ***”)."_s;
+    QTest::newRow("garbage") << QByteArray("MAIL") << QByteArray("ëheim") << false
+                             << u"Sending the sender (MAIL FROM) failed: its answer is not SMTP, “***”."_s;
+}
+
+void TestSmtpLogin::noAnswerAfterTheLoginShowsTheSecrets()
+{
+    QFETCH(QByteArray, command);
+    QFETCH(QByteArray, reply);
+    QFETCH(bool, closes);
+    QFETCH(QString, sentence);
+    ScriptedServer server;
+    setReply(server, command, reply + "\r\n");
+    if (closes) {
+        const QByteArray next = command == "AUTH" ? "MAIL" : "RCPT";
+        server.answer(next, "");
+        server.closeAt(next);
+    }
+    Client client;
+    client.Transport.User = u"user"_s;
+    client.Transport.Password = u"ëheim"_s;
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QVERIFY(!client.send(text));
+    QCOMPARE(client.Errors, QStringList{sentence});
+}
+
+void TestSmtpLogin::aPasswordThatIsAWordOfOursIsNotTold()
+{
+    // Taken out of our own sentence it would be read from the gap.
+    ScriptedServer server;
+    server.Offers = {"AUTH PLAIN"};
+    server.answer("AUTH", "535 this server says no\r\n");
+    Client client;
+    client.Transport.User = u"user"_s;
+    client.Transport.Password = u"server"_s;
+    QCOMPARE(client.connectTo(server.port()), 0);
+    QCOMPARE(client.Errors, QStringList{u"Logging in at 127.0.0.1 (AUTH PLAIN) failed: the server answered “535 this "
+                                        "*** says no”."_s});
+}
+
+void TestSmtpLogin::aLoginThatEndsEarlyIsNotBelieved()
+{
+    for (const char *mechanism : {"LOGIN", "CRAM-MD5", "SCRAM-SHA-256"}) {
+        ScriptedServer server;
+        server.Offers = {QByteArray("AUTH ") + mechanism};
+        Client client;
+        QVERIFY(!runSession(client, server));
+        QCOMPARE(client.Errors, QStringList{u"Logging in at 127.0.0.1 (AUTH %1) failed: the server ended the login "
+                                            "before it had proved itself."_s.arg(QLatin1StringView(mechanism))});
+        QCOMPARE(client.Transport.State(), 0);
+        QTRY_COMPARE(server.Ended, 1);
+        QVERIFY(!server.heard("QUIT") && !server.heard("MAIL"));
+    }
+}
+
+void TestSmtpLogin::anAnswerBehindAChallengeIsOutOfTurn()
+{
+    ScriptedServer server;
+    server.Offers = {"AUTH LOGIN"};
+    server.answer("AUTH LOGIN", "334 VXNlcm5hbWU6\r\n235 welcome\r\n");
+    Client client;
+    QVERIFY(!runSession(client, server));
+    QCOMPARE(client.Errors,
+             QStringList{u"Logging in at 127.0.0.1 (AUTH LOGIN) failed: the server talks out of turn."_s});
+    QTRY_COMPARE(server.Ended, 1);
+    QVERIFY(!server.heard("dXNlcg=="));
+}
+
+void TestSmtpLogin::withoutAUserNobodyLogsIn()
+{
+    ScriptedServer server;
+    server.Offers = {"AUTH PLAIN"};
+    Client client;
+    client.Transport.Password = u"geheim"_s;
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QVERIFY(!server.heard("AUTH"));
 }
 
 QTEST_GUILESS_MAIN(TestSmtpLogin)
