@@ -86,6 +86,7 @@ void TestSmtpNesting::connectAndAcceptedWithinASendAreHarmless()
     Client client;
     QCOMPARE(client.connectTo(server.port()), 2);
     bool accepted = true;
+    const int faults = faultCount();
     atLine(server, "RCPT", [&] {
         waitFor(client.Transport.Connect(u"127.0.0.1"_s, server.port(), 0, 0));
         accepted = client.accepted();
@@ -93,7 +94,9 @@ void TestSmtpNesting::connectAndAcceptedWithinASendAreHarmless()
     });
     QVERIFY(client.send(text));
     QVERIFY(!accepted);
+    QCOMPARE(faultCount(), faults + 2);
     QCOMPARE(server.Connections, 1);
+    QVERIFY(client.Errors.isEmpty());
 }
 
 void TestSmtpNesting::quitWithinSendUnwindsItFalse_data()

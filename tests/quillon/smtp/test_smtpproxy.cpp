@@ -35,6 +35,7 @@ private Q_SLOTS:
     void aProxyCanBeTestedAgainstAPeerThatSaysNothing();
     void badProxySettingsAreErrorsWithoutAConnection_data();
     void badProxySettingsAreErrorsWithoutAConnection();
+    void aLoginOfTheGreatestLengthReachesTheProxy();
 };
 
 namespace {
@@ -231,10 +232,19 @@ void TestSmtpProxy::badProxySettingsAreErrorsWithoutAConnection_data()
     QTest::addColumn<QString>("host");
     QTest::addColumn<long>("port");
     QTest::addColumn<QString>("user");
-    QTest::newRow("port 0") << u"127.0.0.1"_s << 0L << QString();
-    QTest::newRow("port 65536") << u"127.0.0.1"_s << 65536L << QString();
-    QTest::newRow("no host name") << u"a b"_s << 1080L << QString();
-    QTest::newRow("user too long for the protocol") << u"127.0.0.1"_s << 1080L << QString(256, u'x');
+    QTest::addColumn<QString>("password");
+    QTest::addColumn<QString>("reason");
+    const QString noPort = u"%1 is not a port of the proxy; ports go from 1 to 65535."_s;
+    const QString tooLong = u"the user name or the password for the proxy is longer than 255 octets."_s;
+    const QString none;
+    QTest::newRow("port 0") << u"127.0.0.1"_s << 0L << none << none << noPort.arg(0);
+    QTest::newRow("port 65536") << u"127.0.0.1"_s << 65536L << none << none << noPort.arg(65536);
+    QTest::newRow("no host name") << u"a b"_s << 1080L << none << none << u"“a b” is not the name of a proxy server."_s;
+    QTest::newRow("an address") << u"a@b"_s << 1080L << none << none << u"“a@b” is not the name of a proxy server."_s;
+    QTest::newRow("user of 256") << u"127.0.0.1"_s << 1080L << QString(256, u'x') << none << tooLong;
+    QTest::newRow("password of 256") << u"127.0.0.1"_s << 1080L << u"x"_s << QString(256, u'x') << tooLong;
+    QTest::newRow("user of 256 octets") << u"127.0.0.1"_s << 1080L << QString(128, u'ü') << none << tooLong;
+    QTest::newRow("password of 256 octets") << u"127.0.0.1"_s << 1080L << u"x"_s << QString(128, u'ü') << tooLong;
 }
 
 void TestSmtpProxy::badProxySettingsAreErrorsWithoutAConnection()
@@ -242,15 +252,30 @@ void TestSmtpProxy::badProxySettingsAreErrorsWithoutAConnection()
     QFETCH(QString, host);
     QFETCH(long, port);
     QFETCH(QString, user);
+    QFETCH(QString, password);
+    QFETCH(QString, reason);
     ScriptedServer server;
     Client client;
     client.Transport.ProxyServer = host;
     client.Transport.ProxyPort = port;
     client.Transport.ProxyUser = user;
+    client.Transport.ProxyPassword = password;
     QCOMPARE(client.connectTo(server.port()), 0);
-    QCOMPARE(client.Errors.size(), 1);
-    QVERIFY2(client.Errors.first().contains(u"proxy"), qPrintable(client.Errors.first()));
+    QCOMPARE(client.Errors, QStringList{u"Connecting failed: "_s + reason});
     QCOMPARE(server.Connections, 0);
+}
+
+void TestSmtpProxy::aLoginOfTheGreatestLengthReachesTheProxy()
+{
+    ScriptedServer server;
+    ChildServer proxy;
+    QVERIFY2(proxy.startPython(u"socks_stub.py"_s, {u"--login"_s, u"--target"_s, QString::number(server.port())}),
+             qPrintable(proxy.fault()));
+    const QString user(255, u'u');
+    const QString password(255, u'p');
+    ProxiedClient client(proxy.port(), user, password);
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QCOMPARE(proxy.waitForLine("LOGIN "), user.toLatin1().toHex() + ' ' + password.toLatin1().toHex());
 }
 
 QTEST_GUILESS_MAIN(TestSmtpProxy)

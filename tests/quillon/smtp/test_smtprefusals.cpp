@@ -1,5 +1,7 @@
 #include "quillon/smtp/dialogue.h"
 
+#include <QTimer>
+
 using namespace dialogue;
 
 /// A mail or a recipient that is refused: nobody gets the mail, and the session is left in order.
@@ -14,6 +16,12 @@ private Q_SLOTS:
     void dataAcceptedAfterARefusedRecipientEndsTheConnection();
     void afterARefusalTheNextMailGoesOverTheSameConnection();
     void aRefusalAfterTheEndLeavesTheSessionStanding();
+
+    void aRefusedResetEndsTheSession_data();
+    void aRefusedResetEndsTheSession();
+    void theNextMailWaitsForTheAnswerToReset();
+    void aSecondRefusalOfOneMailIsNotTold();
+    void theFirstOfSeveralRefusalsIsTold();
 
     void aRefusalInTheMiddleOfTheMailIsSeen();
     void aRefusalInTheMiddleOfTheMailIsSeenThoughTheServerCloses();
@@ -106,6 +114,96 @@ void TestSmtpRefusals::aRefusalAfterTheEndLeavesTheSessionStanding()
     server.answer(".", "250 fine\r\n");
     QVERIFY(client.send(text));
     QCOMPARE(client.Errors.size(), 1);
+}
+
+void TestSmtpRefusals::aRefusedResetEndsTheSession_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<bool>("atOnce"); // the next mail comes before the answer
+    QTest::newRow("500 before the next mail") << QByteArray("500 what") << false;
+    QTest::newRow("500 within the next mail") << QByteArray("500 what") << true;
+    QTest::newRow("354 before the next mail") << QByteArray("354 go") << false;
+    QTest::newRow("421 within the next mail") << QByteArray("421 bye") << true;
+}
+
+void TestSmtpRefusals::aRefusedResetEndsTheSession()
+{
+    QFETCH(QByteArray, reply);
+    QFETCH(bool, atOnce);
+    ScriptedServer server;
+    server.answer("RCPT", "550 no\r\n");
+    server.answer("RSET", atOnce ? QByteArray() : reply + "\r\n");
+    Client client;
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QVERIFY(!client.send(text));
+    QCOMPARE(client.Errors.size(), 1);
+    if (atOnce) {
+        QTRY_VERIFY(server.heard("RSET"));
+        QCOMPARE(client.Transport.State(), 2);
+        QTimer::singleShot(0, &server, [&] { server.say(reply + "\r\n"); });
+    } else {
+        QTRY_COMPARE(client.Transport.State(), 0);
+        QCOMPARE(client.Errors.size(), 1);
+    }
+    QVERIFY(!client.send(text));
+    QCOMPARE(client.Transport.State(), 0);
+    QCOMPARE(client.Errors.mid(1),
+             QStringList{u"Taking the message back (RSET) failed: the server answered “%1”."_s.arg(
+                 QString::fromLatin1(reply))});
+    QCOMPARE(client.Codes.last(), reply.left(3).toInt());
+    QTRY_COMPARE(server.Ended, 1);
+    QCOMPARE(server.count("MAIL"), 1);
+}
+
+void TestSmtpRefusals::theNextMailWaitsForTheAnswerToReset()
+{
+    ScriptedServer server;
+    server.answer("RCPT TO:<bad@b.c>", "550 no\r\n");
+    server.answer("RSET", "");
+    Client client;
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QVERIFY(!client.send(text, {u"bad@b.c"_s}));
+    QTRY_VERIFY(server.heard("RSET"));
+    const Pending<bool> sending =
+        client.Transport.SendEncoded(Client::mailOf(text), u"a@b.c"_s, QStringList{u"d@e.f"_s});
+    waitFor(nextTurn());
+    QCOMPARE(server.count("MAIL"), 1);
+    server.say("250 forgotten\r\n");
+    QTRY_VERIFY(sending.isSettled());
+    QCOMPARE(server.count("MAIL"), 2);
+    QCOMPARE(server.Mails.size(), 1);
+    QCOMPARE(client.Errors.size(), 1);
+}
+
+void TestSmtpRefusals::aSecondRefusalOfOneMailIsNotTold()
+{
+    // What RSET is answered is told by the next call, if there is one, and never in place of the mail's own refusal.
+    ScriptedServer server;
+    server.answer("RCPT", "550 the reason\r\n");
+    server.answer("RSET", "502 no such thing\r\n");
+    server.closeAt("RSET");
+    Client client;
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QVERIFY(!client.send(text));
+    QTRY_COMPARE(client.Transport.State(), 0);
+    client.Transport.Quit();
+    QCOMPARE(client.Errors,
+             QStringList{u"The server refused the recipient to@example.org (RCPT TO): “550 the reason”."_s});
+}
+
+void TestSmtpRefusals::theFirstOfSeveralRefusalsIsTold()
+{
+    ScriptedServer server;
+    server.Offers = {"PIPELINING"};
+    server.answer("RCPT TO:<bad@b.c>", "550 first\r\n");
+    server.answer("RCPT TO:<worse@b.c>", "551 second\r\n");
+    Client client;
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QVERIFY(!client.send(text, {u"good@b.c"_s, u"bad@b.c"_s, u"worse@b.c"_s}));
+    QCOMPARE(client.Errors, QStringList{u"The server refused the recipient bad@b.c (RCPT TO): “550 first”."_s});
+    QCOMPARE(client.Codes, QList<int>{550});
+    QTRY_COMPARE(server.count("RSET"), 1);
+    QCOMPARE(client.Transport.State(), 2);
 }
 
 void TestSmtpRefusals::aRefusalInTheMiddleOfTheMailIsSeen()
