@@ -23,6 +23,10 @@ private Q_SLOTS:
     void aFileThatIsGoneIsAFault();
     void aFolderInPlaceOfAFileIsAFault();
     void percentGoesFromNoneToAll();
+    void percentIsThatOfTheOctetsGiven();
+    void filesAndTextsFollowEachOther();
+    void everyPieceIsBounded();
+    void nothingFollowsTheEnd();
 
     void equalRecipientsAreNamedOnce();
     void recipientsThatDifferInCaseAreTwo();
@@ -184,6 +188,63 @@ void TestSmtpMail::percentGoesFromNoneToAll()
     QCOMPARE(seen.first(), 0);
     QCOMPARE(seen.last(), 100);
     QVERIFY(seen.contains(50) || seen.contains(51) || seen.contains(49));
+}
+
+void TestSmtpMail::percentIsThatOfTheOctetsGiven()
+{
+    SmtpBody body(mailOfPieces({"a", "\r\n", "0123456789"}));
+    QList<int> seen;
+    for (bool more = true; more; more = !body.next().isEmpty()) {
+        seen += body.percent();
+    }
+    QCOMPARE(seen, (QList<int>{0, 7, 23, 100, 100}));
+    QCOMPARE(SmtpBody(mailOfPieces({})).percent(), 100);
+    // Dots that are doubled on the way are none of the mail's octets.
+    SmtpBody dots(mailOfPieces({".\r\n.\r\n", "......"}));
+    QVERIFY(!dots.next().isEmpty());
+    QCOMPARE(dots.percent(), 50);
+}
+
+void TestSmtpMail::filesAndTextsFollowEachOther()
+{
+    const QTemporaryDir folder;
+    const QString path = writeFile(folder, "ABC");
+    EncodedMail mail = mailOfPieces({"header"});
+    mail.Stretches += {{}, path, 3};
+    mail.Stretches += {".between", {}, 0};
+    mail.Stretches += {{}, path, 3};
+    // A file ends with a line end of its own, whatever was before it.
+    QCOMPARE(wireOf(mail), "headerQUJD\r\n..betweenQUJD\r\n.\r\n");
+    mail.Stretches += {"\r\n.", {}, 0};
+    QCOMPARE(wireOf(mail), "headerQUJD\r\n..betweenQUJD\r\n\r\n..\r\n.\r\n");
+}
+
+void TestSmtpMail::everyPieceIsBounded()
+{
+    const QTemporaryDir folder;
+    const QByteArray text = QByteArray("0123456789abcdefghijklmnopqrstuvwxyz\r\n").repeated(8'000);
+    EncodedMail mail = mailOfPieces({text});
+    mail.Stretches += {{}, writeFile(folder, QByteArray(300'000, 'x')), 300'000};
+    SmtpBody body(mail);
+    QByteArray wire;
+    for (QByteArray piece; !(piece = body.next()).isEmpty();) {
+        QVERIFY2(piece.size() <= 80'000, qPrintable(QString::number(piece.size())));
+        wire += piece;
+    }
+    QVERIFY(body.isAtEnd());
+    QVERIFY(wire.startsWith(text));
+    const QByteArray coded = wire.mid(text.size());
+    QCOMPARE(coded.size(), 400'000 + (400'000 + 75) / 76 * 2 + 3);
+}
+
+void TestSmtpMail::nothingFollowsTheEnd()
+{
+    SmtpBody body(mailOfPieces({"a\r\n"}));
+    QCOMPARE(body.next(), "a\r\n");
+    QVERIFY(!body.isAtEnd());
+    QCOMPARE(body.next(), ".\r\n");
+    QVERIFY(body.isAtEnd());
+    QCOMPARE(body.next(), QByteArray());
 }
 
 void TestSmtpMail::equalRecipientsAreNamedOnce()

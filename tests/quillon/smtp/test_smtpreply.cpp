@@ -24,9 +24,16 @@ private Q_SLOTS:
     void pendingInputIsSeen();
     void textsArePrintableAndBounded();
     void textsAreUtf8ElseLatin1();
+    void textsAreCutBehindWholeCharacters();
+    void linesAndRepliesAreBoundedExactly_data();
+    void linesAndRepliesAreBoundedExactly();
+    void codesDecide_data();
+    void codesDecide();
+    void aClearedParserTakesRepliesAgain();
     void extensionsAreReadInAnyCase();
     void extensionsOfTheGreetingLineDoNotCount();
     void sizeWithoutAFigureIsNoLimit();
+    void keywordsAreReadWhole();
 };
 
 namespace {
@@ -225,6 +232,127 @@ void TestSmtpReply::sizeWithoutAFigureIsNoLimit()
     QCOMPARE(SmtpExtensions::fromEhlo({250, {"host", "SIZE many"}}).MaxSize, 0);
     QCOMPARE(SmtpExtensions::fromEhlo({250, {"host", "SIZE -5"}}).MaxSize, 0);
     QVERIFY(SmtpExtensions::fromEhlo({250, {"host", "SIZE"}}).Size);
+}
+
+void TestSmtpReply::textsAreCutBehindWholeCharacters()
+{
+    QCOMPARE(printableText(u"abc"_s, 3), u"abc"_s);
+    QCOMPARE(printableText(u"abcd"_s, 3), u"abc…"_s);
+    QCOMPARE(printableText(u" \tabc\r\n "_s, 3), u"abc"_s);
+    QCOMPARE(printableText(u"ab😀"_s, 4), u"ab😀"_s);
+    QCOMPARE(printableText(u"ab😀c"_s, 4), u"ab😀…"_s);
+    QCOMPARE(printableText(u"ab😀"_s, 3), u"ab…"_s);
+    QCOMPARE(printableText(u"ab😀😀"_s, 3), u"ab…"_s);
+    QCOMPARE(printableText(QByteArray("abcd"), 3), u"abc…"_s);
+    // A text that ends in the middle of a character is none in UTF-8.
+    QCOMPARE(printableText(QByteArray("x\xc3")), u"xÃ"_s);
+    QCOMPARE((SmtpReply{250, {"one", "", " two"}}.text()), u"250 one two"_s);
+    QCOMPARE((SmtpReply{250, {QByteArray(296, 'x')}}.text()), u"250 "_s + QString(296, u'x'));
+    QCOMPARE((SmtpReply{250, {QByteArray(297, 'x')}}.text()), u"250 "_s + QString(296, u'x') + u'…');
+}
+
+void TestSmtpReply::linesAndRepliesAreBoundedExactly_data()
+{
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<int>("replies");
+    QTest::addColumn<QString>("fault");
+    const QByteArray blank = QByteArray("\r\n").repeated(SmtpReplyParser::MaxBlankLines);
+    const QByteArray lines = QByteArray("250-x\n").repeated(SmtpReplyParser::MaxLines - 1);
+    const QByteArray longest = "250 " + QByteArray(SmtpReplyParser::MaxLineLength - 4, 'x');
+    const QString endless = u"its answer has a line without end, “250 "_s + QString(56, u'x') + u"”"_s;
+    QTest::newRow("longest line") << longest + '\n' << 1 << QString();
+    QTest::newRow("longest line behind another") << "220 a\n" + longest + '\n' << 2 << QString();
+    QTest::newRow("line too long") << longest + "x\n" << 0 << endless;
+    QTest::newRow("longest line not ended") << longest << 0 << QString();
+    QTest::newRow("line too long and not ended") << longest + 'x' << 0 << endless;
+    QTest::newRow("line too long behind another") << "220 a\n" + longest + "x\n" << 1 << endless;
+    QTest::newRow("most lines") << lines + "250 x\n" << 1 << QString();
+    QTest::newRow("most lines twice") << lines + "250 x\n" + lines + "250 x\n" << 2 << QString();
+    QTest::newRow("lines too many") << lines + "250-x\n250 x\n" << 0 << u"its answer has too many lines"_s;
+    QTest::newRow("most blank lines") << blank + "250 x\n" << 1 << QString();
+    QTest::newRow("most blank lines twice") << blank + "250-x\n" + blank + "250 x\n" << 1 << QString();
+    QTest::newRow("blank lines too many") << blank + "\n250 x\n" << 0 << u"it answers with nothing but blank lines"_s;
+}
+
+void TestSmtpReply::linesAndRepliesAreBoundedExactly()
+{
+    QFETCH(QByteArray, input);
+    QFETCH(int, replies);
+    QFETCH(QString, fault);
+    SmtpReplyParser parser;
+    parser.feed(input);
+    int found = 0;
+    while (parser.next()) {
+        ++found;
+    }
+    QCOMPARE(found, replies);
+    QCOMPARE(parser.fault(), fault);
+}
+
+void TestSmtpReply::codesDecide_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<int>("code"); // 0: it is no reply
+    QTest::addColumn<bool>("positive");
+    QTest::addColumn<bool>("refusal");
+    QTest::newRow("199") << QByteArray("199 x") << 0 << false << false;
+    QTest::newRow("200") << QByteArray("200 x") << 200 << true << false;
+    QTest::newRow("299") << QByteArray("299 x") << 299 << true << false;
+    QTest::newRow("300") << QByteArray("300 x") << 300 << false << false;
+    QTest::newRow("399") << QByteArray("399 x") << 399 << false << false;
+    QTest::newRow("400") << QByteArray("400 x") << 400 << false << true;
+    QTest::newRow("599") << QByteArray("599 x") << 599 << false << true;
+    QTest::newRow("600") << QByteArray("600 x") << 0 << false << false;
+    QTest::newRow("letter in the middle") << QByteArray("2a0 x") << 0 << false << false;
+    QTest::newRow("letter at the end") << QByteArray("20a x") << 0 << false << false;
+    QTest::newRow("slash and colon") << QByteArray("2/: x") << 0 << false << false;
+    QTest::newRow("blank before") << QByteArray(" 250 x") << 0 << false << false;
+    QTest::newRow("two digits") << QByteArray("25") << 0 << false << false;
+    QTest::newRow("four digits") << QByteArray("2500") << 0 << false << false;
+    QTest::newRow("tab behind") << QByteArray("250\tx") << 0 << false << false;
+    QTest::newRow("nothing behind") << QByteArray("251") << 251 << true << false;
+}
+
+void TestSmtpReply::codesDecide()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(int, code);
+    QFETCH(bool, positive);
+    QFETCH(bool, refusal);
+    SmtpReplyParser parser;
+    parser.feed(line + "\r\n");
+    const std::optional<SmtpReply> reply = parser.next();
+    QCOMPARE(reply ? reply->Code : 0, code);
+    QCOMPARE(parser.fault().isEmpty(), code != 0);
+    QCOMPARE(reply && reply->isPositive(), positive);
+    QCOMPARE(reply && reply->isRefusal(), refusal);
+}
+
+void TestSmtpReply::aClearedParserTakesRepliesAgain()
+{
+    SmtpReplyParser parser;
+    for (const char *before : {"garbage\r\n", "250-begun\r\n", "22"}) {
+        parser.feed(before);
+        QVERIFY(!parser.next());
+        parser.clear();
+        QVERIFY(parser.fault().isEmpty() && !parser.hasPending());
+        parser.feed("220 ready\r\n");
+        QCOMPARE(parser.next().value_or(SmtpReply()).Lines, QList<QByteArray>{"ready"});
+    }
+}
+
+void TestSmtpReply::keywordsAreReadWhole()
+{
+    const SmtpExtensions none = SmtpExtensions::fromEhlo(
+        {250, {"host", "STARTTLSX", "XPIPELINING", "X SMTPUTF8", "SIZES 5", "AUTHX PLAIN", "", "8BITMIME SIZE AUTH"}});
+    QVERIFY(!none.StartTls && !none.Pipelining && !none.SmtpUtf8 && !none.Size && none.Auth.isEmpty());
+    const SmtpExtensions all =
+        SmtpExtensions::fromEhlo({250,
+                                  {"host", " starttls ", "PIPELINING x", "SMTPUTF8\tx", "SIZE 10 20", "AUTH=PLAIN  X",
+                                   "AUTH", "auth plain", "AUTH Y"}});
+    QVERIFY(all.StartTls && all.Pipelining && all.SmtpUtf8 && all.Size);
+    QCOMPARE(all.MaxSize, 10);
+    QCOMPARE(all.Auth, (QList<QByteArray>{"PLAIN", "X", "Y"}));
 }
 
 QTEST_GUILESS_MAIN(TestSmtpReply)
