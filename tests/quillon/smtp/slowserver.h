@@ -18,6 +18,8 @@ public:
     int Rests = 0;         ///< before the portions of all mails
     qint64 Taken = 0;      ///< octets of mails
     bool Accepted = false; ///< a final dot has come
+    bool Closed = false;   ///< by the client: this one never closes
+    QByteArray LastLine;   ///< of the commands
 
 private:
     void greet()
@@ -25,6 +27,7 @@ private:
         QTcpSocket *socket = nextPendingConnection();
         socket->setReadBufferSize(m_portion);
         socket->write("220 slow.example\r\n");
+        connect(socket, &QTcpSocket::disconnected, this, [this] { Closed = true; });
         connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { onReadyRead(socket); });
     }
 
@@ -42,7 +45,8 @@ private:
             return;
         }
         while (!m_inBody && socket->canReadLine()) {
-            m_inBody = socket->readLine() == "DATA\r\n";
+            LastLine = socket->readLine();
+            m_inBody = LastLine == "DATA\r\n";
             socket->write(m_inBody ? "354 go\r\n" : "250 ok\r\n");
         }
     }

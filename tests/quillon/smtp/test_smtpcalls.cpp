@@ -348,8 +348,8 @@ void TestSmtpCalls::aMessageGoesToToCcAndBcc()
     message.Subject = u"Hello"_s;
     message.Content = u"Text\r\n.\r\n"_s;
     QVERIFY2(client.sendMessage(message), qPrintable(client.Errors.join(u'\n')));
-    QCOMPARE(server.Lines.mid(2), (QList<QByteArray>{"RCPT TO:<to@example.org>", "RCPT TO:<cc@example.org>",
-                                                     "RCPT TO:<bcc@example.org>", "DATA"}));
+    QCOMPARE(server.Lines.mid(1), (QList<QByteArray>{"MAIL FROM:<from@example.org>", "RCPT TO:<to@example.org>",
+                                                     "RCPT TO:<cc@example.org>", "RCPT TO:<bcc@example.org>", "DATA"}));
     QCOMPARE(server.Mails.size(), 1);
     QVERIFY(!server.Mails.first().contains("bcc@example.org"));
 }

@@ -1,5 +1,6 @@
 #include "quillon/smtp/dialogue.h"
 
+#include <QHostAddress>
 #include <QTimer>
 
 using namespace dialogue;
@@ -13,6 +14,7 @@ private Q_SLOTS:
 
     void aMailGoesStepByStep();
     void pipelinedCommandsGoTogether();
+    void withoutPipeliningEachCommandWaitsForItsAnswer();
     void severalRecipientsHoldDataBackUntilAllAreAccepted();
     void aThousandPipelinedRecipientsAllGetTheMail();
     void everyReplyCutAtEveryPlaceIsUnderstood();
@@ -20,6 +22,7 @@ private Q_SLOTS:
     void blankLinesBetweenRepliesArePassedOver();
     void heloFollowsWhenEhloIsUnknown();
     void ehloNamesAFullHostOrAnAddress();
+    void ehloNamesAnAddressInBrackets();
     void progressNamesTheStagesThenThePercentage();
 };
 
@@ -57,6 +60,27 @@ void TestSmtpDialogue::pipelinedCommandsGoTogether()
     };
     QVERIFY(client.send(text));
     QCOMPARE(server.Mails, QList<QByteArray>{textOnWire});
+}
+
+void TestSmtpDialogue::withoutPipeliningEachCommandWaitsForItsAnswer()
+{
+    ScriptedServer server;
+    QList<qsizetype> linesAtAnswer;
+    server.Responder = [&](const QByteArray &line) -> std::optional<QByteArray> {
+        if (!line.startsWith("MAIL") && !line.startsWith("RCPT")) {
+            return std::nullopt;
+        }
+        // What has come by the next turn was sent along.
+        QTimer::singleShot(0, &server, [&] {
+            linesAtAnswer += server.Lines.size();
+            server.say("250 ok\r\n");
+        });
+        return QByteArray();
+    };
+    Client client;
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QVERIFY(client.send(text, {u"a@b.c"_s, u"d@e.f"_s}));
+    QCOMPARE(linesAtAnswer, (QList<qsizetype>{2, 3, 4}));
 }
 
 void TestSmtpDialogue::severalRecipientsHoldDataBackUntilAllAreAccepted()
@@ -156,6 +180,23 @@ void TestSmtpDialogue::ehloNamesAFullHostOrAnAddress()
     const QByteArray name = server.Lines.first().mid(5);
     QVERIFY2(name == "[127.0.0.1]" || (name.contains('.') && !name.contains('[') && !name.contains(' ')),
              name.constData());
+}
+
+void TestSmtpDialogue::ehloNamesAnAddressInBrackets()
+{
+    // Unless this host has a full name of its own.
+    for (const auto &[address, literal] :
+         {std::pair{QHostAddress::LocalHost, "[127.0.0.1]"}, std::pair{QHostAddress::LocalHostIPv6, "[IPv6:::1]"}}) {
+        ScriptedServer server;
+        server.close();
+        if (!server.listen(address)) {
+            continue; // no IPv6 here
+        }
+        Client client;
+        QCOMPARE(client.connectTo(server.port(), QHostAddress(address).toString()), 2);
+        const QByteArray name = server.Lines.first().mid(5);
+        QVERIFY2(name == literal || (name.contains('.') && !name.startsWith('[')), name.constData());
+    }
 }
 
 void TestSmtpDialogue::progressNamesTheStagesThenThePercentage()

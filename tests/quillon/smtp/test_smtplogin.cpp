@@ -26,8 +26,18 @@ private Q_SLOTS:
     void aLoginThatEndsEarlyIsNotBelieved();
     void anAnswerBehindAChallengeIsOutOfTurn();
     void withoutAUserNobodyLogsIn();
+    void allButTheGreetingGoesInTls_data();
+    void allButTheGreetingGoesInTls();
+    void theLastWordsInTlsAreHeard();
 
 private:
+    void secure(ScriptedServer &server)
+    {
+        SmtpTls::setAuthorities({m_certificates.authority()});
+        server.Certificate = m_certificates.localhost();
+        server.Key = m_certificates.localhostKey();
+    }
+
     testsupport::Certificates m_certificates;
 };
 
@@ -266,6 +276,55 @@ void TestSmtpLogin::withoutAUserNobodyLogsIn()
     client.Transport.Password = u"geheim"_s;
     QCOMPARE(client.connectTo(server.port()), 2);
     QVERIFY(!server.heard("AUTH"));
+}
+
+void TestSmtpLogin::allButTheGreetingGoesInTls_data()
+{
+    QTest::addColumn<int>("security");
+    QTest::newRow("implicit TLS") << int(MailTransport::Ssl);
+    QTest::newRow("STARTTLS") << int(MailTransport::StartTls);
+}
+
+void TestSmtpLogin::allButTheGreetingGoesInTls()
+{
+    QFETCH(int, security);
+    ScriptedServer server;
+    secure(server);
+    server.Offers = {"STARTTLS", "AUTH CRAM-MD5 PLAIN"};
+    server.ImplicitTls = security == MailTransport::Ssl;
+    Client client;
+    client.Transport.Security = security;
+    QVERIFY2(runSession(client, server), qPrintable(client.Errors.join(u'\n')));
+    client.Transport.Quit();
+    QTRY_COMPARE(server.Ended, 1);
+    QList<QByteArray> words;
+    for (const QByteArray &line : std::as_const(server.Lines)) {
+        words += line.split(' ').first();
+    }
+    // In TLS the password may go as it is, so that the server need not keep it.
+    QCOMPARE(words.mid(security == MailTransport::Ssl ? 0 : 2),
+             (QList<QByteArray>{"EHLO", "AUTH", "MAIL", "RCPT", "DATA", "QUIT"}));
+    QCOMPARE(server.count("AUTH PLAIN "), 1);
+    QCOMPARE(server.Mails, QList<QByteArray>{textOnWire});
+}
+
+void TestSmtpLogin::theLastWordsInTlsAreHeard()
+{
+    for (const char *words : {"", "421 bye\r\n"}) {
+        ScriptedServer server;
+        secure(server);
+        server.ImplicitTls = true;
+        server.answer("MAIL", words);
+        server.closeAt("MAIL");
+        Client client;
+        client.Transport.Security = MailTransport::Ssl;
+        QCOMPARE(client.connectTo(server.port()), 2);
+        QVERIFY(!client.send(text));
+        const QString start = u"Sending the sender (MAIL FROM) failed: the server has "_s;
+        QCOMPARE(client.Errors, QStringList{start + (*words == 0 ? u"closed the connection (its last answer was “250 "
+                                                                   "scripted.example”)."_s
+                                                                 : u"ended the session, “421 bye”."_s)});
+    }
 }
 
 QTEST_GUILESS_MAIN(TestSmtpLogin)

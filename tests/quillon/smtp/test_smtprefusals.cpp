@@ -22,6 +22,7 @@ private Q_SLOTS:
     void theNextMailWaitsForTheAnswerToReset();
     void aSecondRefusalOfOneMailIsNotTold();
     void theFirstOfSeveralRefusalsIsTold();
+    void afterARefusalNobodyElseIsNamed();
 
     void aRefusalInTheMiddleOfTheMailIsSeen();
     void aRefusalInTheMiddleOfTheMailIsSeenThoughTheServerCloses();
@@ -204,6 +205,27 @@ void TestSmtpRefusals::theFirstOfSeveralRefusalsIsTold()
     QCOMPARE(client.Codes, QList<int>{550});
     QTRY_COMPARE(server.count("RSET"), 1);
     QCOMPARE(client.Transport.State(), 2);
+}
+
+void TestSmtpRefusals::afterARefusalNobodyElseIsNamed()
+{
+    for (const bool pipelining : {false, true}) {
+        ScriptedServer server;
+        server.Offers = {pipelining ? QByteArray("PIPELINING") : QByteArray("HELP")};
+        server.answer("RCPT TO:<r0@b.c>", "550 no\r\n");
+        QStringList to;
+        for (int i = 0; i < 300; ++i) {
+            to += u"r%1@b.c"_s.arg(i);
+        }
+        Client client;
+        QCOMPARE(client.connectTo(server.port()), 2);
+        QVERIFY(!client.send(text, to));
+        QTRY_COMPARE(server.count("RSET"), 1);
+        // Those that were on their way already are answered before.
+        QCOMPARE(server.count("RCPT"), pipelining ? 100 : 1);
+        QVERIFY(!server.heard("DATA"));
+        QVERIFY(client.accepted());
+    }
 }
 
 void TestSmtpRefusals::aRefusalInTheMiddleOfTheMailIsSeen()

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void theTimeThatTheProgramTakesIsNotThePeers();
     void aSilentPeerIsLostBetweenTwoCalls();
     void theTimeForConnectingIsItsOwn();
+    void aPeerThatIgnoresQuitIsCutOff();
     void theGraceCountsFromTheConnectionOnly();
     void theGraceIsOnlyForAPeerThatSaidNothing_data();
     void theGraceIsOnlyForAPeerThatSaidNothing();
@@ -240,6 +241,17 @@ void TestSmtpTimes::theTimeForConnectingIsItsOwn()
     QVERIFY(later);
     QCOMPARE(client.Errors, QStringList{u"Connecting to 127.0.0.1, port 25, through the proxy 127.0.0.1, port %1, "
                                         "failed: there was no answer for 1 s."_s.arg(proxy.port())});
+}
+
+void TestSmtpTimes::aPeerThatIgnoresQuitIsCutOff()
+{
+    SlowServer server(1000, 0);
+    Client client;
+    QCOMPARE(client.connectTo(server.serverPort()), 2);
+    client.Transport.Quit();
+    QCOMPARE(client.Transport.State(), 0);
+    QTRY_VERIFY(server.LastLine == "QUIT\r\n");
+    QTRY_VERIFY_WITH_TIMEOUT(server.Closed, 60'000);
 }
 
 void TestSmtpTimes::theGraceCountsFromTheConnectionOnly()

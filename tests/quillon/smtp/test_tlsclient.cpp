@@ -2,6 +2,8 @@
 #include "quillon/smtp/memoryserver.h"
 #include "support/certificates.h"
 
+#include <QScopeGuard>
+#include <QTemporaryFile>
 #include <QTest>
 
 using namespace quillon;
@@ -21,6 +23,7 @@ private Q_SLOTS:
     void nothingIsEncryptedBeforeTheHandshakeIsOver();
     void aPeerIsVerified_data();
     void aPeerIsVerified();
+    void theSystemsAuthoritiesCountWithoutOthers();
     void anOldVersionIsNoTls();
     void garbageInTheHandshakeFails();
     void garbageBehindTheHandshakeFails();
@@ -139,6 +142,24 @@ void TestTlsClient::aPeerIsVerified()
     client.write("secret");
     peer->converse(client);
     QCOMPARE(peer->Heard, fault.isEmpty() ? QByteArray("secret") : QByteArray());
+}
+
+void TestTlsClient::theSystemsAuthoritiesCountWithoutOthers()
+{
+    QTemporaryFile file;
+    QVERIFY(file.open() && file.write(m_certificates.authority().toPem()) > 0 && file.flush());
+    // By this name the library finds the system's file; that of the test's process is this one for the moment.
+    const QByteArray before = qgetenv("SSL_CERT_FILE");
+    qputenv("SSL_CERT_FILE", file.fileName().toLocal8Bit());
+    const auto restore =
+        qScopeGuard([&before] { before.isNull() ? qunsetenv("SSL_CERT_FILE") : qputenv("SSL_CERT_FILE", before); });
+    SmtpTls::setAuthorities({});
+    const auto peer = server();
+    peer->begin();
+    TlsClient client(u"localhost"_s, 465);
+    peer->converse(client);
+    QCOMPARE(client.fault(), QString());
+    QCOMPARE(client.state(), TlsClient::State::Ready);
 }
 
 void TestTlsClient::anOldVersionIsNoTls()
