@@ -170,6 +170,9 @@ void TestTlsClient::anOldVersionIsNoTls()
     peer->converse(client);
     QCOMPARE(client.state(), TlsClient::State::Failed);
     QVERIFY(!client.fault().isEmpty());
+    // Whatever the system's settings of the library allow.
+    const std::unique_ptr<SSL, decltype(&SSL_free)> connection(SmtpTls::newConnection(), SSL_free);
+    QCOMPARE(static_cast<int>(SSL_get_min_proto_version(connection.get())), TLS1_2_VERSION);
 }
 
 void TestTlsClient::garbageInTheHandshakeFails()
