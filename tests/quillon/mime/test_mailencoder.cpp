@@ -212,7 +212,7 @@ void TestMailEncoder::aMailWithAllPartsIsWrittenToTheOctet()
                                 "5 =E2=82=AC\r\n"
                                 "\r\n"
                                 "--=_#.2\r\n"
-                                "Content-Type: multipart/related; type=\"text/html\"; boundary=\"=_#.3\"\r\n"
+                                "Content-Type: multipart/related; type=\"text/html\";\r\n boundary=\"=_#.3\"\r\n"
                                 "\r\n"
                                 "--=_#.3\r\n"
                                 "Content-Type: text/html; charset=iso-8859-1\r\n"

@@ -86,9 +86,7 @@ void TestMailEncoderFiles::attachmentsAreTypedByContent()
         {u"empty"_s, {QByteArray(), "application/octet-stream"}},
         {u"empty.pdf"_s, {QByteArray(), "application/pdf"}},
         {u"words.unknownending"_s, {"plain words\n", "text/plain"}},
-        {u"letter.docx"_s,
-         {QByteArray::fromHex("504b03040a0000000000"),
-          "application/vnd.openxmlformats-officedocument.wordprocessingml.document"}},
+        {u"letter.odt"_s, {QByteArray::fromHex("504b03040a0000000000"), "application/vnd.oasis.opendocument.text"}},
     };
     for (auto i = expected.begin(); i != expected.end(); ++i) {
         MailMessage mail = message();
