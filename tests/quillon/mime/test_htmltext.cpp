@@ -78,6 +78,7 @@ void TestHtmlText::textVersionIsReadable_data()
         << u"<ol><li>a<br>b<ul><li>c<br>d</ul><li>e</ol>f"_s << u"1. a\r\n  b\r\n  - c\r\n    d\r\n2. e\r\n\r\nf\r\n"_s;
     QTest::newRow("other lists") << u"<dir><li>a</dir><menu><li>b</menu><dl><dt>c<dd>d</dl>"_s
                                  << u"- a\r\n\r\n- b\r\n\r\nc\r\nd\r\n"_s;
+    QTest::newRow("list behind a text") << u"a<ul><li>b</ul>c"_s << u"a\r\n\r\n- b\r\n\r\nc\r\n"_s;
     QTest::newRow("entry without a list") << u"a<li>b</li>c"_s << u"a\r\n- b\r\nc\r\n"_s;
     QTest::newRow("rule") << u"a<hr>b"_s << u"a\r\n"_s + QString(40, u'-') + u"\r\nb\r\n"_s;
     QTest::newRow("headings") << u"<h1>a</h1>b<h6>c</h6>d"_s << u"a\r\n\r\nb\r\n\r\nc\r\n\r\nd\r\n"_s;
