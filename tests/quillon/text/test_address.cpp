@@ -97,7 +97,7 @@ void TestAddress::isEmailAddress_data()
                                u"a@[1.2.3.4.5]"_s,
                                u"a@[1.2.3.4"_s,
                                u"a@1.2.3.4]"_s,
-                               u"a@[IPv6:1:2]"_s.replace(u"1:2"_s, u"1"_s),
+                               u"a@[IPv6:1:2]"_s,
                                u"a@[IPv6:1::g]"_s,
                                u"a@[1::2:3]"_s,
                                u"a@[]"_s,
