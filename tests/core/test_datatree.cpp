@@ -4,6 +4,8 @@
 #include <QDirIterator>
 #include <QTest>
 
+#include <array>
+#include <fcntl.h>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -41,10 +43,7 @@ private Q_SLOTS:
     void foldersAndFilesAreForTheirOwner();
     void missingApplicationDataFolderIsMade();
     void presentFileIsNeverTouched();
-    void oldSharedFolderIsMovedOverOnce();
-    void userWhoWasMovedOverKeepsTheirData();
     void settingsThatCannotBeReadStopTheMoveOverAndTheConversions();
-    void sharedFolderThatIsTheUsersOwnIsNotCopied();
     void everyFolderAndFileOfTheTreeIsMadeWritable();
     void subjectThatIsEncodedAlreadyIsNotEncodedAgain();
     void readOnlyFileInSignsIsWritableAgain();
@@ -59,6 +58,9 @@ private Q_SLOTS:
     void conversionIsTriedOnceEvenWhenATemplateCannotBeRead();
     void readOnlyDiskIsSilent();
     void leftoversOfAKilledWriteAreCleared();
+    void hiddenFilesAreMadeWritable();
+    void namesOfOldTemplatesAreHeadsOnly_data();
+    void namesOfOldTemplatesAreHeadsOnly();
 
 private:
     [[nodiscard]] QString head(const QString &name) const { return m_tree->globals.paths.templates + u'/' + name; }
@@ -117,33 +119,6 @@ void TestDataTree::presentFileIsNeverTouched()
     QCOMPARE(contentOf(m_tree->globals.paths.smtpFile), QByteArray("an account\r\n"));
 }
 
-void TestDataTree::oldSharedFolderIsMovedOverOnce()
-{
-    const QString old = m_tree->sharedFolder() + u"/Lanthorn/Corvane"_s;
-    QVERIFY(QDir().mkpath(old + u"/data/templates"_s));
-    writeFile(old + u"/data/smtp.dll"_s, "shared account\r\n");
-    writeFile(old + u"/data/templates/head_a.dll"_s, "[Head]\r\nTo=a@b.c\r\n");
-    corvane::PrepareDataFolder(m_tree->globals);
-    QCOMPARE(contentOf(m_tree->globals.paths.smtpFile), QByteArray("shared account\r\n"));
-    QCOMPARE(contentOf(head(u"head_a.dll"_s)), QByteArray("[Head]\r\nTo=a@b.c\r\n"));
-    QCOMPARE(setting(m_tree->globals.paths.optionsFile, u"Other"_s, u"AppDataPath"_s), u"True"_s);
-
-    writeFile(m_tree->globals.paths.smtpFile, "my account\r\n");
-    corvane::PrepareDataFolder(m_tree->globals);
-    QCOMPARE(contentOf(m_tree->globals.paths.smtpFile), QByteArray("my account\r\n"));
-}
-
-void TestDataTree::userWhoWasMovedOverKeepsTheirData()
-{
-    const QString old = m_tree->sharedFolder() + u"/Lanthorn/Corvane"_s;
-    QVERIFY(QDir().mkpath(old + u"/data"_s));
-    writeFile(old + u"/data/smtp.dll"_s, "shared account\r\n");
-    QVERIFY(QDir().mkpath(m_tree->globals.paths.data));
-    writeFile(m_tree->globals.paths.optionsFile, "[Other]\r\nAppDataPath=True\r\n");
-    corvane::PrepareDataFolder(m_tree->globals);
-    QCOMPARE(contentOf(m_tree->globals.paths.smtpFile), QByteArray(""));
-}
-
 void TestDataTree::settingsThatCannotBeReadStopTheMoveOverAndTheConversions()
 {
     const QString old = m_tree->sharedFolder() + u"/Lanthorn/Corvane"_s;
@@ -160,14 +135,6 @@ void TestDataTree::settingsThatCannotBeReadStopTheMoveOverAndTheConversions()
     corvane::UpgradeOldData(m_tree->globals);
     QCOMPARE(contentOf(m_tree->globals.paths.smtpFile), QByteArray("my account\r\n"));
     QCOMPARE(contentOf(this->head(u"head_a.dll"_s)), head);
-}
-
-void TestDataTree::sharedFolderThatIsTheUsersOwnIsNotCopied()
-{
-    qputenv("XDG_DATA_DIRS", QFile::encodeName(m_tree->userFolder()));
-    corvane::PrepareDataFolder(m_tree->globals);
-    corvane::PrepareDataFolder(m_tree->globals);
-    QCOMPARE(setting(m_tree->globals.paths.optionsFile, u"Other"_s, u"AppDataPath"_s), QString());
 }
 
 void TestDataTree::everyFolderAndFileOfTheTreeIsMadeWritable()
@@ -323,9 +290,63 @@ void TestDataTree::leftoversOfAKilledWriteAreCleared()
 {
     corvane::PrepareDataFolder(m_tree->globals);
     const QString leftover = m_tree->userFolder() + u"/Lanthorn/.corvane-writing/.corvane-write-abcdef"_s;
+    const QString other = m_tree->userFolder() + u"/Lanthorn/.corvane-writing/mine"_s;
     writeFile(leftover, "half");
+    writeFile(other, "mine");
     corvane::PrepareDataFolder(m_tree->globals);
     QVERIFY(!QFile::exists(leftover));
+    QVERIFY(QFile::exists(other));
+    // From then on whole files are written there and moved from there.
+    const QString target = m_tree->globals.paths.data + u"/new"_s;
+    QVERIFY(QFile::remove(other));
+    QVERIFY(QDir().rmdir(m_tree->userFolder() + u"/Lanthorn/.corvane-writing"_s));
+    QVERIFY(QDir().mkpath(m_tree->path(u"elsewhere"_s)));
+    QVERIFY(QFile::link(m_tree->path(u"elsewhere"_s), m_tree->userFolder() + u"/Lanthorn/.corvane-writing"_s));
+    const QByteArray elsewhere = QFile::encodeName(m_tree->path(u"elsewhere"_s));
+    const std::array<timespec, 2> longAgo{};
+    QCOMPARE(::utimensat(AT_FDCWD, elsewhere.constData(), longAgo.data(), 0), 0);
+    m_tree->globals.system.WriteSetting(target, u"A"_s, u"k"_s, u"v"_s);
+    struct stat status {};
+    QCOMPARE(::stat(elsewhere.constData(), &status), 0);
+    QVERIFY(status.st_mtim.tv_sec != 0);
+    QVERIFY(QDir(m_tree->path(u"elsewhere"_s)).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+}
+
+void TestDataTree::hiddenFilesAreMadeWritable()
+{
+    corvane::PrepareDataFolder(m_tree->globals);
+    const corvane::DataPaths &paths = m_tree->globals.paths;
+    for (const QString &folder : {paths.data, paths.signs, paths.templates, paths.logs, paths.zips}) {
+        writeFile(folder + u"/.hidden"_s, "x");
+        QCOMPARE(::chmod(QFile::encodeName(folder + u"/.hidden"_s).constData(), 0040), 0);
+    }
+    corvane::PrepareDataFolder(m_tree->globals);
+    for (const QString &folder : {paths.data, paths.signs, paths.templates, paths.logs, paths.zips}) {
+        QVERIFY2(modeOf(folder + u"/.hidden"_s) == 0640, qPrintable(folder));
+    }
+}
+
+void TestDataTree::namesOfOldTemplatesAreHeadsOnly_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("converted");
+    for (const QString &name : {u"head_a.dll"_s, u"Head_"_s, u"hEaD_.hidden"_s}) {
+        QTest::newRow(qPrintable(name)) << name << true;
+    }
+    for (const QString &name : {u"heads_a.dll"_s, u"ahead_a.dll"_s, u".head_a.dll"_s, u"head"_s}) {
+        QTest::newRow(qPrintable(name)) << name << false;
+    }
+}
+
+void TestDataTree::namesOfOldTemplatesAreHeadsOnly()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, converted);
+    corvane::PrepareDataFolder(m_tree->globals);
+    writeFile(head(name), "[Head]\r\nSMTP Account=a@b.c\r\nSender=Ada\r\nSubject= \xC3\xBC \r\n");
+    corvane::UpgradeOldData(m_tree->globals);
+    QCOMPARE(setting(head(name), u"Head"_s, u"Sender"_s), converted ? u"Ada <a@b.c>"_s : u"Ada"_s);
+    QCOMPARE(setting(head(name), u"Head"_s, u"Subject"_s), converted ? u"=?utf-8?B?w7w=?="_s : u" ü "_s);
 }
 
 QTEST_GUILESS_MAIN(TestDataTree)

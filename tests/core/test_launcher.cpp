@@ -31,6 +31,9 @@ private Q_SLOTS:
     void switchIsTheWholeCommandLineInEitherCase();
     void secondInstanceOfTheSameDataIsSeen();
     void lockIsFreedWhenItsHolderIsGone();
+    void lockIsOfOneFolderHoweverItIsWritten();
+    void startedProgramsDoNotHoldTheLock();
+    void positionIsRestoredUnlessTheSettingChangesMeanwhile();
     void handOverGoesInItsOrder();
     void emptyStartupDoesNotCountAsLast();
     void missingCompanionIsNoFault();
@@ -96,6 +99,39 @@ void TestLauncher::lockIsFreedWhenItsHolderIsGone()
         const InstanceLock first(u"/data/one"_s);
     }
     QVERIFY(!InstanceLock(u"/data/one"_s).otherInstanceRuns());
+}
+
+void TestLauncher::lockIsOfOneFolderHoweverItIsWritten()
+{
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_tree->path()));
+    const InstanceLock first(u"/data/one"_s);
+    QVERIFY(InstanceLock(u"/data/./two/..//one/"_s).otherInstanceRuns());
+    QVERIFY(!InstanceLock(u"/data/One"_s).otherInstanceRuns());
+}
+
+void TestLauncher::startedProgramsDoNotHoldTheLock()
+{
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_tree->path()));
+    QProcess companion; // goes on until its input is closed
+    {
+        const InstanceLock first(u"/data/one"_s);
+        companion.start(u"/bin/cat"_s, {});
+        QVERIFY(companion.waitForStarted());
+    }
+    QCOMPARE(companion.state(), QProcess::Running);
+    QVERIFY(!InstanceLock(u"/data/one"_s).otherInstanceRuns());
+    companion.closeWriteChannel();
+    QVERIFY(companion.waitForFinished());
+}
+
+void TestLauncher::positionIsRestoredUnlessTheSettingChangesMeanwhile()
+{
+    m_tree->globals.settings.set(Setting::Startup, u"Last"_s);
+    HandOver steps = recordedHandOver();
+    steps.createHiddenProgress = [this] { m_tree->globals.settings.set(Setting::Startup, u"Max"_s); };
+    handOver(m_tree->globals, false, steps);
+    QCOMPARE(m_steps.constFirst(), u"main, restoring 1"_s);
+    QCOMPARE(m_steps.constLast(), u"splash, restoring 1"_s);
 }
 
 void TestLauncher::handOverGoesInItsOrder()

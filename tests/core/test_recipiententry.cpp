@@ -14,6 +14,8 @@ private Q_SLOTS:
     void nameEndsTwoCharactersBeforeTheBracket();
     void trailingCommaIsCutOnceAndEmptyEntriesStay();
     void lineEndWithinAnEntryIsABlank();
+    void anEntryTurnsIntoItsNameAndAddress_data();
+    void anEntryTurnsIntoItsNameAndAddress();
 };
 
 void TestRecipientEntry::entryIsANameABlankAndAnAddressInBrackets_data()
@@ -68,6 +70,26 @@ void TestRecipientEntry::lineEndWithinAnEntryIsABlank()
              (QStringList{u"Bob Lee <b@x.org>"_s, u"Cy D <c@x.org>"_s}));
     QCOMPARE(trimmedEntry(u"\u2029Bob\u2028Lee <b@x.org>\u2028"_s), u"Bob Lee <b@x.org>"_s);
     QCOMPARE(trimmedEntry(u"\tBob\tLee <b@x.org>\t"_s), u"Bob\tLee <b@x.org>"_s); // no line end: as it was typed
+}
+
+void TestRecipientEntry::anEntryTurnsIntoItsNameAndAddress_data()
+{
+    QTest::addColumn<QString>("entry");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("address");
+    QTest::newRow("name and address") << u"Ada L <a@b.c>"_s << u"Ada L"_s << u"a@b.c"_s;
+    QTest::newRow("shortest name") << u"A <a@b.c>"_s << u"A"_s << u"a@b.c"_s;
+    QTest::newRow("bare address") << u"a@b.c"_s << QString() << u"a@b.c"_s;
+    QTest::newRow("bracket too early") << u" <a@b.c>"_s << QString() << u" <a@b.c>"_s;
+    QTest::newRow("nothing in the brackets") << u"A <"_s << u"A"_s << QString();
+    QTest::newRow("empty") << QString() << QString() << QString();
+}
+
+void TestRecipientEntry::anEntryTurnsIntoItsNameAndAddress()
+{
+    QFETCH(QString, entry);
+    QTEST(toMailAddress(entry).Name, "name");
+    QTEST(toMailAddress(entry).Address, "address");
 }
 
 QTEST_GUILESS_MAIN(TestRecipientEntry)

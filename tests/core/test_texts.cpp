@@ -1,6 +1,7 @@
 #include "core/launcher.h"
 #include "quillon/text/owntexts.h"
 #include "support/treefixture.h"
+#include "support/waitfor.h"
 
 #include <QTest>
 
@@ -50,6 +51,8 @@ private Q_SLOTS:
     }
 
     void textIsReadAtEachUse();
+    void boxesAreAskedForByKeyTextValueAndStyle();
+    void aFormsTextIsThatOfTheFileEvenWhenItIsEmpty();
     void keyThatIsNotThereGivesAnEmptyBoxThatStillWaits();
     void missingFileGivesAnEmptyBoxThatStillWaits();
     void valueStandsInFrontInSingleQuotes();
@@ -67,6 +70,35 @@ void TestTexts::textIsReadAtEachUse()
     QCOMPARE(LookupText(u"NO_LOG"_s), u"one"_s);
     writeFile(tips(), "[Message & Text]\r\nNO_LOG=two\r\n");
     QCOMPARE(LookupText(u"NO_LOG"_s), u"two"_s);
+}
+
+void TestTexts::boxesAreAskedForByKeyTextValueAndStyle()
+{
+    writeFile(tips(), "[Message & Text]\r\nK=text\r\n");
+    RecordedPrompts prompts;
+    QCOMPARE(showMessage(u"K"_s, quillon::OkCancelQuestionBox, u"v"_s), quillon::BoxAnswer::Yes);
+    QCOMPARE(showMessage(u"K"_s, quillon::YesNoBox), quillon::BoxAnswer::Yes);
+    QCOMPARE(showText(u"said"_s, quillon::WarningBox), quillon::BoxAnswer::Yes);
+    QCOMPARE(waitFor(messageShown(u"K"_s, quillon::YesNoCancelBox, u"w"_s)), quillon::BoxAnswer::Yes);
+    QCOMPARE(waitFor(textShown(u"told"_s, quillon::InformationBox, u"L"_s)), quillon::BoxAnswer::Yes);
+    QStringList asked;
+    for (const quillon::BoxRequest &box : std::as_const(prompts.boxes)) {
+        asked.append(QStringList{box.Key, box.Text, box.Value, QString::number(box.Style)}.join(u'/'));
+    }
+    const auto style = [](int number) { return u'/' + QString::number(number); };
+    QCOMPARE(asked, (QStringList{u"K/'v' text/v"_s + style(quillon::OkCancelQuestionBox),
+                                 u"K/text/"_s + style(quillon::YesNoBox), u"/said/"_s + style(quillon::WarningBox),
+                                 u"K/'w' text/w"_s + style(quillon::YesNoCancelBox),
+                                 u"L/told/"_s + style(quillon::InformationBox)}));
+}
+
+void TestTexts::aFormsTextIsThatOfTheFileEvenWhenItIsEmpty()
+{
+    writeFile(tips(), "[frmA]\r\nk=text\r\nempty=\r\n[Message & Text]\r\nm=1\r\n");
+    QCOMPARE(formText(u"frma"_s, u"K"_s, u"standard"_s), u"text"_s);
+    QCOMPARE(formText(u"frmA"_s, u"empty"_s, u"standard"_s), QString());
+    QCOMPARE(formText(u"frmA"_s, u"m"_s, u"standard"_s), u"standard"_s);
+    QCOMPARE(formText(u"frmB"_s, u"k"_s, QString()), QString());
 }
 
 void TestTexts::keyThatIsNotThereGivesAnEmptyBoxThatStillWaits()

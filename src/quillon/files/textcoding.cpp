@@ -33,7 +33,7 @@ QString fromWindows1252(const QByteArray &bytes)
 QString fromUtf16(const QByteArray &bytes)
 {
     const auto order = bytes.startsWith(utf16LittleMark) ? QStringDecoder::Utf16LE : QStringDecoder::Utf16BE;
-    QStringDecoder decoder(order, QStringDecoder::Flag::Default);
+    QStringDecoder decoder(order, QStringDecoder::Flag::ConvertInitialBom); // the mark itself is cut off
     QString text = decoder(QByteArrayView(bytes).sliced(2));
     return text;
 }

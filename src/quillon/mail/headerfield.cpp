@@ -126,10 +126,11 @@ QByteArray headerDomain(const QString &domain)
     return isAsciiDomain(octets) ? octets : QByteArray();
 }
 
+/// Whether @p value, which has no blanks at its ends, needs no coding.
 bool standsInQuotes(const QString &value)
 {
     return value.size() <= longestPlainValue && isPrintableAscii(value) && !value.contains(u'"') &&
-           !value.contains(u'\\') && !value.contains(u"=?"_s) && !value.startsWith(u' ') && !value.endsWith(u' ');
+           !value.contains(u'\\') && !value.contains(u"=?"_s);
 }
 
 /// @p value in UTF-8 with "%" escapes, in pieces that end between characters.
@@ -277,9 +278,6 @@ void addParameterInWords(HeaderField &field, QByteArrayView name, const QString 
         return;
     }
     QByteArrayList words = encodedWords(clean, "UTF-8"_ba, longestEncodedWord - key.size() - 2);
-    if (words.isEmpty()) {
-        return;
-    }
     words.first().prepend(key);
     words.last().append('"');
     addWords(field, words);

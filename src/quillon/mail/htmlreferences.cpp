@@ -68,6 +68,8 @@ constexpr std::array references = std::to_array<NamedReference>({
     {"zeta", 0x03B6},     {"zwj", 0x200D},     {"zwnj", 0x200C},
 });
 
+static_assert(std::ranges::is_sorted(references, {}, &NamedReference::Name));
+
 constexpr qsizetype longestReference = 10;
 
 // What the octets 128 to 159 mean in Windows-1252, as which browsers read references to them; 0: nothing.

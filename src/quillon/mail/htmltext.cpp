@@ -85,6 +85,8 @@ constexpr std::array elements = std::to_array<NamedElement>({
     {"ul", Element::UnorderedList},
 });
 
+static_assert(std::ranges::is_sorted(elements, {}, &NamedElement::Name));
+
 constexpr qsizetype longestName = 10;
 
 /// What @p name, in lower case, is to a text; nothing where it only changes how things look.

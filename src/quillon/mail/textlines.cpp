@@ -32,7 +32,7 @@ void TextLines::quote(int change)
 
 void TextLines::indent(int change)
 {
-    m_indent = std::max(0, m_indent + change);
+    m_indent += change; // whoever calls knows which lists are open
 }
 
 void TextLines::addCollapsed(QStringView text)
@@ -80,7 +80,6 @@ qsizetype TextLines::addWordsOfLine(QStringView text)
     }
     m_text.truncate(to - start);
     m_blank = blank;
-    m_lineHasText = true;
     return text.size();
 }
 
@@ -101,6 +100,11 @@ void TextLines::addPreformatted(QStringView text)
         explicitBreak();
         at = end + (text[end] == u'\r' && end + 1 < text.size() && text[end + 1] == u'\n' ? 2 : 1);
     }
+}
+
+QStringView TextLines::textFrom(qsizetype at) const
+{
+    return QStringView(m_text).sliced(std::max(at, m_lineBegin));
 }
 
 QString TextLines::finished()
@@ -143,7 +147,6 @@ void TextLines::addWord(QStringView word)
     m_breaks = 0;
     m_blank = false;
     m_cell = false;
-    m_lineHasText = true;
     const qsizetype begin = m_text.size();
     m_text += word;
     // A no-break space is a plain one in a text, but one that stays.
@@ -160,6 +163,7 @@ void TextLines::beginLine(int quotes)
     // The mark of an entry stands where the entry's further lines are indented to.
     m_text += QString(std::max(0, m_marker.isEmpty() ? depth * 2 : depth * 2 - 2), u' ') + m_marker;
     m_marker.clear();
+    m_lineBegin = m_text.size();
 }
 
 } // namespace quillon

@@ -16,7 +16,7 @@ public:
     /// One more line end, up to two empty lines.
     void explicitBreak();
     /// The next text is another cell of the same row.
-    void cell() { m_cell = m_lineHasText && m_breaks == 0; }
+    void cell() { m_cell = m_breaks == 0; }
     /// The next line begins with @p marker, such as "- ".
     void setMarker(const QString &marker) { m_marker = marker; }
     /// Deepens (1) or ends (-1) a quote, or the indent of a list.
@@ -31,7 +31,8 @@ public:
     /// Makes room for a text of @p size characters.
     void reserve(qsizetype size) { m_text.reserve(size); }
     [[nodiscard]] qsizetype size() const { return m_text.size(); }
-    [[nodiscard]] QStringView textFrom(qsizetype at) const { return QStringView(m_text).sliced(at); }
+    /// What the last line got since the text had @p at characters; what marks a quote or an entry is not told.
+    [[nodiscard]] QStringView textFrom(qsizetype at) const;
 
     /// The whole text, closed by a line end unless it is empty.
     QString finished();
@@ -45,13 +46,13 @@ private:
 
     QString m_text;
     QString m_marker;
+    qsizetype m_lineBegin = 0; ///< of the last line's text, behind its quote marks and its entry's mark
     int m_breaks = 0;
     int m_quotes = 0;
     int m_lineQuotes = 0;
     int m_indent = 0;
     bool m_blank = false;
     bool m_cell = false;
-    bool m_lineHasText = false;
 };
 
 } // namespace quillon

@@ -9,6 +9,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -40,6 +41,10 @@ private Q_SLOTS:
 
     void eachPatternAddsOneLevel();
     void namesAreUtf8();
+    void hiddenFilesArePackedAndLinksToFoldersAreNotFollowed();
+    void theDeepestPatternOfAFolderCounts();
+    void namesThatReadTheSameGetANumber();
+    void aFailedArchiveLeavesTheEarlierOne();
     void fileThatChangesWhileItIsReadLeavesAValidArchive();
     void folderThatVanishesGivesAnArchiveWithoutIt();
     void fileAboveFourGigabytesMakesAZip64Archive();
@@ -87,6 +92,74 @@ void TestZipBuilder::namesAreUtf8()
     QVERIFY(build(1));
     QCOMPARE(python(u"i = z.infolist()[0]\nprint(ascii(i.filename), bool(i.flag_bits & 0x800))"_s, path(u"a.zip"_s)),
              u"'Gr\\xfc\\xdfe \\u6f22.txt' True"_s);
+}
+
+void TestZipBuilder::hiddenFilesArePackedAndLinksToFoldersAreNotFollowed()
+{
+    QVERIFY(QDir().mkpath(path(u"mine/.d"_s)));
+    write(u"mine/.a"_s, "hidden");
+    QVERIFY(QFile::setPermissions(path(u"mine/.a"_s),
+                                  QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup));
+    write(u"mine/.d/.b"_s, "deeper");
+    QVERIFY(QFile::link(u"/"_s, path(u"mine/.all"_s)));
+    QVERIFY(QFile::link(path(u"mine/.a"_s), path(u"mine/.link"_s)));
+    QVERIFY(QFile::link(path(u"nothing"_s), path(u"mine/.nothing"_s)));
+    QCOMPARE(::mkfifo(QFile::encodeName(path(u"mine/.pipe"_s)).constData(), 0600), 0);
+    const int before = quillon::faultCount();
+    QVERIFY(build(2));
+    QCOMPARE(quillon::faultCount(), before + 3);
+    QCOMPARE(python(u"print(z.namelist(), z.read('.a'), z.read('.d/.b'), z.read('.link'))"_s, path(u"a.zip"_s)),
+             u"['.a', '.d/', '.d/.b', '.link'] b'hidden' b'deeper' b'hidden'"_s);
+    QCOMPARE(
+        python(u"i = z.getinfo('.a')\nimport os, time\n"
+               "t = time.localtime(os.stat(sys.argv[1][:-5] + 'mine/.a').st_mtime)\n"
+               "print(abs(i.date_time[5] - t[5]) < 2, i.date_time[:5] == t[:5], oct(i.external_attr >> 16 & 0o777))"_s,
+               path(u"a.zip"_s)),
+        u"True True 0o640"_s);
+}
+
+void TestZipBuilder::theDeepestPatternOfAFolderCounts()
+{
+    QVERIFY(QDir().mkpath(path(u"mine/d"_s)));
+    QVERIFY(QDir().mkpath(path(u"other"_s)));
+    write(u"mine/d/two"_s, "2");
+    write(u"other/one"_s, "1");
+    quillon::ZipBuilder zip;
+    zip.ArchivePath = path(u"a.zip"_s);
+    for (const QString &pattern : {u"mine/*/*"_s, u"other/*"_s, u"mine/*"_s}) {
+        zip.AddPattern(path(pattern));
+    }
+    QVERIFY(waitFor(zip.Build()));
+    QCOMPARE(python(u"print(z.namelist())"_s, path(u"a.zip"_s)), u"['d/', 'd/two', 'one']"_s);
+    zip.AddPattern(path(u"no pattern"_s));
+    QVERIFY(!waitFor(zip.Build()));
+}
+
+void TestZipBuilder::namesThatReadTheSameGetANumber()
+{
+    write(u"mine/a~1"_s, "3");
+    for (const char *name : {"\xFC", "\xC3\xBC"}) { // Windows-1252 and UTF-8
+        QFile file;
+        const int number = ::open((QFile::encodeName(path(u"mine/"_s)) + name).constData(), O_WRONLY | O_CREAT, 0600);
+        QVERIFY(file.open(number, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle));
+        QVERIFY(file.write(QByteArray::number(QByteArray(name).size())) == 1);
+    }
+    QVERIFY(build(1));
+    QCOMPARE(python(u"print(ascii(z.namelist()), z.read('\\xfc'), z.read('\\xfc~1'))"_s, path(u"a.zip"_s)),
+             u"['a~1', '\\xfc', '\\xfc~1'] b'2' b'1'"_s);
+}
+
+void TestZipBuilder::aFailedArchiveLeavesTheEarlierOne()
+{
+    write(u"a.zip"_s, "the earlier one");
+    quillon::ZipBuilder zip;
+    zip.ArchivePath = path(u"a.zip"_s);
+    zip.AddPattern(path(u"mine"_s)); // packs nothing, which is no archive
+    QVERIFY(!waitFor(zip.Build()));
+    QFile file(path(u"a.zip"_s));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("the earlier one"));
+    QVERIFY(!QFile::exists(path(u"a.zip.part"_s)));
 }
 
 void TestZipBuilder::fileThatChangesWhileItIsReadLeavesAValidArchive()

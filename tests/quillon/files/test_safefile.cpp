@@ -5,12 +5,16 @@
 
 #include <QDir>
 #include <QFile>
+#include <QMap>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <csignal>
 #include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -70,6 +74,32 @@ private:
     bool m_mounted = false;
 };
 
+/// No file can grow beyond a size while this lives: the write that would has only a part of its octets written.
+class SizeLimit {
+public:
+    explicit SizeLimit(rlim_t size)
+    {
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        m_handler = std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{size, m_before.rlim_max};
+        m_set = ::setrlimit(RLIMIT_FSIZE, &limit) == 0;
+    }
+    ~SizeLimit()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+    SizeLimit(const SizeLimit &) = delete;
+    SizeLimit &operator=(const SizeLimit &) = delete;
+
+    [[nodiscard]] bool isSet() const { return m_set; }
+
+private:
+    rlimit m_before{};
+    void (*m_handler)(int) = nullptr;
+    bool m_set = false;
+};
+
 } // namespace
 
 class TestSafeFile : public QObject {
@@ -85,6 +115,13 @@ private Q_SLOTS:
     void temporariesStayOutsideTheFolder();
     void missingTemporaryFolderFallsBackToTheFilesOwn();
     void switchStopsTheProgramAtAFault();
+    void aLinkStaysAndItsTargetIsWritten();
+    void aFileKeepsItsModeAndItsOwnerMayReadAndWriteIt_data();
+    void aFileKeepsItsModeAndItsOwnerMayReadAndWriteIt();
+    void aFileIsFoundInAnotherCaseUnlessThereIsOneOfThatName();
+    void aFileIsReadUpToItsLimit();
+    void aPartOfALineIsTakenBack();
+    void onlyFilesAreWrittenTo();
 
 private:
     [[nodiscard]] QString path(const QString &name) const { return m_folder->filePath(name); }
@@ -204,6 +241,122 @@ void TestSafeFile::switchStopsTheProgramAtAFault()
     const int before = quillon::faultCount();
     quillon::reportFault(u"without the switch nothing happens"_s);
     QCOMPARE(quillon::faultCount(), before + 1);
+}
+
+void TestSafeFile::aLinkStaysAndItsTargetIsWritten()
+{
+    QVERIFY(QDir().mkpath(path(u"far"_s)));
+    write(path(u"far/real"_s), "old");
+    QVERIFY(QFile::link(path(u"far/real"_s), path(u"far/link"_s)));
+    QVERIFY(QFile::link(path(u"far/link"_s), path(u"to a link"_s)));
+    QVERIFY(QFile::link(path(u"far/missing"_s), path(u"to nothing"_s)));
+    QCOMPARE(::symlink("far/missing too", QFile::encodeName(path(u"relative"_s)).constData()), 0);
+    const QMap<QString, QString> targets = {
+        {u"to a link"_s, u"far/real"_s}, {u"to nothing"_s, u"far/missing"_s}, {u"relative"_s, u"far/missing too"_s}};
+    for (auto i = targets.begin(); i != targets.end(); ++i) {
+        QVERIFY(quillon::writeWholeFile(path(i.key()), "new"));
+        QVERIFY2(QFileInfo(path(i.key())).isSymLink(), qPrintable(i.key()));
+        QVERIFY2(QFileInfo(path(i.value())).isFile() && !QFileInfo(path(i.value())).isSymLink(), qPrintable(i.key()));
+        QCOMPARE(read(path(i.value())), QByteArray("new"));
+    }
+    QVERIFY(QFileInfo(path(u"far/link"_s)).isSymLink());
+}
+
+void TestSafeFile::aFileKeepsItsModeAndItsOwnerMayReadAndWriteIt_data()
+{
+    QTest::addColumn<int>("before");
+    QTest::addColumn<int>("after");
+    QTest::newRow("private") << 0600 << 0600;
+    QTest::newRow("for the group") << 0664 << 0664;
+    QTest::newRow("a program") << 0755 << 0755;
+    QTest::newRow("read only") << 0444 << 0644;
+    QTest::newRow("write only") << 0200 << 0600;
+    QTest::newRow("for others only") << 0040 << 0640;
+    QTest::newRow("nothing") << 0 << 0600;
+    QTest::newRow("new") << -1 << 0600;
+}
+
+void TestSafeFile::aFileKeepsItsModeAndItsOwnerMayReadAndWriteIt()
+{
+    QFETCH(int, before);
+    QFETCH(int, after);
+    const QByteArray name = QFile::encodeName(path(u"file"_s));
+    if (before >= 0) {
+        write(path(u"file"_s), "old");
+        QCOMPARE(::chmod(name.constData(), static_cast<mode_t>(before)), 0);
+    }
+    QVERIFY(quillon::writeWholeFile(path(u"file"_s), "new"));
+    struct stat status {};
+    QCOMPARE(::stat(name.constData(), &status), 0);
+    QCOMPARE(static_cast<int>(status.st_mode & 07777), after);
+    QCOMPARE(read(path(u"file"_s)), QByteArray("new"));
+}
+
+void TestSafeFile::aFileIsFoundInAnotherCaseUnlessThereIsOneOfThatName()
+{
+    QVERIFY(QDir().mkpath(path(u"FOLDER"_s)));
+    write(path(u"Name"_s), "1");
+    write(path(u".Hidden"_s), "2");
+    QCOMPARE(quillon::existingPath(path(u"NAME"_s)), path(u"Name"_s));
+    QCOMPARE(quillon::existingPath(path(u".hidden"_s)), path(u".Hidden"_s));
+    QCOMPARE(quillon::existingPath(path(u"folder"_s)), path(u"folder"_s));
+    QCOMPARE(quillon::existingPath(path(u"Names"_s)), path(u"Names"_s));
+    QCOMPARE(quillon::existingPath(QString()), QString());
+    QVERIFY(quillon::appendToFile(path(u"NAME"_s), "+"));
+    QCOMPARE(read(path(u"Name"_s)), QByteArray("1+"));
+    QVERIFY(!QFile::exists(path(u"NAME"_s)));
+    write(path(u"NAME"_s), "3");
+    QCOMPARE(quillon::readWholeFile(path(u"NAME"_s)), std::optional<QByteArray>("3"));
+    QVERIFY(quillon::writeWholeFile(path(u"NAME"_s), "4"));
+    QCOMPARE(read(path(u"Name"_s)), QByteArray("1+"));
+    // A link to nothing is there all the same.
+    QVERIFY(QFile::link(path(u"nowhere"_s), path(u"name"_s)));
+    QCOMPARE(quillon::existingPath(path(u"name"_s)), path(u"name"_s));
+}
+
+void TestSafeFile::aFileIsReadUpToItsLimit()
+{
+    write(path(u"four"_s), "1234");
+    const int before = quillon::faultCount();
+    QCOMPARE(quillon::readWholeFile(path(u"four"_s), 5), std::optional<QByteArray>("1234"));
+    QCOMPARE(quillon::readWholeFile(path(u"four"_s), 4), std::optional<QByteArray>("1234"));
+    QCOMPARE(quillon::readWholeFile(path(u"missing"_s)), std::optional<QByteArray>(""));
+    QCOMPARE(quillon::readWholeFile(path(u"four/below"_s)), std::optional<QByteArray>(""));
+    QCOMPARE(quillon::faultCount(), before);
+    QCOMPARE(quillon::readWholeFile(path(u"four"_s), 3), std::nullopt);
+    QCOMPARE(quillon::readWholeFile(m_folder->path()), std::nullopt);
+    QCOMPARE(quillon::readWholeFile(u"/dev/null"_s), std::nullopt);
+    QCOMPARE(quillon::faultCount(), before + 3);
+}
+
+void TestSafeFile::aPartOfALineIsTakenBack()
+{
+    write(path(u"log"_s), "first\r\n");
+    bool limited = false;
+    bool appended = true;
+    bool replaced = true;
+    {
+        const SizeLimit limit(10);
+        limited = limit.isSet();
+        appended = quillon::appendToFile(path(u"log"_s), "second\r\n");
+        replaced = quillon::writeWholeFile(path(u"log"_s), "much longer than it may be");
+    }
+    QVERIFY(limited && !appended && !replaced);
+    QCOMPARE(read(path(u"log"_s)), QByteArray("first\r\n"));
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList{u"log"_s});
+    QVERIFY(quillon::appendToFile(path(u"log"_s), "second\r\n"));
+    QCOMPARE(read(path(u"log"_s)), QByteArray("first\r\nsecond\r\n"));
+}
+
+void TestSafeFile::onlyFilesAreWrittenTo()
+{
+    const int before = quillon::faultCount();
+    QVERIFY(!quillon::appendToFile(u"/dev/null"_s, "x"));
+    QVERIFY(!quillon::writeWholeFile(u"/dev/null"_s, "x"));
+    QVERIFY(!quillon::appendToFile(path(u"no folder/x"_s), "x"));
+    QVERIFY(!quillon::writeWholeFile(path(u"no folder/x"_s), "x"));
+    QCOMPARE(quillon::faultCount(), before + 4);
+    QVERIFY(QDir(m_folder->path()).isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestSafeFile)

@@ -79,6 +79,15 @@ private Q_SLOTS:
     void newFileIsForItsOwnerOnly();
     void fileIsFoundAndRenamedInAnotherCase();
     void linkKeepsPointingToItsTarget();
+    void blanksAroundNamesDoNotCountThoseOfAValueDo();
+    void keysOfOneSectionAreFoundWhereverItStands();
+    void aNewKeyStandsBehindTheLastOfItsSection_data();
+    void aNewKeyStandsBehindTheLastOfItsSection();
+    void aSectionIsRemovedWithAllItsLinesInAnyCase();
+    void whatWasSetIsReadBeforeItIsSaved();
+    void escapesAreReadToTheLastOne_data();
+    void escapesAreReadToTheLastOne();
+    void whatCouldNotBeReadIsNotWrittenEvenWhenThatWouldWork();
 
 private:
     [[nodiscard]] QString path(const QString &name = u"options.dll"_s) const { return m_folder->filePath(name); }
@@ -276,6 +285,132 @@ void TestSettingsFile::linkKeepsPointingToItsTarget()
     m_system.WriteSetting(path(), u"A"_s, u"k"_s, u"2"_s);
     QVERIFY(QFileInfo(path()).isSymLink());
     QCOMPARE(read(path(u"real.dll"_s)), QByteArray("[A]\r\nk=2\r\n"));
+}
+
+void TestSettingsFile::blanksAroundNamesDoNotCountThoseOfAValueDo()
+{
+    const QByteArray bytes = "k=before any section\r\n \t[A]\t \r\n\tk \t= v \r\n ; c=1\r\n;d=2\r\ne\r\n=n\r\n"
+                             " [B] ; note\r\nk==\r\nl=\r\n[C]]\r\nk=3\r\n";
+    write(path(), bytes);
+    const SettingsFile file(path());
+    QCOMPARE(file.sections(), (QStringList{u"A"_s, u"B"_s, u"C]"_s}));
+    QCOMPARE(file.keys(u"a"_s), (QStringList{u"k"_s, QString()}));
+    QCOMPARE(file.value(u"A"_s, u"K"_s), u" v "_s);
+    QCOMPARE(file.value(u"A"_s, QString()), u"n"_s);
+    QCOMPARE(file.value(u"B"_s, u"k"_s), u"="_s);
+    QCOMPARE(file.value(u"C]"_s, u"k"_s), u"3"_s);
+    QVERIFY(file.contains(u"B"_s, u"L"_s) && !file.contains(u"B"_s, u"c"_s) && !file.contains(u" A"_s, u"k"_s));
+    QVERIFY(!file.contains(QString(), u"k"_s) && file.keys(u"D"_s).isEmpty());
+    SettingsFile again(path());
+    again.setValue(u"A"_s, u"k"_s, u"v2"_s);
+    QVERIFY(again.save());
+    QCOMPARE(read(path()), QByteArray(bytes).replace("\tk \t= v ", "k=v2"));
+}
+
+void TestSettingsFile::keysOfOneSectionAreFoundWhereverItStands()
+{
+    write(path(), "[A]\r\nk=1\r\nK=2\r\n[B]\r\nk=3\r\n[a]\r\nk=4\r\nl=5\r\n[b]\r\n");
+    const SettingsFile file(path());
+    QCOMPARE(file.value(u"A"_s, u"k"_s), u"1"_s);
+    QCOMPARE(file.value(u"A"_s, u"l"_s), u"5"_s);
+    QCOMPARE(file.value(u"B"_s, u"l"_s), QString());
+    QCOMPARE(file.sections(), (QStringList{u"A"_s, u"B"_s}));
+    QCOMPARE(file.keys(u"a"_s), (QStringList{u"k"_s, u"K"_s, u"k"_s, u"l"_s}));
+    QCOMPARE(file.keys(u"b"_s), QStringList{u"k"_s});
+}
+
+void TestSettingsFile::aNewKeyStandsBehindTheLastOfItsSection_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("after");
+    QTest::newRow("no file") << QByteArray() << QByteArray("[A]\r\nk=v\r\n");
+    QTest::newRow("other sections") << QByteArray("x\r\n[B]\r\n") << QByteArray("x\r\n[B]\r\n[A]\r\nk=v\r\n");
+    QTest::newRow("no keys yet") << QByteArray("[a]\r\n\r\n; c\r\n") << QByteArray("[a]\r\nk=v\r\n\r\n; c\r\n");
+    QTest::newRow("blank lines behind") << QByteArray("[A]\r\na=1\r\n\r\nb=2\r\n\r\n[B]\r\nc=3\r\n")
+                                        << QByteArray("[A]\r\na=1\r\n\r\nb=2\r\nk=v\r\n\r\n[B]\r\nc=3\r\n");
+    QTest::newRow("last section") << QByteArray("[B]\r\nb=1\r\n[A]\r\na=2\r\n")
+                                  << QByteArray("[B]\r\nb=1\r\n[A]\r\na=2\r\nk=v\r\n");
+    QTest::newRow("first of two") << QByteArray("[A]\r\n[B]\r\nb=1\r\n[A]\r\na=2\r\n")
+                                  << QByteArray("[A]\r\nk=v\r\n[B]\r\nb=1\r\n[A]\r\na=2\r\n");
+    QTest::newRow("there in the second") << QByteArray("[A]\r\n[B]\r\nk=1\r\n[A]\r\nK=2\r\n")
+                                         << QByteArray("[A]\r\n[B]\r\nk=1\r\n[A]\r\nk=v\r\n");
+}
+
+void TestSettingsFile::aNewKeyStandsBehindTheLastOfItsSection()
+{
+    QFETCH(QByteArray, before);
+    QFETCH(QByteArray, after);
+    write(path(), before);
+    m_system.WriteSetting(path(), u"A"_s, u"k"_s, u"v"_s);
+    QCOMPARE(read(path()), after);
+}
+
+void TestSettingsFile::aSectionIsRemovedWithAllItsLinesInAnyCase()
+{
+    const auto left = [this](const QByteArray &bytes) {
+        write(path(), bytes);
+        SettingsFile file(path());
+        file.removeSection(u"GONE"_s);
+        return file.save() ? read(path()) : QByteArray("not saved");
+    };
+    QCOMPARE(left("x\r\n[A]\r\na=1\r\n[Gone]\r\n; c\r\n\r\nb=2\r\n[B]\r\nc=3\r\n[gone]\r\nd=4\r\n"),
+             QByteArray("x\r\n[A]\r\na=1\r\n[B]\r\nc=3\r\n"));
+    QCOMPARE(left("[Gone too]\r\na=1\r\n"), QByteArray("[Gone too]\r\na=1\r\n"));
+}
+
+void TestSettingsFile::whatWasSetIsReadBeforeItIsSaved()
+{
+    write(path(), "[A]\r\nk=1\r\n");
+    SettingsFile file(path());
+    file.setValue(u"a"_s, u"K"_s, u"2\n"_s);
+    file.setValue(u"B"_s, u"l="_s, u"3"_s);
+    file.setValue(u"b"_s, u"L="_s, u"4"_s);
+    QCOMPARE(file.value(u"A"_s, u"k"_s), u"2\n"_s);
+    QCOMPARE(file.value(u"B"_s, u"l="_s), u"4"_s);
+    QCOMPARE(read(path()), QByteArray("[A]\r\nk=1\r\n"));
+    QVERIFY(file.save());
+    QCOMPARE(SettingsFile(path()).value(u"B"_s, u"L="_s), u"4"_s);
+}
+
+void TestSettingsFile::escapesAreReadToTheLastOne_data()
+{
+    QTest::addColumn<QString>("stored");
+    QTest::addColumn<QString>("value");
+    const auto row = [](const QString &stored, const QString &value) {
+        QTest::newRow(stored.toLatin1().constData()) << stored << value;
+    };
+    row(u"a\\nb"_s, u"a\\nb"_s);
+    row(u"\\Lines:a\\n"_s, u"\\Lines:a\\n"_s);
+    row(u"\\lines:"_s, QString());
+    row(u"\\lines:\\r\\n\\\\\\x"_s, u"\r\n\\x"_s);
+    row(u"\\lines:a\\n"_s, u"a\n"_s);
+    row(u"\\lines:a\\"_s, u"a\\"_s);
+    row(u"\\lines:\\u0041"_s, u"A"_s);
+    row(u"\\lines:\\u00fC\\u00e4b"_s, u"üäb"_s);
+    row(u"\\lines:\\u004"_s, u"u004"_s);
+    row(u"\\lines:\\u00g1"_s, u"u00g1"_s);
+    row(u"\\lines:\\u"_s, u"u"_s);
+}
+
+void TestSettingsFile::escapesAreReadToTheLastOne()
+{
+    QFETCH(QString, stored);
+    write(path(), "[A]\r\nk=" + stored.toUtf8() + "\r\n");
+    QTEST(m_system.ReadSetting(path(), u"A"_s, u"k"_s), "value");
+}
+
+void TestSettingsFile::whatCouldNotBeReadIsNotWrittenEvenWhenThatWouldWork()
+{
+    QVERIFY(QDir().mkpath(path()));
+    SettingsFile file(path());
+    QVERIFY(!file.readable());
+    QVERIFY(QDir().rmdir(path()));
+    write(path(), "[A]\r\nk=1\r\n");
+    file.setValue(u"A"_s, u"l"_s, u"2"_s);
+    const int before = quillon::faultCount();
+    QVERIFY(!file.save());
+    QCOMPARE(quillon::faultCount(), before + 1);
+    QCOMPARE(read(path()), QByteArray("[A]\r\nk=1\r\n"));
 }
 
 QTEST_GUILESS_MAIN(TestSettingsFile)

@@ -26,6 +26,10 @@ private Q_SLOTS:
     void statefulCharsetEndsInItsInitialState();
     void utf8TakesEveryText();
     void brokenOctetsAreRefused();
+    void aFailedConversionLeavesNoTraceInTheNext();
+    void namesOfCharsetsMayBeInAnyCaseAndForm();
+    void charactersAreRefusedFromTheFirstToTheLastOfTheirKind_data();
+    void charactersAreRefusedFromTheFirstToTheLastOfTheirKind();
 };
 
 void TestCharset::everyOfferedCharsetIsKnownAndBuildsMail()
@@ -115,6 +119,11 @@ void TestCharset::textThatDoesNotFitIsRefused_data()
     QTest::newRow("backslash that readers take for a yen") << u"\\"_s << QByteArray("shift_jis");
     QTest::newRow("wave dash that readers take for a tilde") << u"\u301C"_s << QByteArray("shift_jis");
     QTest::newRow("dot that readers of GBK read otherwise") << u"\u30FB"_s << QByteArray("gb2312");
+    QTest::newRow("bar that readers of GBK read otherwise") << u"\u2015"_s << QByteArray("gb2312");
+    QTest::newRow("bar that readers of vendors' tables read otherwise") << u"\u00A6"_s << QByteArray("euc-jp");
+    QTest::newRow("sign that readers of UHC do not know") << u"\u327E"_s << QByteArray("euc-kr");
+    QTest::newRow("macron that readers in Hong Kong read otherwise") << u"\u00AF"_s << QByteArray("big5");
+    QTest::newRow("composed Vietnamese by another name") << u"\u1EBF"_s << QByteArray("cp1258");
     QTest::newRow("composed Vietnamese") << u"\u1EBF"_s << QByteArray("windows-1258");
     QTest::newRow("vendor's addition to Big5") << u"\u2551"_s << QByteArray("big5");
     QTest::newRow("sign that JIS tables map to two") << u"\u2212"_s << QByteArray("iso-2022-jp");
@@ -158,6 +167,72 @@ void TestCharset::brokenOctetsAreRefused()
     QVERIFY(!decodeStrictly("\xFFz", "utf-8"));
     QVERIFY(!decodeStrictly("\xFF", "euc-jp"));
     QVERIFY(!decodeStrictly("a", "x-nothing"));
+}
+
+void TestCharset::aFailedConversionLeavesNoTraceInTheNext()
+{
+    // What fails has shifted to another set of characters before; what follows must begin anew.
+    QVERIFY(!encodeStrictly(u"日😀"_s, "iso-2022-jp"));
+    QCOMPARE(encodeStrictly(u"a"_s, "iso-2022-jp"), std::optional<QByteArray>("a"));
+    QVERIFY(!encodeStrictly(u"日😀"_s, "iso-2022-jp"));
+    QCOMPARE(encodeStrictly(u"日本"_s, "iso-2022-jp"), std::optional<QByteArray>("\x1B$BF|K\\\x1B(B"));
+    QVERIFY(!decodeStrictly("\x1B$BF|K", "iso-2022-jp"));
+    QCOMPARE(decodeStrictly("ab", "iso-2022-jp"), std::optional<QString>(u"ab"_s));
+    QVERIFY(!decodeStrictly("\x1B$BF|\xFF", "iso-2022-jp"));
+    QCOMPARE(decodeStrictly("\x1B$BF|K\\\x1B(B", "iso-2022-jp"), std::optional<QString>(u"日本"_s));
+}
+
+void TestCharset::namesOfCharsetsMayBeInAnyCaseAndForm()
+{
+    for (const char *name : {"UTF-8", "utf8", "Utf-8", "KOI8-R", "ISO_8859-1:1987", "ansi_x3.4-1968", "US-ASCII"}) {
+        QVERIFY2(isKnownCharset(name), name);
+        QCOMPARE(encodeStrictly(u"a\u007F"_s, name), std::optional<QByteArray>("a\x7F"));
+        QCOMPARE(decodeStrictly("a\x7F", name), std::optional<QString>(u"a\u007F"_s));
+    }
+    QCOMPARE(encodeStrictly(u"ü"_s, "UTF8"), std::optional<QByteArray>("ü"));
+    QCOMPARE(encodeStrictly(u"ü"_s, "Iso-8859-2"), std::optional<QByteArray>("\xFC"));
+    QVERIFY(!encodeStrictly(u"日"_s, "Us-Ascii"));
+    // Vendors' characters are read, as most who say Shift_JIS write them, but not written.
+    QCOMPARE(decodeStrictly("\x87\x40", "Shift_JIS"), std::optional<QString>(u"①"_s));
+    QVERIFY(!encodeStrictly(u"①"_s, "shift_jis"));
+    for (const char *name : {"", "x-nothing", "utf-8 ", " utf-8", "utf-8//IGNORE"}) {
+        QVERIFY2(!isKnownCharset(name), name);
+    }
+}
+
+void TestCharset::charactersAreRefusedFromTheFirstToTheLastOfTheirKind_data()
+{
+    QTest::addColumn<QByteArray>("charset");
+    QTest::addColumn<QString>("taken");
+    QTest::addColumn<QString>("refused");
+    // No reader's other table is behind these two, so that nothing but the rule for controls refuses them.
+    QTest::newRow("controls") << QByteArray("iso-8859-2") << u"\u007F\u00A0\u0001"_s << u"\u0080\u0085\u009F"_s;
+    QTest::newRow("Latin-1") << QByteArray("iso-8859-1") << u"\u00A0\u00FF~"_s << u"\u0080\u009F\u0100"_s;
+    QTest::newRow("private") << QByteArray("gb18030") << u"\u9FA5\uF900日"_s << u"\uE000\uE765\uF8FF"_s;
+    QTest::newRow("editions") << QByteArray("gb18030") << u"\u1E3E\u9FBC\uFE1A"_s
+                              << u"\u1E3F\u9FB4\u9FB8\u9FBB\uFE10\uFE14\uFE19"_s;
+    QTest::newRow("lineages") << QByteArray("iso-2022-jp") << u"\u00A7\u2015\uFF5D日"_s
+                              << u"\u00A2\u00A3\u00A5\u00AC\u2016\u203E\u2212\u301C"_s;
+    QTest::newRow("tilde") << QByteArray("euc-jp") << u"\uFF5D日"_s << u"\uFF5E"_s;
+    QTest::newRow("filler") << QByteArray("euc-kr") << u"\u3163한"_s << u"\u3164"_s;
+    QTest::newRow("vendors") << QByteArray("big5") << u"\u2550\u255E\u2561\u256A中"_s
+                             << u"\u2551\u255D\u255F\u2560\u2562\u256C\u58BB\u5AFA\u6052\u7881\u7CA7\u88CF\u92B9"_s;
+    QTest::newRow("one rule for each charset") << QByteArray("utf-8") << u"\u0085\uE000\u2551\u1E3F"_s << QString();
+}
+
+void TestCharset::charactersAreRefusedFromTheFirstToTheLastOfTheirKind()
+{
+    QFETCH(QByteArray, charset);
+    QFETCH(QString, taken);
+    QFETCH(QString, refused);
+    for (const QChar c : std::as_const(taken)) {
+        const auto bytes = encodeStrictly(QString(c), charset);
+        QVERIFY2(bytes, qPrintable(QString::number(c.unicode(), 16)));
+        QCOMPARE(decodeStrictly(*bytes, charset), std::optional(QString(c)));
+    }
+    for (const QChar c : std::as_const(refused)) {
+        QVERIFY2(!encodeStrictly(QString(c), charset), qPrintable(QString::number(c.unicode(), 16)));
+    }
 }
 
 QTEST_APPLESS_MAIN(TestCharset)

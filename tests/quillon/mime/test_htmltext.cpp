@@ -54,6 +54,58 @@ void TestHtmlText::textVersionIsReadable_data()
     QTest::newRow("quote") << u"a<blockquote>b<br>c</blockquote>d"_s << u"a\r\n\r\n> b\r\n> c\r\n\r\nd\r\n"_s;
     QTest::newRow("preformatted") << u"<pre>a  b\n  c</pre>"_s << u"a  b\r\n  c\r\n"_s;
     QTest::newRow("picture") << u"<img src=x alt='our shop'>"_s << u"[our shop]\r\n"_s;
+    for (const QString &scheme : {u"http"_s, u"https"_s, u"ftp"_s, u"tel"_s}) {
+        const QString link = scheme.toUpper() + u":1"_s;
+        QTest::newRow(qPrintable(scheme)) << u"<a href='%1'>x</a>"_s.arg(link) << u"x <%1>\r\n"_s.arg(link);
+    }
+    QTest::newRow("mail in any case") << u"<a href=MailTo:a@b>x</a>"_s << u"x <a@b>\r\n"_s;
+    QTest::newRow("other schemes") << u"<a href='javascript:x'>a</a> <a href=/b>c</a> <a name=d>e</a>"_s
+                                   << u"a c e\r\n"_s;
+    QTest::newRow("links that say themselves")
+        << u"<a href='mailto:a@b'> a@b </a>, <a href='mailto:c@d'>mailto:c@d</a>, <a href=http:e>http:e</a>"_s
+        << u"a@b , mailto:c@d, http:e\r\n"_s;
+    QTest::newRow("link that says more") << u"<a href='http:a/'>http:a//</a>"_s << u"http:a// <http:a/>\r\n"_s;
+    QTest::newRow("links that say themselves behind marks")
+        << u"<ul><li><a href=http:a>http:a</a></ul><blockquote><a href=http:b>http:b</a></blockquote>"_s
+        << u"- http:a\r\n\r\n> http:b\r\n"_s;
+    QTest::newRow("link without a text") << u"a <a href=http:b></a> c<a href=http:d></a>"_s
+                                         << u"a <http:b> c<http:d>\r\n"_s;
+    QTest::newRow("linked picture") << u"<a href=' http:a&amp;b '><img alt=L></a>"_s << u"[L] <http:a&b>\r\n"_s;
+    QTest::newRow("two links") << u"<a href=http:a>x</a> y <a>z</a>"_s << u"x <http:a> y z\r\n"_s;
+    QTest::newRow("pictures without a name") << u"a<img alt=''><img><img alt=' '>b"_s << u"ab\r\n"_s;
+    QTest::newRow("first of two attributes") << u"<img ALT=a alt=b>"_s << u"[a]\r\n"_s;
+    QTest::newRow("entries of two lines")
+        << u"<ol><li>a<br>b<ul><li>c<br>d</ul><li>e</ol>f"_s << u"1. a\r\n  b\r\n  - c\r\n    d\r\n2. e\r\n\r\nf\r\n"_s;
+    QTest::newRow("other lists") << u"<dir><li>a</dir><menu><li>b</menu><dl><dt>c<dd>d</dl>"_s
+                                 << u"- a\r\n\r\n- b\r\n\r\nc\r\nd\r\n"_s;
+    QTest::newRow("list behind a text") << u"a<ul><li>b</ul>c"_s << u"a\r\n\r\n- b\r\n\r\nc\r\n"_s;
+    QTest::newRow("entry without a list") << u"a<li>b</li>c"_s << u"a\r\n- b\r\nc\r\n"_s;
+    QTest::newRow("rule") << u"a<hr>b"_s << u"a\r\n"_s + QString(40, u'-') + u"\r\nb\r\n"_s;
+    QTest::newRow("headings") << u"<h1>a</h1>b<h6>c</h6>d"_s << u"a\r\n\r\nb\r\n\r\nc\r\n\r\nd\r\n"_s;
+    QTest::newRow("blocks") << u"a<div>b</div>c<section>d</section>e"_s << u"a\r\nb\r\nc\r\nd\r\ne\r\n"_s;
+    QTest::newRow("many breaks") << u"a<br><br>b<br><br><br>c<br><br><br><br>d"_s
+                                 << u"a\r\n\r\nb\r\n\r\n\r\nc\r\n\r\n\r\nd\r\n"_s;
+    QTest::newRow("breaks at both ends") << u"<br>a<br><br>"_s << u"a\r\n"_s;
+    QTest::newRow("blanks around breaks") << u"a <br> b"_s << u"a\r\nb\r\n"_s;
+    QTest::newRow("cells") << u"<tr><td><td>a</td> <td></td><td>b<br>c<td>d<tr><td>e"_s << u"a | b\r\nc | d\r\ne\r\n"_s;
+    QTest::newRow("quotes in quotes") << u"<blockquote>a<blockquote>b<br><br>c</blockquote>d</blockquote>e"_s
+                                      << u"> a\r\n>\r\n>> b\r\n>>\r\n>> c\r\n>\r\n> d\r\n\r\ne\r\n"_s;
+    QTest::newRow("list in a quote") << u"<blockquote><ul><li>a</ul></blockquote>"_s << u"> - a\r\n"_s;
+    QTest::newRow("deepest quote") << u"<blockquote>"_s.repeated(8) + u"a"_s << u">>>>>>>> a\r\n"_s;
+    QTest::newRow("deeper quote") << u"<blockquote>"_s.repeated(9) + u"a<br><br>b"_s
+                                  << u">>>>>>>> a\r\n>>>>>>>>\r\n>>>>>>>> b\r\n"_s;
+    QTest::newRow("deepest list") << u"<ul>"_s.repeated(8) + u"<li>a"_s << QString(14, u' ') + u"- a\r\n"_s;
+    QTest::newRow("deeper list") << u"<ul>"_s.repeated(9) + u"<li>a"_s << QString(14, u' ') + u"- a\r\n"_s;
+    QTest::newRow("line ends of preformatted text")
+        << u"<pre>a\rb\r\nc\n\rd\r</pre>"_s << u"a\r\nb\r\nc\r\n\r\nd\r\n"_s;
+    QTest::newRow("carriage returns at the end")
+        << u"<pre>a\r</pre><pre>b\r\rc</pre>"_s << u"a\r\n\r\nb\r\n\r\nc\r\n"_s;
+    QTest::newRow("blanks at the end of preformatted lines") << u"<pre>a \t\n\tb </pre>"_s << u"a\r\n\tb\r\n"_s;
+    QTest::newRow("preformatted twice") << u"<pre>a<listing>b</listing>c  d</pre>e  f"_s
+                                        << u"a\r\n\r\nb\r\n\r\nc  d\r\n\r\ne f\r\n"_s;
+    QTest::newRow("text area") << u"<textarea>a &lt;\n  b</textarea>"_s << u"a <\r\n  b\r\n"_s;
+    QTest::newRow("blanks between elements") << u"a <b> b</b>\t\f<i>\r\nc</i>d"_s << u"a b cd\r\n"_s;
+    QTest::newRow("no-break and other blanks") << u"&nbsp;a&nbsp; b &nbsp;c&nbsp;"_s << u" a b  c\r\n"_s;
     QTest::newRow("no-break spaces") << u"a&nbsp;&nbsp;b"_s << u"a  b\r\n"_s;
 }
 
@@ -75,6 +127,17 @@ void TestHtmlText::brokenDocumentsGiveWhatABrowserShows_data()
     QTest::newRow("open script") << u"a<script>b"_s << u"a\r\n"_s;
     QTest::newRow("greater-than in a value") << u"<b title='a>b'>c</b>"_s << u"c\r\n"_s;
     QTest::newRow("ends without begins") << u"</ul></p></a></blockquote>a</pre>b"_s << u"a\r\n\r\nb\r\n"_s;
+    QTest::newRow("end of a quote alone") << u"</blockquote><blockquote>a</blockquote>"_s << u"> a\r\n"_s;
+    QTest::newRow("end of a list alone") << u"</ul><ul><li>a</ul>"_s << u"- a\r\n"_s;
+    QTest::newRow("end of preformatted text alone") << u"</pre><pre>a  b</pre>"_s << u"a  b\r\n"_s;
+    QTest::newRow("ends that end nothing") << u"a</br></hr></td></img>b"_s << u"ab\r\n"_s;
+    QTest::newRow("link in a link") << u"<a href=http:a>x<a href=http:b>y</a>z</a>"_s << u"x <http:a>y <http:b>z\r\n"_s;
+    QTest::newRow("link in an anchor that leads nowhere")
+        << u"<a name=n>x<a href=http:b>y</a>"_s << u"xy <http:b>\r\n"_s;
+    QTest::newRow("tag left open at the end") << u"<img alt=shop"_s << u"[shop]\r\n"_s;
+    QTest::newRow("link left open at the end") << u"go <a href=http:a"_s << u"go <http:a>\r\n"_s;
+    QTest::newRow("frames for who has none") << u"<noframes>a</noframes><xmp>b</xmp>c"_s << u"c\r\n"_s;
+    QTest::newRow("unknown elements") << u"a<figcaptions>b</blockquotes>c"_s << u"abc\r\n"_s;
     QTest::newRow("lone marks") << u"&; &amp &#; &#x; <"_s << u"&; & &#; &#x; <\r\n"_s;
     QTest::newRow("open link") << u"<a href=http://x.example>y"_s << u"y <http://x.example>\r\n"_s;
 }

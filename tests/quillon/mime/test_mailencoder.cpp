@@ -2,6 +2,7 @@
 #include "quillon/mail/transfercoding.h"
 
 #include <QRandomGenerator>
+#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 using namespace quillon;
@@ -19,6 +20,10 @@ private Q_SLOTS:
     void plainShortTextTravelsAsItIs();
     void boundaryNeverOccursInAPart();
     void htmlIsAlternativeWithTextVersionFirst();
+    void aSmallMailIsWrittenToTheOctet();
+    void aMailWithAllPartsIsWrittenToTheOctet();
+    void blanksAroundACharsetDoNotCount();
+    void onlyWhatDoesNotFitItsCharsetIsUtf8();
 };
 
 void TestMailEncoder::sizeIsExact()
@@ -140,6 +145,136 @@ void TestMailEncoder::htmlIsAlternativeWithTextVersionFirst()
     QVERIFY(plain > 0 && html > plain);
     QVERIFY(octets.contains("\r\n\r\nHello\r\n"));
     QVERIFY(octets.contains("<p>Hello</p>"));
+}
+
+namespace {
+
+/// @p mail with what was chosen at random in it as "#".
+QByteArray withoutChance(const QByteArray &mail)
+{
+    QString text = QString::fromLatin1(mail);
+    text.replace(QRegularExpression(u"=_[0-9a-f]{24}\\b"_s), u"=_#"_s);
+    text.replace(QRegularExpression(u"<[0-9a-f]{32}@"_s), u"<#@"_s);
+    text.replace(QRegularExpression(u"(part[0-9]+)\\.[0-9a-f]{16}@"_s), u"\\1.#@"_s);
+    return text.toLatin1();
+}
+
+} // namespace
+
+void TestMailEncoder::aSmallMailIsWrittenToTheOctet()
+{
+    MailMessage mail = message();
+    mail.ReplyTo = {u"reply@example.org"_s, QString()};
+    mail.CC.Add({u"cc@example.com"_s, u"Copy"_s});
+    mail.Priority = u"4"_s;
+    mail.RequestReceipt = true;
+    mail.ReceiptTo = {u"receipt@example.org"_s, QString()};
+    mail.Content = u"a\rb\nc"_s;
+    QCOMPARE(withoutChance(encode(mail)), QByteArray("Date: Sat, 21 Nov 2026 14:05:09 +0100\r\n"
+                                                     "From: The Sender <sender@example.org>\r\n"
+                                                     "Reply-To: reply@example.org\r\n"
+                                                     "To: to@example.com\r\n"
+                                                     "Cc: Copy <cc@example.com>\r\n"
+                                                     "Subject: Subject\r\n"
+                                                     "Message-ID: <#@example.org>\r\n"
+                                                     "X-Priority: 4 (Low)\r\n"
+                                                     "X-MSMail-Priority: Low\r\n"
+                                                     "Importance: low\r\n"
+                                                     "Disposition-Notification-To: receipt@example.org\r\n"
+                                                     "MIME-Version: 1.0\r\n"
+                                                     "Content-Type: text/plain; charset=utf-8\r\n"
+                                                     "Content-Transfer-Encoding: quoted-printable\r\n"
+                                                     "\r\n"
+                                                     "a\r\nb\r\nc=\r\n"));
+}
+
+void TestMailEncoder::aMailWithAllPartsIsWrittenToTheOctet()
+{
+    MailMessage mail = message();
+    mail.From = {u"sender@[192.0.2.1]"_s, QString()};
+    mail.Format = MailMessage::Html;
+    mail.Charset = u"iso-8859-1"_s;
+    mail.Content = u"<p>5 €<img src='%1'>\n"_s.arg(write(u"p.png"_s, png));
+    mail.Attachments.Add({u" ä "_s, write(u"a.txt"_s, "text")});
+    mail.Attachments.Add({u" \t "_s, write(u"b.pdf"_s, "%PDF-1.4\n")});
+    QByteArray octets = withoutChance(encode(mail));
+    octets = octets.sliced(octets.indexOf("MIME-Version"));
+    QCOMPARE(octets, QByteArray("MIME-Version: 1.0\r\n"
+                                "Content-Type: multipart/mixed; boundary=\"=_#.1\"\r\n"
+                                "\r\n"
+                                "--=_#.1\r\n"
+                                "Content-Type: multipart/alternative; boundary=\"=_#.2\"\r\n"
+                                "\r\n"
+                                "--=_#.2\r\n"
+                                "Content-Type: text/plain; charset=utf-8\r\n"
+                                "Content-Transfer-Encoding: quoted-printable\r\n"
+                                "\r\n"
+                                "5 =E2=82=AC\r\n"
+                                "\r\n"
+                                "--=_#.2\r\n"
+                                "Content-Type: multipart/related; type=\"text/html\";\r\n boundary=\"=_#.3\"\r\n"
+                                "\r\n"
+                                "--=_#.3\r\n"
+                                "Content-Type: text/html; charset=iso-8859-1\r\n"
+                                "Content-Transfer-Encoding: 7bit\r\n"
+                                "\r\n"
+                                "<p>5 &#8364;<img src='cid:part1.#@mail'>\r\n"
+                                "\r\n"
+                                "--=_#.3\r\n"
+                                "Content-Type: image/png; name=\"p.png\"\r\n"
+                                "Content-Transfer-Encoding: base64\r\n"
+                                "Content-ID: <part1.#@mail>\r\n"
+                                "Content-Disposition: inline; filename=\"p.png\"\r\n"
+                                "\r\n" +
+                                png.toBase64() +
+                                "\r\n"
+                                "--=_#.3--\r\n"
+                                "--=_#.2--\r\n"
+                                "--=_#.1\r\n"
+                                "Content-Type: text/plain; name=\"=?UTF-8?B?w6Q=?=\"\r\n"
+                                "Content-Transfer-Encoding: base64\r\n"
+                                "Content-Disposition: attachment; filename*=UTF-8''%C3%A4\r\n"
+                                "\r\n"
+                                "dGV4dA==\r\n"
+                                "--=_#.1\r\n"
+                                "Content-Type: application/pdf; name=\"b.pdf\"\r\n"
+                                "Content-Transfer-Encoding: base64\r\n"
+                                "Content-Disposition: attachment; filename=\"b.pdf\"\r\n"
+                                "\r\n"
+                                "JVBERi0xLjQK\r\n"
+                                "--=_#.1--\r\n"));
+}
+
+void TestMailEncoder::blanksAroundACharsetDoNotCount()
+{
+    for (const QString &charset : {u" koi8-r"_s, u"koi8-r "_s, u"\tkoi8-r\r\n"_s}) {
+        MailMessage mail = message();
+        mail.Charset = charset;
+        QCOMPARE(headerOf(encode(mail), "Content-Type"), QByteArray("text/plain; charset=koi8-r"));
+    }
+    MailMessage mail = message();
+    mail.Charset = u" UTF-8 "_s;
+    QCOMPARE(headerOf(encode(mail), "Content-Type"), QByteArray("text/plain; charset=utf-8"));
+}
+
+void TestMailEncoder::onlyWhatDoesNotFitItsCharsetIsUtf8()
+{
+    const auto charsets = [this](const QString &html) {
+        MailMessage mail = message();
+        mail.Format = MailMessage::Html;
+        mail.Charset = u"iso-8859-1"_s;
+        mail.Content = html;
+        QByteArrayList found;
+        const QByteArray octets = encode(mail);
+        for (qsizetype at = octets.indexOf("charset="); at >= 0; at = octets.indexOf("charset=", at + 1)) {
+            found.append(octets.mid(at + 8, octets.indexOf('\r', at) - at - 8));
+        }
+        return found.join(' ');
+    };
+    QCOMPARE(charsets(u"ü"_s), "iso-8859-1 iso-8859-1"_ba);
+    QCOMPARE(charsets(u"€"_s), "utf-8 iso-8859-1"_ba);
+    QCOMPARE(charsets(u"<style>€</style>ü"_s), "iso-8859-1 utf-8"_ba);
+    QCOMPARE(charsets(QString(QChar(0xD800))), "utf-8 iso-8859-1"_ba);
 }
 
 QTEST_GUILESS_MAIN(TestMailEncoder)

@@ -1,8 +1,11 @@
 #include "mailencoderbench.h"
+#include "quillon/mail/mailfiles.h"
 
 #include <QMap>
 #include <QUrl>
 
+#include <array>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -27,6 +30,10 @@ private Q_SLOTS:
     void attachmentThatCannotBeReadIsAClearError();
     void attachmentWithoutPermissionIsAClearError();
     void changedFileIsLookedIntoAgain();
+    void aFileIsLookedIntoAgainWhenAnythingTellsOfAChange();
+    void referencesNameLocalPaths_data();
+    void referencesNameLocalPaths();
+    void onlyPicturesSoundsAndFilmsAreShownInPlace();
 };
 
 void TestMailEncoderFiles::localPicturesBecomeRelatedPartsOnce()
@@ -77,6 +84,9 @@ void TestMailEncoderFiles::attachmentsAreTypedByContent()
         {u"unknown"_s, {QByteArray::fromHex("0001fe02ff8081"), "application/octet-stream"}},
         {u"mail.eml"_s, {"From: a@example.org\nSubject: x\n\nbody\n", "application/octet-stream"}},
         {u"empty"_s, {QByteArray(), "application/octet-stream"}},
+        {u"empty.pdf"_s, {QByteArray(), "application/pdf"}},
+        {u"words.unknownending"_s, {"plain words\n", "text/plain"}},
+        {u"letter.odt"_s, {QByteArray::fromHex("504b03040a0000000000"), "application/vnd.oasis.opendocument.text"}},
     };
     for (auto i = expected.begin(); i != expected.end(); ++i) {
         MailMessage mail = message();
@@ -138,6 +148,74 @@ void TestMailEncoderFiles::changedFileIsLookedIntoAgain()
     QVERIFY(encode(mail).contains("image/png"));
     write(u"changing"_s, "%PDF-1.4\n%");
     QVERIFY(encode(mail).contains("application/pdf"));
+}
+
+void TestMailEncoderFiles::aFileIsLookedIntoAgainWhenAnythingTellsOfAChange()
+{
+    const QByteArray pdf = QByteArray("%PDF-1.4\n").leftJustified(png.size(), ' ');
+    const QString path = write(u"file"_s, png);
+    const QByteArray name = QFile::encodeName(path);
+    const auto touch = [](const QByteArray &file, long nanoseconds) {
+        const std::array<timespec, 2> times{timespec{1'000'000'000, nanoseconds}, {1'000'000'000, nanoseconds}};
+        return ::utimensat(AT_FDCWD, file.constData(), times.data(), 0) == 0;
+    };
+    MailEncoderCache cache;
+    const auto typeNow = [&cache, &path] {
+        QString error;
+        const std::optional<MailFile> file = cache.inspect(path, error);
+        return file ? file->Type + ' ' + QByteArray::number(file->Size) : error.toUtf8();
+    };
+    const QByteArray size = QByteArray::number(png.size());
+    QVERIFY(touch(name, 1));
+    QCOMPARE(typeNow(), "image/png " + size);
+    write(u"file"_s, pdf); // in place, of the same size and with the old time: nothing tells of it
+    QVERIFY(touch(name, 1));
+    QCOMPARE(typeNow(), "image/png " + size);
+    QVERIFY(touch(name, 2));
+    QCOMPARE(typeNow(), "application/pdf " + size);
+    const QByteArray other = QFile::encodeName(write(u"other"_s, png));
+    QVERIFY(touch(other, 2));
+    QCOMPARE(::rename(other.constData(), name.constData()), 0);
+    QCOMPARE(typeNow(), "image/png " + size);
+    write(u"file"_s, pdf + ' ');
+    QVERIFY(touch(name, 2));
+    QCOMPARE(typeNow(), "application/pdf " + QByteArray::number(png.size() + 1));
+}
+
+void TestMailEncoderFiles::referencesNameLocalPaths_data()
+{
+    QTest::addColumn<QString>("reference");
+    QTest::addColumn<QStringList>("paths");
+    const auto row = [](const QString &reference, const QStringList &paths) {
+        QTest::newRow(reference.toUtf8().toPercentEncoding().constData()) << reference << paths;
+    };
+    row(u"/a b"_s, {u"/a b"_s});
+    row(u"/a%20b"_s, {u"/a%20b"_s, u"/a b"_s});
+    row(u"file:///a"_s, {u"/a"_s});
+    row(u"FILE:///a%20b"_s, {u"/a b"_s, u"/a%20b"_s});
+    row(u"file://localhost/a"_s, {u"/a"_s});
+    row(u"file://LocalHost/a"_s, {u"/a"_s});
+    row(u"file:/a"_s, {u"/a"_s});
+    for (const QString &reference :
+         {QString(), u"a"_s, u"//a/b"_s, u"file://a/b"_s, u"file:a"_s, u"file:"_s, u"file:////a/b"_s, u"http:/a"_s}) {
+        row(reference, {});
+    }
+}
+
+void TestMailEncoderFiles::referencesNameLocalPaths()
+{
+    QFETCH(QString, reference);
+    QTEST(localPaths(reference), "paths");
+}
+
+void TestMailEncoderFiles::onlyPicturesSoundsAndFilmsAreShownInPlace()
+{
+    for (const char *type : {"image/png", "audio/midi", "video/mp4"}) {
+        QVERIFY2(isShownInPlace(type), type);
+    }
+    for (const char *type : {"", "text/html", "application/pdf", "imagery/x", "x-image/png"}) {
+        QVERIFY2(!isShownInPlace(type), type);
+    }
 }
 
 QTEST_GUILESS_MAIN(TestMailEncoderFiles)

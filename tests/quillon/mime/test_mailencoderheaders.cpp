@@ -23,6 +23,9 @@ private Q_SLOTS:
     void receiptIsAskedForOnlyWithAnAddress();
     void domainInItsAsciiForm();
     void localPartBeyondAsciiNeedsSmtpUtf8();
+    void anAddressOfBlanksIsNone();
+    void blanksAroundAnAddressDoNotCount();
+    void oneAddressBeyondAsciiIsEnough();
     void invalidAddressIsAClearError();
     void invalidAddressIsAClearError_data();
     void displayNamesAreQuotedOrEncoded();
@@ -72,6 +75,19 @@ void TestMailEncoderHeaders::dateAsGivenGetsTheZone_data()
     QTest::newRow("no date") << u"Someday\r\nX-Evil: 1"_s << QByteArray("Sat, 21 Nov 2026 14:05:09 +0100");
     QTest::newRow("no such day") << u"Mon, 30 February 2026 12:00:00"_s
                                  << QByteArray("Sat, 21 Nov 2026 14:05:09 +0100");
+    const QByteArray moment = "Sat, 21 Nov 2026 14:05:09 +0100";
+    for (const QString &wrong :
+         {u"1 May 999 1:02"_s, u"1 May 02026 1:02"_s, u"1 Ma 2026 1:02"_s, u"1 Mayo 2026 1:02"_s, u"1 2026 1:02"_s,
+          u"1 May 2026"_s, u"1 May 2026 1:02 x"_s, u"1 May 2026 1"_s, u"1 May 2026 1:02:03:04"_s,
+          u"1 May 2026 001:02"_s, u"1 May 2026 1:002"_s, u"1 May 2026 1:x"_s, u"1 May 2026 24:00"_s,
+          u"1 May 2026 23:60"_s, u"1 May 2026 23:59:60"_s, u"1 May 2026 :"_s, u"29 February 2026 1:02"_s,
+          u"0 May 2026 1:02"_s, u"May 1 2026 1:02"_s}) {
+        QTest::newRow(qPrintable(u"no date: "_s + wrong)) << wrong << moment;
+    }
+    QTest::newRow("end of the day") << u"31 DECEMBER 2026 23:59:59"_s << QByteArray("Thu, 31 Dec 2026 23:59:59 +0100");
+    QTest::newRow("beginning of the day")
+        << u"\t1  jan\r\n2026  00:00:00 "_s << QByteArray("Thu, 1 Jan 2026 00:00:00 +0100");
+    QTest::newRow("half a name") << u"Someday, 29 Februa 2028 9:8:7"_s << QByteArray("Tue, 29 Feb 2028 09:08:07 +0100");
     QTest::newRow("no such time") << u"Mon, 3 February 2026 25:00:00"_s
                                   << QByteArray("Sat, 21 Nov 2026 14:05:09 +0100");
 }
@@ -88,6 +104,10 @@ void TestMailEncoderHeaders::missingDateIsTheMoment()
 {
     QCOMPARE(headerOf(encode(message()), "Date"), QByteArray("Sat, 21 Nov 2026 14:05:09 +0100"));
     const QDateTime west = QDateTime::fromString(u"2026-11-05T04:05:09-03:30"_s, Qt::ISODate);
+    QCOMPARE(mailDate(u"2 May 0999 1:02"_s, QDateTime(QDate(2026, 1, 1), QTime(0, 0), Qt::UTC)),
+             QByteArray("Thu, 2 May 0999 01:02:00 +0000"));
+    const QDateTime little = QDateTime(QDate(2026, 1, 1), QTime(1, 2, 3), Qt::OffsetFromUTC, -30 * 60);
+    QCOMPARE(mailDate(QString(), little), QByteArray("Thu, 1 Jan 2026 01:02:03 -0030"));
     QCOMPARE(mailDate(QString(), west), QByteArray("Thu, 5 Nov 2026 04:05:09 -0330"));
     QCOMPARE(mailDate(u"Sat, 2 May 2026 00:00:00"_s, west), QByteArray("Sat, 2 May 2026 00:00:00 -0330"));
 }
@@ -152,6 +172,58 @@ void TestMailEncoderHeaders::localPartBeyondAsciiNeedsSmtpUtf8()
     const EncodedMail encoded = m_encoder.encode(mail, m_now);
     QVERIFY(encoded.NeedsSmtpUtf8);
     QCOMPARE(headerOf(mailOctets(encoded), "Cc"), QByteArray("jürgen@xn--bcher-kva.example"));
+}
+
+void TestMailEncoderHeaders::anAddressOfBlanksIsNone()
+{
+    MailMessage mail = message();
+    mail.ReplyTo = {u" \t"_s, u"Name"_s};
+    mail.ReceiptTo = {u" "_s, u"Name"_s};
+    mail.RequestReceipt = true;
+    mail.To.Add({u"  "_s, u"Nobody"_s});
+    mail.To.Add({u"b@c"_s, QString()});
+    mail.CC.Add({u"\r\n"_s, u"Nobody"_s});
+    const QByteArray octets = encode(mail);
+    QCOMPARE(headerOf(octets, "To"), QByteArray("to@example.com, b@c"));
+    for (const char *name : {"Reply-To", "Cc", "Disposition-Notification-To"}) {
+        QVERIFY2(headerOf(octets, name).isNull(), name);
+    }
+    mail.From.Address = u" "_s;
+    QVERIFY(!m_encoder.encode(mail, m_now).ErrorText.isEmpty());
+}
+
+void TestMailEncoderHeaders::blanksAroundAnAddressDoNotCount()
+{
+    const QString padded = u" \ta@b\r\n"_s;
+    MailMessage mail = message();
+    mail.From = mail.ReplyTo = mail.ReceiptTo = mail.To.Item(1) = {padded, QString()};
+    mail.CC.Add({padded, QString()});
+    mail.RequestReceipt = true;
+    const QByteArray octets = encode(mail);
+    for (const char *name : {"From", "Reply-To", "To", "Cc", "Disposition-Notification-To"}) {
+        QCOMPARE(headerOf(octets, name), QByteArray("a@b"));
+    }
+    QVERIFY(headerOf(octets, "Message-ID").endsWith("@b>"));
+}
+
+void TestMailEncoderHeaders::oneAddressBeyondAsciiIsEnough()
+{
+    const auto needs = [this](const QList<QString> &addresses) { // sender, answer, receipt, To, CC
+        MailMessage mail = message();
+        mail.From.Address = addresses[0];
+        mail.ReplyTo.Address = addresses[1];
+        mail.ReceiptTo.Address = addresses[2];
+        mail.RequestReceipt = true;
+        mail.To.Item(1).Address = addresses[3];
+        mail.CC.Add({addresses[4], QString()});
+        return m_encoder.encode(mail, m_now).NeedsSmtpUtf8;
+    };
+    QVERIFY(!needs({u"a@ü"_s, u"a@ü"_s, u"a@ü"_s, u"a@ü"_s, u"a@ü"_s}));
+    for (qsizetype place = 0; place < 5; ++place) {
+        QList<QString> addresses(5, u"a@b"_s);
+        addresses[place] = u"ü@b"_s;
+        QVERIFY2(needs(addresses), QByteArray::number(place).constData());
+    }
 }
 
 void TestMailEncoderHeaders::invalidAddressIsAClearError_data()

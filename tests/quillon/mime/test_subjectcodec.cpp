@@ -141,6 +141,16 @@ void TestSubjectCodec::plainTextThatWasNeverEncodedStays_data()
     QTest::newRow("bad escape") << u"=?utf-8?Q?=G1?="_s;
     QTest::newRow("bad octets") << u"=?utf-8?Q?=FF?=  =?utf-8?Q?=FE?="_s;
     QTest::newRow("charset with options") << u"=?us-ascii//IGNORE?Q?a?="_s;
+    QTest::newRow("escape cut at the end") << u"=?utf-8?Q?a=4?= =?utf-8?Q?=?="_s;
+    QTest::newRow("letters behind F") << u"=?utf-8?Q?=0G?= =?utf-8?Q?=g0?= =?utf-8?Q?=/0?= =?utf-8?Q?=:0?="_s;
+    QTest::newRow("other coding") << u"=?utf-8?X?a?= =?utf-8?QQ?a?= =?utf-8??a?="_s;
+    QTest::newRow("no charset") << u"=??Q?a?="_s;
+    QTest::newRow("no Base64") << u"=?utf-8?B?a*b?="_s;
+    QTest::newRow("no end") << u"=?utf-8?Q?a?"_s;
+    QTest::newRow("no end behind the coding") << u"=?utf-8?Q?"_s;
+    QTest::newRow("other end") << u"=?utf-8?Q?a?b"_s;
+    QTest::newRow("no coding") << u"=?utf-8?"_s;
+    QTest::newRow("controls in the word") << u"=?utf-8?Q?a\u007Fb?= =?utf-8?Q?a\tb?= =?utf-8?Q?ü?="_s;
     QTest::newRow("blanks in the word") << u"=?utf-8?Q?a b?="_s;
 }
 
@@ -207,6 +217,17 @@ void TestSubjectCodec::decoderTakesWhatOtherMailersWrite_data()
     QTest::addColumn<QString>("raw");
     QTest::addColumn<QString>("text");
     QTest::newRow("lower case") << u"=?iso-8859-1?q?a=e4?="_s << u"aä"_s;
+    QTest::newRow("any case") << u"=?UTF-8?b?w7w=?= =?Utf-8?q?=C3=bC?="_s << u"üü"_s;
+    QTest::newRow("hexadecimal digits") << u"=?us-ascii?Q?=09=0a=0A=0f=0F=49=39?="_s << u"\t\n\n\u000F\u000FI9"_s;
+    QTest::newRow("no content") << u"a=?UTF-8?Q?\?=b=?UTF-8?B?\?="_s << u"ab"_s;
+    QTest::newRow("blanks and line ends between") << u"=?UTF-8?Q?a?= \t\r\n =?UTF-8?Q?b?= c"_s << u"ab c"_s;
+    QTest::newRow("other blanks between") << u"=?UTF-8?Q?a?=\u00A0=?UTF-8?Q?b?="_s << u"a\u00A0b"_s;
+    QTest::newRow("undecodable first") << u"=?UTF-8?Q?=FF?=  =?koi8-r?Q?=C1?="_s << u"=?UTF-8?Q?=FF?=  а"_s;
+    QTest::newRow("undecodable last") << u"=?koi8-r?Q?=C1?=  =?UTF-8?Q?=FF?="_s << u"а  =?UTF-8?Q?=FF?="_s;
+    QTest::newRow("undecodable between") << u"=?koi8-r?Q?=C1?= =?UTF-8?Q?=FF?= =?koi8-r?Q?=C1?= =?us-ascii?Q?x?="_s
+                                         << u"а =?UTF-8?Q?=FF?= аx"_s;
+    QTest::newRow("shift left open") << u"=?iso-2022-jp?B?GyRCRnxLXA==?= =?iso-2022-jp?Q?a?="_s << u"日本a"_s;
+    QTest::newRow("mark behind a word") << u"=?UTF-8?Q?a?==?"_s << u"a=?"_s;
     QTest::newRow("mixed with text") << u"Re: =?UTF-8?B?w7w=?= more"_s << u"Re: ü more"_s;
     QTest::newRow("character over two words") << u"=?UTF-8?Q?=C3?= =?UTF-8?Q?=BC?="_s << u"ü"_s;
     QTest::newRow("folded") << u"=?UTF-8?Q?a?=\r\n =?UTF-8?Q?b?="_s << u"ab"_s;

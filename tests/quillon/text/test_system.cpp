@@ -25,13 +25,18 @@ private Q_SLOTS:
     void waitHandlesEventsAndLastsItsTime();
     void endProcessEndsThoseOfThatNameAndDataOnly();
     void endProcessKillsWhatDoesNotListen();
+    void endProcessKnowsAReplacedProgramAndTheHomeFolder();
+    void onlyAProgramIsStartedAnythingElseIsOpened();
     void registryKeepsValuesInItsFile();
+    void registryLosesOnlyTheKeyThatIsDeleted();
+    void promptsThatNobodyAnswersAreDeclined();
     void registryWithoutAFileIsSilent();
     void promptsWithNobodyThereAreFaults();
 
 private:
     /// A process whose executable bears that very name, working on the data below @p dataHome.
-    std::unique_ptr<QProcess> startAs(const QString &name, const QString &dataHome, const QStringList &arguments)
+    std::unique_ptr<QProcess> startAs(const QString &name, const QString &dataHome, const QStringList &arguments,
+                                      const QString &variable = u"XDG_DATA_HOME"_s)
     {
         const QString folder = m_folder->filePath(QString::number(m_started++));
         QDir().mkpath(folder);
@@ -39,7 +44,8 @@ private:
         QFile::copy(QStandardPaths::findExecutable(arguments.constFirst()), program);
         auto process = std::make_unique<QProcess>();
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"XDG_DATA_HOME"_s, dataHome);
+        environment.remove(u"XDG_DATA_HOME"_s);
+        environment.insert(variable, dataHome);
         process->setProcessEnvironment(environment);
         process->start(program, arguments.sliced(1));
         process->waitForStarted();
@@ -114,6 +120,117 @@ void TestSystem::endProcessKillsWhatDoesNotListen()
     m_system.EndProcess(u"CorvaneS.exe"_s);
     QVERIFY(deaf->waitForFinished());
     QCOMPARE(deaf->exitStatus(), QProcess::CrashExit);
+}
+
+void TestSystem::endProcessKnowsAReplacedProgramAndTheHomeFolder()
+{
+    const QString home = m_folder->filePath(u"home"_s);
+    qputenv("XDG_DATA_HOME", QFile::encodeName(home + u"/.local/share"_s));
+    const auto replaced = startAs(u"CorvaneS.exe"_s, home + u"//.local/share/"_s, {u"sleep"_s, u"600"_s});
+    const auto atHome = startAs(u"CorvaneS.exe"_s, home, {u"sleep"_s, u"600"_s}, u"HOME"_s);
+    QVERIFY(QFile::remove(replaced->program()));
+    m_system.EndProcess(u"CorvaneS.exe"_s);
+    QVERIFY(replaced->waitForFinished());
+    QVERIFY(atHome->waitForFinished());
+}
+
+namespace {
+
+/// Notes what is started and what is opened, and can refuse both.
+class RecordedDesktop : public quillon::Processes, public quillon::DesktopOpener {
+public:
+    RecordedDesktop() : m_processes(quillon::setProcesses(this)), m_opener(quillon::setDesktopOpener(this)) {}
+    ~RecordedDesktop() override
+    {
+        quillon::setProcesses(m_processes);
+        quillon::setDesktopOpener(m_opener);
+    }
+    RecordedDesktop(const RecordedDesktop &) = delete;
+    RecordedDesktop &operator=(const RecordedDesktop &) = delete;
+
+    bool start(const QString &program, const QStringList &arguments) override
+    {
+        done.append(u"start "_s + QFileInfo(program).fileName() + u' ' + arguments.join(u','));
+        return succeeds;
+    }
+    bool open(const QString &pathOrUrl) override
+    {
+        done.append(u"open "_s + QFileInfo(pathOrUrl).fileName());
+        return succeeds;
+    }
+
+    QStringList done;
+    bool succeeds = true;
+
+private:
+    quillon::Processes *m_processes;
+    quillon::DesktopOpener *m_opener;
+};
+
+} // namespace
+
+void TestSystem::onlyAProgramIsStartedAnythingElseIsOpened()
+{
+    const QString folder = m_folder->filePath(u"folder"_s);
+    const QString program = m_folder->filePath(u"program"_s);
+    const QString text = m_folder->filePath(u"text"_s);
+    QVERIFY(QDir().mkpath(folder));
+    QVERIFY(QFile::copy(QStandardPaths::findExecutable(u"true"_s), program));
+    QFile file(text);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    RecordedDesktop desktop;
+    const int before = quillon::faultCount();
+    m_system.OpenTarget(program, 1, {u"a"_s, u"b"_s});
+    for (const QString &target : {folder, text, m_folder->filePath(u"missing"_s), u"http://x.example/page"_s}) {
+        m_system.OpenTarget(target, 1, {u"a"_s});
+    }
+    m_system.OpenDocument(program, 1);
+    QCOMPARE(quillon::faultCount(), before);
+    QCOMPARE(desktop.done, (QStringList{u"start program a,b"_s, u"open folder"_s, u"open text"_s, u"open missing"_s,
+                                        u"open page"_s, u"open program"_s}));
+    desktop.succeeds = false;
+    m_system.OpenTarget(program, 1, {});
+    m_system.OpenTarget(folder, 1, {});
+    QCOMPARE(quillon::faultCount(), before + 2);
+}
+
+void TestSystem::registryLosesOnlyTheKeyThatIsDeleted()
+{
+    using quillon::QuillonRegistry;
+    const QuillonRegistry registry;
+    const QString path = m_folder->filePath(u"registry"_s);
+    QuillonRegistry::setFile(path);
+    registry.DeleteKey(QuillonRegistry::CurrentUser, u"A"_s);
+    QVERIFY(!QFile::exists(path));
+    for (const auto hive : {QuillonRegistry::CurrentUser, QuillonRegistry::Machine}) {
+        registry.WriteValue(hive, u"A"_s, u"n"_s, QuillonRegistry::Number, u"x7"_s);
+        registry.WriteValue(hive, u"A\\B"_s, u"n"_s, QuillonRegistry::Text, u"x7"_s);
+    }
+    registry.DeleteKey(QuillonRegistry::CurrentUser, u"a"_s);
+    QCOMPARE(registry.ReadValue(QuillonRegistry::CurrentUser, u"A"_s, u"n"_s), QString());
+    QCOMPARE(registry.ReadValue(QuillonRegistry::CurrentUser, u"A\\B"_s, u"n"_s), u"x7"_s);
+    QCOMPARE(registry.ReadValue(QuillonRegistry::Machine, u"A"_s, u"n"_s), u"0"_s);
+    QuillonRegistry::setFile(QString());
+}
+
+void TestSystem::promptsThatNobodyAnswersAreDeclined()
+{
+    using quillon::BoxAnswer;
+    const int before = quillon::faultCount();
+    const QList<std::pair<int, BoxAnswer>> answers = {{quillon::YesNoBox, BoxAnswer::No},
+                                                      {quillon::YesNoCancelBox, BoxAnswer::Cancel},
+                                                      {quillon::OkCancelQuestionBox, BoxAnswer::Cancel},
+                                                      {quillon::OkCancelInformationBox, BoxAnswer::Cancel},
+                                                      {quillon::InformationBox, BoxAnswer::Ok},
+                                                      {quillon::WarningBox, BoxAnswer::Ok}};
+    for (const auto &[style, answer] : answers) {
+        QCOMPARE(quillon::prompts().box({u"K"_s, u"T"_s, QString(), style}), answer);
+    }
+    QCOMPARE(m_system.OpenFileDialog(u"T"_s, {}, QString(), true), QStringList());
+    QCOMPARE(m_system.SaveFileDialog(u"T"_s, {}, u"name"_s), QString());
+    QCOMPARE(m_system.SelectFolderDialog(u"T"_s), QString());
+    quillon::prompts().showModalForm(u"frmA"_s, 0);
+    QCOMPARE(quillon::faultCount(), before + 10);
 }
 
 void TestSystem::registryKeepsValuesInItsFile()
