@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <cstdio>
+
 using namespace Qt::StringLiterals;
 
 int main(int count, char **values)
@@ -22,5 +24,9 @@ int main(int count, char **values)
         lines.AppendLine(folder + u"/smtp.dll"_s, mark + u'\t' + QString(300, u'y') + u'\t' + mark);
         lines.ReplaceLine(folder + u"/proxy.dll"_s, u"key"_s, u"key"_s, u"\t"_s, 0);
         lines.WriteTextFile(folder + u"/sign.dll"_s, mark + QString(9000, u'z') + mark, u"utf-8"_s);
+        if (i == 0) {
+            std::puts("at work");
+            std::fflush(stdout);
+        }
     }
 }
