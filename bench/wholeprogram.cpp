@@ -175,7 +175,7 @@ QJsonObject measureProgram(const BenchTask &task)
     hooks.insertIntoSignature = [](const QString &) { return false; };
     hooks.findSignature = [&globals](const QString &name) { return signatureText(globals, name); };
     hooks.showForm = [](const QString &, int) {};
-    hooks.optionsOpen = [] { return false; };
+    hooks.optionsOpen = hooks.sending = [] { return false; };
     hooks.showProgress = [] { return false; };
     hooks.loadLists = hooks.checkAccount = hooks.readPrompts = hooks.minimised = hooks.closed = [] {};
     frmPubMain main(globals, std::move(hooks));
