@@ -23,9 +23,6 @@ QString FindSmtpRecord(const ApplicationGlobals &globals, const QString &address
 bool DefaultSmtpUsable(const ApplicationGlobals &globals)
 {
     const QString record = globals.settings.text(Setting::DefaultAccount);
-    if (record.trimmed().isEmpty()) {
-        return false;
-    }
     const quillon::QuillonAddress tester;
     const QString receipt = recordField(record, AccountReceiptAddress);
     return !recordField(record, AccountServer).isEmpty() && !recordField(record, AccountPort).isEmpty() &&

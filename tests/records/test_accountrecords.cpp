@@ -14,10 +14,13 @@ private Q_SLOTS:
     void cleanup() { dropTree(); }
 
     void accountIsFoundBetweenTabsWithoutRegardToCase();
+    void capitalsMatterNeitherInTheFileNorInTheAddress();
+    void capitalsMatterNeitherInTheFileNorInTheAddress_data();
     void firstAndLastFieldAreNeverFound();
     void defaultAccountIsUsable();
     void defaultAccountIsUsable_data();
     void emptyAddressFindsTheFirstAccountWithAnEmptyField();
+    void senderWithoutANameIsTheBareAddress();
 };
 
 void TestAccountRecords::accountIsFoundBetweenTabsWithoutRegardToCase()
@@ -27,6 +30,30 @@ void TestAccountRecords::accountIsFoundBetweenTabsWithoutRegardToCase()
     QCOMPARE(FindSmtpRecord(m_tree->globals, u"bea@y.org"_s), bea);
     QCOMPARE(FindSmtpRecord(m_tree->globals, u"da@x.org"_s), QString());
     QCOMPARE(FindSmtpRecord(m_tree->globals, u"nobody@x.org"_s), QString());
+}
+
+void TestAccountRecords::capitalsMatterNeitherInTheFileNorInTheAddress_data()
+{
+    QTest::addColumn<QString>("stored");
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<bool>("found");
+    QTest::newRow("stored with capitals") << u"Ann.Lee@Example.ORG"_s << u"ann.lee@example.org"_s << true;
+    QTest::newRow("looked for with capitals") << u"ann.lee@example.org"_s << u"Ann.Lee@Example.ORG"_s << true;
+    QTest::newRow("capitals in both") << u"ANN.Lee@example.org"_s << u"ann.LEE@Example.org"_s << true;
+    QTest::newRow("letters beyond ASCII") << u"Øre@example.org"_s << u"øRE@example.org"_s << true;
+    QTest::newRow("the beginning is missing") << u"ann@example.org"_s << u"nn@example.org"_s << false;
+    QTest::newRow("the end is missing") << u"ann@example.org"_s << u"ann@example.or"_s << false;
+    QTest::newRow("a blank in front") << u"ann@example.org"_s << u" ann@example.org"_s << false;
+}
+
+void TestAccountRecords::capitalsMatterNeitherInTheFileNorInTheAddress()
+{
+    QFETCH(const QString, stored);
+    QFETCH(const QString, address);
+    QFETCH(const bool, found);
+    const QString line = QString(ada).replace(u"ada@x.org"_s, stored); // the address is in no other field
+    accounts({bea, line});
+    QCOMPARE(FindSmtpRecord(m_tree->globals, address), found ? line : QString());
 }
 
 void TestAccountRecords::firstAndLastFieldAreNeverFound()
@@ -70,6 +97,13 @@ void TestAccountRecords::emptyAddressFindsTheFirstAccountWithAnEmptyField()
     QCOMPARE(FindSmtpRecord(m_tree->globals, QString()), ada);
     accounts({full});
     QCOMPARE(FindSmtpRecord(m_tree->globals, QString()), QString());
+}
+
+void TestAccountRecords::senderWithoutANameIsTheBareAddress()
+{
+    QCOMPARE(accountSender(ada), u"Ada <ada@x.org>"_s);
+    QCOMPARE(accountSender(bea), u"Bea@Y.org"_s);
+    QCOMPARE(accountSender(QString(ada).replace(u"\tAda\t"_s, u"\t  \t"_s)), u"ada@x.org"_s);
 }
 
 QTEST_GUILESS_MAIN(TestAccountRecords)

@@ -30,7 +30,23 @@ private Q_SLOTS:
     void filesThatCannotBeReadGiveEmptyListsAndStay();
     void sendersBoxesThatKeepTheirTextMarkNoChange();
     void anAccountBoxThatKeepsItsTextLooksUpItsRecordAfresh();
+    void withoutATextOrADefaultNothingIsPicked();
 };
+
+namespace {
+
+/// Notes what is put into its boxes.
+class PickedWindow : public FakeWindow {
+public:
+    void setText(Field field, const QString &text) override
+    {
+        picked.append(text);
+        FakeWindow::setText(field, text);
+    }
+    QStringList picked;
+};
+
+} // namespace
 
 void TestWindowLists::accountBoxGetsTheAddressesAndKeepsItsText()
 {
@@ -187,20 +203,23 @@ void TestWindowLists::sendersBoxesThatKeepTheirTextMarkNoChange()
 
 void TestWindowLists::anAccountBoxThatKeepsItsTextLooksUpItsRecordAfresh()
 {
-    class PickedWindow : public FakeWindow {
-    public:
-        void setText(Field field, const QString &text) override
-        {
-            picked.append(text);
-            FakeWindow::setText(field, text);
-        }
-        QStringList picked;
-    };
     accounts({ada});
     PickedWindow window;
     window.FakeWindow::setText(Field::Account, u"ada@x.org"_s);
     LoadSmtpLists(m_tree->globals, window, window);
     QCOMPARE(window.picked, QStringList{u"ada@x.org"_s});
+}
+
+void TestWindowLists::withoutATextOrADefaultNothingIsPicked()
+{
+    accounts({ada});
+    PickedWindow window;
+    LoadSmtpLists(m_tree->globals, window, window);
+    LoadSenderLists(m_tree->globals, window, window);
+    QCOMPARE(window.picked, QStringList());
+    m_tree->globals.settings.set(Setting::DefaultAccount, bea);
+    LoadSmtpLists(m_tree->globals, window, window);
+    QCOMPARE(window.picked, QStringList{u"Bea@Y.org"_s});
 }
 
 QTEST_GUILESS_MAIN(TestWindowLists)
