@@ -270,12 +270,14 @@ void TestRecordDeletion::clearEmptiesListFileAndDefault()
     RecordFixture f(kindOfRow());
     f.loadAll(1);
     f.select({0}); // clearing does not depend on what is selected
+    const QSignalSpy emptied(f.list.get(), &RecordList::emptied);
     ExpectedPrompts prompts;
     prompts.expectBox(f.facts.keys[4], 36, BoxAnswer::Yes);
     f.list->clear();
     QCOMPARE(f.model().rowCount(), 0);
     QVERIFY(QFileInfo(f.path()).isFile());
     QCOMPARE(f.file(), QByteArray(""));
+    QCOMPARE(emptied.size(), 1);
     QCOMPARE(QFileInfo(f.path()).permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
     f.verifyDefault({});
 }

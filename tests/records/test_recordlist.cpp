@@ -75,6 +75,7 @@ void TestRecordList::addPutsTheRecordAtTheEnd()
     f.load(f.facts.records.first(2));
     const QByteArray options = f.options();
     QCOMPARE(f.list->add(f.facts.records[2]), 2);
+    QCOMPARE(f.selected(), QList<int>{0});
     QCOMPARE(f.file(), octetsOf(f.facts.records));
     QCOMPARE(f.model().lines(), f.facts.records);
     QCOMPARE(f.marked(), QList<int>{0});
@@ -86,6 +87,8 @@ void TestRecordList::theFirstRecordBecomesTheDefault()
     RecordFixture f(kindOfRow());
     f.load({});
     QCOMPARE(f.list->add(f.facts.records[1]), 0);
+    QCOMPARE(f.list->present(), 0);
+    QCOMPARE(f.selected(), QList<int>{0});
     QCOMPARE(f.file(), octetsOf({f.facts.records[1]}));
     QCOMPARE(f.marked(), QList<int>{0});
     f.verifyDefault(f.facts.records[1]);
@@ -351,6 +354,10 @@ void TestRecordList::anAccountsLineWithoutASenderFillsNoMacro()
     f.list->add(u"smtp.x.example\t25\tN\tN\t\t\tAnn"_s);
     QCOMPARE(f.marked(), QList<int>{0});
     QCOMPARE(contentOf(f.globals().paths.macrosFile), emptyMacros);
+    // The sender's address as the last field is enough.
+    f.list->select(f.list->add(u"smtp.x.example\t25\tN\tN\t\t\tAnn\tann@x.example"_s));
+    f.list->makeDefault();
+    QCOMPARE(macroText(f, u"{My Email Address}"_s), u"ann@x.example"_s);
 }
 
 void TestRecordList::otherKindsFillNoMacro_data()

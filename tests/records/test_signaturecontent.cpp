@@ -166,6 +166,8 @@ void TestSignatureContent::anHtmlFileIsToldByItsEnding_data()
     QTest::newRow("htm") << u"a.htm"_s << true;
     QTest::newRow("html") << u"a.html"_s << true;
     QTest::newRow("HTML") << u"a.HTML"_s << true;
+    QTest::newRow("HTM") << u"a.HTM"_s << true;
+    QTest::newRow("no point") << u"ahtm"_s << false;
     QTest::newRow("xhtml") << u"a.xhtml"_s << false;
     QTest::newRow("txt") << u"a.html.txt"_s << false;
 }
