@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -160,6 +161,18 @@ bool SignatureFiles::setAside(const QString &name) const
     }
 }
 
+bool SignatureFiles::isOfAnother(const QString &newName, const QString &name) const
+{
+    const auto there = entryAt(target(newName));
+    return there && std::any_of(m_names.cbegin(), m_names.cend(), [&](const QString &other) {
+               if (other == name || other.compare(newName, Qt::CaseInsensitive) != 0) {
+                   return false;
+               }
+               const auto owned = entryAt(present(other));
+               return owned && isSame(*owned, *there);
+           });
+}
+
 void SignatureFiles::removeAllThatBeginWith(const QString &name) const
 {
     remove(name);
@@ -196,19 +209,7 @@ SignatureFiles::Move::Move(const SignatureFiles &files, const QString &name, con
 
 bool SignatureFiles::Move::makeRoom(const SignatureFiles &files, const QString &name, const QString &newName)
 {
-    const auto there = entryAt(m_to);
-    if (!there) {
-        return true;
-    }
-    for (const QString &other : files.m_names) {
-        if (other == name || other.compare(newName, Qt::CaseInsensitive) != 0) {
-            continue;
-        }
-        if (const auto owned = entryAt(files.present(other)); owned && isSame(*owned, *there)) {
-            return false; // a file system that knows no case gives both names one file
-        }
-    }
-    return files.setAside(newName);
+    return !entryAt(m_to) || (!files.isOfAnother(newName, name) && files.setAside(newName));
 }
 
 void SignatureFiles::Move::finish() const

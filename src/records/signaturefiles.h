@@ -30,6 +30,9 @@ public:
     /// Takes what stands in the place of @p name, and belongs to no signature, out of the way of a new one: a text goes
     /// on under a name of its own in the folder, an empty file is deleted. False when it could not.
     [[nodiscard]] bool setAside(const QString &name) const;
+    /// Whether what stands in the place of @p newName is the text of a signature other than @p name: a file system that
+    /// knows no case gives names that differ in it one file.
+    [[nodiscard]] bool isOfAnother(const QString &newName, const QString &name) const;
     /// Deletes all stored texts whose names begin with this one, and this one's.
     void removeAllThatBeginWith(const QString &name) const;
 

@@ -163,7 +163,7 @@ bool rename(const ApplicationGlobals &globals, const QString &given, const QStri
         return false;
     }
     text.finish();
-    if (!stored && !path.trimmed().isEmpty() && !present.names.contains(newName, Qt::CaseInsensitive)) {
+    if (!stored && !path.trimmed().isEmpty() && !present.files.isOfAnother(newName, name)) {
         present.files.remove(newName); // a text that was left there would be taken for the signature's
     }
     return true;
