@@ -153,7 +153,7 @@ QVariant RecordModel::headerData(int section, Qt::Orientation orientation, int r
 
 Qt::ItemFlags RecordModel::flags(const QModelIndex &index) const
 {
-    const Qt::ItemFlags flags = QAbstractTableModel::flags(index) | Qt::ItemNeverHasChildren;
+    const Qt::ItemFlags flags = QAbstractTableModel::flags(index);
     return m_editable && index.column() == 0 ? flags | Qt::ItemIsEditable : flags;
 }
 
