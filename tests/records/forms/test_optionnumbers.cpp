@@ -34,6 +34,7 @@ private Q_SLOTS:
     void aGoodValueLetsTheFocusGo();
     void twoBadBoxesDoNotPlayPingPong();
     void anotherWindowIsNoLossOfTheFocus();
+    void aMenuIsNoLossOfTheFocus();
     void aButtonUnderTheMouseIsNotPressedWhileItsBoxIsShown();
     void anotherTabGivesWayToTheBadValue();
     void closingShowsNoMessage();
@@ -94,7 +95,7 @@ void TestOptionNumbers::lettersAreSwallowedBehindAStoredTextThatIsNoNumber()
     bench.setOther(Setting::Interval, u"half an hour"_s);
     bench.open(Tab::OtherTab);
     QCOMPARE(bench.txt(14)->text(), u"half an hour"_s);
-    QTest::keyClicks(bench.txt(14), u"s"_s);
+    QTest::keyClicks(bench.txt(14), u"s/:"_s); // the last two stand beside the digits
     QCOMPARE(bench.txt(14)->text(), u"half an hour"_s);
     bench.focus(bench.txt(14));
     bench.prompts.expectBox(u"INTERVAL_LIMIT"_s, 64);
@@ -264,6 +265,27 @@ void TestOptionNumbers::anotherWindowIsNoLossOfTheFocus()
     bench.prompts.expectBox(u"INTERVAL_LIMIT"_s, 64);
     leaveByKey(bench);
     QCOMPARE(bench.prompts.leftOver(), QStringList());
+}
+
+void TestOptionNumbers::aMenuIsNoLossOfTheFocus()
+{
+    OptionsBench bench;
+    bench.open(Tab::OtherTab);
+    for (const Box &box : boxes) {
+        QLineEdit *edit = bench.txt(box.index);
+        const QString good = edit->text();
+        edit->setText(box.beyond);
+        for (const Qt::FocusReason reason : {Qt::PopupFocusReason, Qt::ActiveWindowFocusReason, Qt::OtherFocusReason}) {
+            QFocusEvent lost(QEvent::FocusOut, reason);
+            if (reason == Qt::OtherFocusReason) {
+                bench.prompts.expectBox(box.message, 64);
+            }
+            QCoreApplication::sendEvent(edit, &lost);
+            QCoreApplication::processEvents();
+            QCOMPARE(bench.prompts.leftOver(), QStringList());
+        }
+        edit->setText(good);
+    }
 }
 
 void TestOptionNumbers::aButtonUnderTheMouseIsNotPressedWhileItsBoxIsShown()
