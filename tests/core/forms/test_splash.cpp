@@ -5,6 +5,7 @@
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QPixmap>
+#include <QScreen>
 #include <QTest>
 #include <QTimer>
 #include <QtTest/qtestspontaneevent.h>
@@ -25,6 +26,9 @@ private Q_SLOTS:
     void aUsersCloseBeforeItsTimeIsRefused();
     void aPictureFillsTheWindow();
     void withoutAPictureTheNameIsDrawn();
+    void itStandsInTheMiddleOfTheScreen();
+    void aSharpPictureKeepsItsSize();
+    void theVersionIsDrawn();
 
 private:
     static QTimer *timerOf(const QWidget *splash) { return splash->findChild<QTimer *>(u"tim"_s); }
@@ -157,6 +161,44 @@ void TestSplash::withoutAPictureTheNameIsDrawn()
     const QImage named = splash.grab().toImage();
     QVERIFY(named != nameless);
     QVERIFY(named.pixelColor(0, 0) != named.pixelColor(named.width() - 1, 0));
+}
+
+void TestSplash::itStandsInTheMiddleOfTheScreen()
+{
+    QPixmap picture(121, 81);
+    picture.fill(Qt::red);
+    const frmPubSplash splash({}, picture);
+    QCOMPARE(splash.geometry().center(), splash.screen()->availableGeometry().center());
+    QCOMPARE(splash.minimumSize(), splash.maximumSize());
+    QCOMPARE(splash.objectName(), u"frmPubSplash"_s);
+    QCOMPARE(splash.windowTitle(), QGuiApplication::applicationDisplayName());
+}
+
+void TestSplash::aSharpPictureKeepsItsSize()
+{
+    QPixmap picture(240, 160);
+    picture.setDevicePixelRatio(2);
+    const frmPubSplash splash({}, picture);
+    QCOMPARE(splash.size(), QSize(120, 80));
+}
+
+void TestSplash::theVersionIsDrawn()
+{
+    QCoreApplication::setApplicationVersion(QString());
+    frmPubSplash splash({});
+    const QImage without = splash.grab().toImage();
+    QCoreApplication::setApplicationVersion(u"5.22"_s);
+    QImage with = splash.grab().toImage();
+    QCoreApplication::setApplicationVersion(QString());
+    QVERIFY(with != without);
+    const QRect corner(with.width() / 2, with.height() / 2, with.width() / 2, with.height() / 2);
+    for (int y = 0; y < with.height(); ++y) {
+        for (int x = 0; x < with.width(); ++x) {
+            if (!corner.contains(x, y)) {
+                QCOMPARE(with.pixel(x, y), without.pixel(x, y));
+            }
+        }
+    }
 }
 
 QTEST_MAIN(TestSplash)
