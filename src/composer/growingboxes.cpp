@@ -74,10 +74,10 @@ void GrowingBoxes::toggle(QWidget *widget)
     if (!box) {
         return;
     }
-    Box &list = m_boxes.back();
+    const Box &list = m_boxes.back();
     for (Box &other : m_boxes) {
-        // An open list of attachments stays open beside a recipient box, unless it has that box's height.
-        if (&other != box && (&other != &list || list.twips == LargeBox)) {
+        // An open list of attachments stays open beside a recipient box.
+        if (&other != box && &other != &list) {
             setHeight(other, OneRow);
         }
     }

@@ -12,6 +12,7 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMouseEvent>
 #include <QStatusBar>
 
 using namespace Qt::StringLiterals;
@@ -71,7 +72,11 @@ QString StatusHints::hintFor(const QWidget *widget) const
 bool StatusHints::eventFilter(QObject *watched, QEvent *event)
 {
     auto *widget = qobject_cast<QWidget *>(watched);
-    if (widget && (event->type() == QEvent::Enter || event->type() == QEvent::MouseMove)) {
+    if (widget && event->type() == QEvent::MouseMove) {
+        // A move that a control has no use for goes on to its parents: the hint stays that of the control.
+        const QWidget *over = widget->childAt(static_cast<QMouseEvent *>(event)->position().toPoint());
+        show(hintFor(over ? over : widget));
+    } else if (widget && event->type() == QEvent::Enter) {
         show(hintFor(widget));
     } else if (widget && event->type() == QEvent::MouseButtonPress &&
                (widget == m_bar.bar || widget == m_bar.panel1 || widget == m_bar.panel2)) {

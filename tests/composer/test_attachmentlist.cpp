@@ -2,6 +2,8 @@
 #include "quillon/fault.h"
 #include "support/testopener.h"
 
+#include <QStorageInfo>
+
 using namespace Qt::StringLiterals;
 using namespace corvane;
 
@@ -22,6 +24,13 @@ private Q_SLOTS:
     void openOpensTheSelectedRow();
     void loadedPathsLeaveOutWhatIsGoneAndTheSecondOfOneName();
     void attachmentsReachTheRun();
+    void namesAreKeysAndDifferInCase();
+    void aKeyThatWasRemovedIsFreeAgain();
+    void hiddenFilesCountInAFoldersSize();
+    void aLinkToADriveIsRefusedToo();
+    void aRowTellsItsPath();
+    void pathsThatAreSetTakeThePlaceOfAllOthers();
+    void filesThatAreListedAlreadyHidePopUpsToo();
 
 private:
     /// A file of that many octets below the fixture's folder.
@@ -38,6 +47,15 @@ private:
         QStringList texts;
         for (int i = 0; i < list->count(); ++i) {
             texts.append(list->item(i)->text());
+        }
+        return texts;
+    }
+    static QStringList keys(const MainFixture &main)
+    {
+        const auto *list = main.get<QListWidget>(u"lsv(0)"_s);
+        QStringList texts;
+        for (int i = 0; i < list->count(); ++i) {
+            texts.append(list->item(i)->data(Qt::UserRole + 1).toString());
         }
         return texts;
     }
@@ -212,5 +230,119 @@ void TestAttachmentList::attachmentsReachTheRun()
     QCOMPARE(main.message().attachmentPaths(), (QStringList{a, main.tree.path(u"photos"_s)}));
 }
 
+void TestAttachmentList::namesAreKeysAndDifferInCase()
+{
+    MainFixture main;
+    const QString small = file(main, u"one/a.txt"_s);
+    const QString large = file(main, u"two/A.TXT"_s);
+    const QString second = file(main, u"three/a.txt"_s);
+    const int faults = quillon::faultCount();
+    main.message().setAttachmentPaths({small, large, second, small, large});
+    QCOMPARE(main.message().attachmentPaths(), (QStringList{small, large}));
+    QCOMPARE(quillon::faultCount(), faults);
+    main.message().setAttachmentPaths({small});
+    addFiles(main, {large, second, second});
+    QCOMPARE(main.message().attachmentPaths(), (QStringList{small, large, second}));
+    QCOMPARE(keys(main), (QStringList{u"a.txt"_s, u"A.TXT"_s, QString()}));
+    QCOMPARE(quillon::faultCount(), faults + 1);
+}
+
+void TestAttachmentList::aKeyThatWasRemovedIsFreeAgain()
+{
+    MainFixture main;
+    const QString first = file(main, u"one/a.txt"_s);
+    const QString second = file(main, u"two/a.txt"_s);
+    addFiles(main, {first});
+    main.get<QListWidget>(u"lsv(0)"_s)->setCurrentRow(0);
+    main.item(u"meniar"_s)->trigger();
+    const int faults = quillon::faultCount();
+    addFiles(main, {second});
+    QCOMPARE(keys(main), QStringList{u"a.txt"_s});
+    QCOMPARE(quillon::faultCount(), faults);
+}
+
+void TestAttachmentList::hiddenFilesCountInAFoldersSize()
+{
+    MainFixture main;
+    file(main, u"photos/.hidden"_s, 1024);
+    file(main, u"photos/.deep/b"_s, 2048);
+    file(main, u"photos/c"_s, 4096);
+    ExpectedPrompts asked;
+    asked.expectFolder(main.tree.path(u"photos"_s));
+    main.item(u"meniaf"_s)->trigger();
+    QCOMPARE(rows(main), QStringList{u"photos (7 KB)"_s});
+    QCOMPARE(keys(main), QStringList{u"photos"_s});
+}
+
+void TestAttachmentList::aLinkToADriveIsRefusedToo()
+{
+    MainFixture main;
+    const QString link = main.tree.path(u"link"_s);
+    QVERIFY(QFile::link(u"/"_s, link));
+    auto *filter = main.get<QListWidget>(u"lstFilter"_s);
+    filter->show();
+    QStringList drives = {link};
+    if (QStorageInfo(u"/proc"_s).rootPath() == u"/proc") {
+        drives.append(u"/proc"_s);
+    }
+    for (const QString &drive : std::as_const(drives)) {
+        ExpectedPrompts asked;
+        asked.expectFolder(drive).expectBox(u"DRIVE_ATT"_s, quillon::InformationBox);
+        main.item(u"meniaf"_s)->trigger();
+        QCOMPARE(rows(main), QStringList());
+        QVERIFY(!main.message().pblnChanged);
+        QVERIFY(filter->isVisible());
+    }
+}
+
+void TestAttachmentList::aRowTellsItsPath()
+{
+    MainFixture main;
+    const QString path = file(main, u"a (1).txt"_s, 2048);
+    addFiles(main, {path});
+    const QListWidgetItem *row = main.get<QListWidget>(u"lsv(0)"_s)->item(0);
+    QCOMPARE(row->text(), u"a (1).txt (2 KB)"_s);
+    QCOMPARE(row->toolTip(), path);
+    QCOMPARE(row->data(Qt::UserRole).toString(), path);
+    QVERIFY(!row->icon().isNull());
+}
+
+void TestAttachmentList::pathsThatAreSetTakeThePlaceOfAllOthers()
+{
+    MainFixture main;
+    const QString a = file(main, u"a"_s);
+    const QString b = file(main, u"b"_s);
+    main.message().setAttachmentPaths({a});
+    main.message().setAttachmentPaths({b, main.tree.path()});
+    QCOMPARE(main.message().attachmentPaths(), (QStringList{b, main.tree.path()}));
+    main.message().setAttachmentPaths({});
+    QCOMPARE(rows(main), QStringList());
+    QVERIFY(!main.message().pblnChanged);
+}
+
+void TestAttachmentList::filesThatAreListedAlreadyHidePopUpsToo()
+{
+    MainFixture main;
+    const QString a = file(main, u"a"_s);
+    addFiles(main, {a});
+    auto *filter = main.get<QListWidget>(u"lstFilter"_s);
+    main.message().pblnChanged = false;
+    for (const QString &command : {u"meniaa"_s, u"meniaf"_s}) {
+        filter->show();
+        ExpectedPrompts asked;
+        if (command == u"meniaa") {
+            asked.expectFiles({a});
+        } else {
+            asked.expectFolder(a);
+        }
+        main.item(command)->trigger();
+        QVERIFY(!filter->isVisible());
+    }
+    QVERIFY(!main.message().pblnChanged);
+    QCOMPARE(rows(main).size(), 1);
+}
+
 QTEST_MAIN(TestAttachmentList)
 #include "test_attachmentlist.moc"
+
+#include <QStorageInfo>

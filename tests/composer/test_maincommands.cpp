@@ -2,7 +2,9 @@
 #include "support/testopener.h"
 #include "toolbarbutton.h"
 
+#include <QMainWindow>
 #include <QMenuBar>
+#include <QPushButton>
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
@@ -37,6 +39,7 @@ private Q_SLOTS:
     void theItemsOfDialogsOpenThem();
     void everyMenuItemIsACommandOrAnArraysBase();
     void everyButtonOfTheWindowIsACommand();
+    void whatReachesACommandIsEnabledWithIt();
     void buttonsRunTheirMenuItems_data();
     void buttonsRunTheirMenuItems();
     void theThreeButtonsOfTheHeaderOpenTheOptions();
@@ -230,6 +233,9 @@ void TestMainCommands::viewLogWithoutAFileSaysSo()
     writeFile(main.globals().paths.logs + u"/202602.log"_s, "Begin");
     main.prompts.expectBox(u"NO_LOG"_s, 64);
     main.item(u"mentv"_s)->trigger();
+    QVERIFY(QDir().mkpath(main.globals().paths.logs + u"/202603.log"_s)); // a folder is no log
+    main.prompts.expectBox(u"NO_LOG"_s, 64);
+    main.item(u"mentv"_s)->trigger();
     QCOMPARE(opener.opened, QStringList());
 }
 
@@ -265,6 +271,48 @@ void TestMainCommands::oneByOneShowsOnTheToolbar()
     main.window->ResetMessageOptions();
     QVERIFY(!tool(main, u"OBO"_s)->isChecked());
     QVERIFY(!main.message().oneByOne());
+}
+
+void TestMainCommands::whatReachesACommandIsEnabledWithIt()
+{
+    QMainWindow form;
+    const auto control = [&form](auto *made, const QString &name) {
+        made->setObjectName(name);
+        return made;
+    };
+    auto *item = control(new QAction(&form), u"item"_s);
+    auto *tool = control(new QAction(&form), u"tool"_s);
+    auto *button = control(new QPushButton(&form), u"button"_s);
+    auto *field = control(new QLineEdit(&form), u"field"_s);
+    auto *rich = control(new QAction(&form), u"rich"_s);
+    auto *richButton = control(new QPushButton(&form), u"richButton"_s);
+    auto *missing = control(new QAction(&form), u"missing"_s);
+    auto *alone = control(new QPushButton(&form), u"alone"_s);
+    QStringList ran;
+    const auto run = [&ran](const QString &name) { return [&ran, name] { ran.append(name); }; };
+    CommandTable table(&form, {{u"item"_s, u"tool"_s, {u"button"_s}, run(u"item"_s), Command::Anywhere, {u"field"_s}},
+                               {u"rich"_s, {}, {u"richButton"_s}, run(u"rich"_s), Command::RichOnly},
+                               {u"missing"_s, {}, {}, {}, Command::RichOnly},
+                               {{}, {}, {u"alone"_s}, run(u"alone"_s)}});
+    for (const bool on : {false, true, false}) {
+        if (on || rich->isEnabled()) {
+            table.setRichCommandsEnabled(on);
+        }
+        QVERIFY(item->isEnabled() && tool->isEnabled() && button->isEnabled() && field->isEnabled());
+        QVERIFY(alone->isEnabled() && !missing->isEnabled());
+        QCOMPARE(rich->isEnabled(), on);
+        QCOMPARE(richButton->isEnabled(), on);
+        ran.clear();
+        item->trigger();
+        tool->trigger();
+        button->click();
+        richButton->click();
+        alone->click();
+        QCOMPARE(ran, (QStringList{u"item"_s, u"item"_s, u"item"_s} + (on ? QStringList{u"rich"_s} : QStringList()) +
+                       QStringList{u"alone"_s}));
+    }
+    QCOMPARE(table.command(u"rich"_s)->where, Command::RichOnly);
+    QCOMPARE(table.command(u"Rich"_s), nullptr);
 }
 
 QTEST_MAIN(TestMainCommands)

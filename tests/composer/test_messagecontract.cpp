@@ -82,6 +82,10 @@ private Q_SLOTS:
 
     void textsComeBackAsTheyWereSet_data() { addImplementations(); }
     void textsComeBackAsTheyWereSet();
+    void theRichContentComesBack_data() { addImplementations(); }
+    void theRichContentComesBack();
+    void everyFieldStartsEmptyAndIsItsOwn_data() { addImplementations(); }
+    void everyFieldStartsEmptyAndIsItsOwn();
     void lineEndsComeAsCrLf_data() { addImplementations(); }
     void lineEndsComeAsCrLf();
     void aFieldOfOneLineHoldsOneLine_data() { addImplementations(); }
@@ -149,10 +153,56 @@ void TestMessageContract::textsComeBackAsTheyWereSet()
     }
 }
 
+void TestMessageContract::theRichContentComesBack()
+{
+    const QString html = u"<p>Dear {x}, \u00a0\u4f60 &amp; <b>you</b></p>\r\n"_s;
+    message().setFormat(Message::Format::Rich); // as far as there is an editor for it
+    message().pblnChanged = false;
+    message().setText(Field::RichContent, html);
+    QVERIFY2(!message().pblnChanged, "a document that the editor is given is nothing that was typed");
+    m_subject->keep();
+    QCOMPARE(message().text(Field::RichContent), html);
+    QCOMPARE(contentOf(message(), Message::Format::Rich), html);
+    message().setFormat(Message::Format::Plain);
+    message().setText(Field::PlainContent, u"plain"_s);
+    m_subject->keep();
+    QCOMPARE(message().format(), Message::Format::Plain);
+    QCOMPARE(contentOf(message(), Message::Format::Plain), u"plain"_s);
+}
+
+void TestMessageContract::everyFieldStartsEmptyAndIsItsOwn()
+{
+    const QList<Field> fields = {Field::Account, Field::Sender,       Field::ReplyReceiver, Field::Encoding,
+                                 Field::To,      Field::CC,           Field::BCC,           Field::Subject,
+                                 Field::Source,  Field::PlainContent, Field::RichContent};
+    for (const Field field :
+         {Field::To, Field::CC, Field::BCC, Field::Subject, Field::Source, Field::PlainContent, Field::RichContent}) {
+        QCOMPARE(message().text(field), QString());
+    }
+    message().setActual(Choice::Sender, false);
+    message().setActual(Choice::ReplyReceiver, false);
+    const auto textOf = [](Field field) { return u" text %1 "_s.arg(static_cast<int>(field)); };
+    for (const Field field : fields) {
+        message().setText(field, textOf(field));
+    }
+    for (const Field field : fields) {
+        QCOMPARE(message().text(field), textOf(field));
+    }
+    for (const Field field : fields) {
+        message().setText(field, QString());
+        QCOMPARE(message().text(field), QString());
+    }
+}
+
 void TestMessageContract::lineEndsComeAsCrLf()
 {
+    for (const Field field : {Field::Source, Field::RichContent}) {
+        message().setText(field, u"a\nb\r\nc"_s);
+        QCOMPARE(message().text(field), u"a\r\nb\r\nc"_s);
+    }
     for (const Field field : {Field::To, Field::CC, Field::BCC, Field::PlainContent}) {
         message().setText(field, u"a\nb\r\nc"_s);
+        QCOMPARE(message().text(field), u"a\r\nb\r\nc"_s);
     }
     m_subject->keep();
     for (const Field field : {Field::To, Field::CC, Field::BCC, Field::PlainContent}) {
@@ -162,9 +212,16 @@ void TestMessageContract::lineEndsComeAsCrLf()
 
 void TestMessageContract::aFieldOfOneLineHoldsOneLine()
 {
-    message().setText(Field::Subject, u"one\ntwo\r\nthree"_s);
+    message().setActual(Choice::Sender, false);
+    message().setActual(Choice::ReplyReceiver, false);
+    for (const Field field : {Field::Account, Field::Sender, Field::ReplyReceiver, Field::Encoding, Field::Subject}) {
+        message().setText(field, u"one\ntwo\r\nthree\rfour"_s);
+        QCOMPARE(message().text(field), u"one two three four"_s);
+    }
     m_subject->keep();
-    QCOMPARE(message().text(Field::Subject), u"one two three"_s);
+    for (const Field field : {Field::Account, Field::Sender, Field::ReplyReceiver, Field::Subject}) {
+        QCOMPARE(message().text(field), u"one two three four"_s);
+    }
 }
 
 void TestMessageContract::aNewMessageIsActualNormalAndForAll()
@@ -181,18 +238,20 @@ void TestMessageContract::aNewMessageIsActualNormalAndForAll()
 
 void TestMessageContract::choicesAndMarksComeBackAsTheyWereSet()
 {
-    for (const bool on : {true, false}) {
-        message().setActual(Choice::Sender, on);
-        message().setActual(Choice::ReplyReceiver, !on);
-        message().setActual(Choice::Date, on);
-        message().setOneByOne(on);
-        message().setReceipt(!on);
+    // One of the five differs from the others, each in turn, in both directions.
+    for (int turn = 0; turn < 10; ++turn) {
+        const auto on = [turn](int mark) { return (mark == turn % 5) == (turn < 5); };
+        message().setActual(Choice::Sender, on(0));
+        message().setActual(Choice::ReplyReceiver, on(1));
+        message().setActual(Choice::Date, on(2));
+        message().setOneByOne(on(3));
+        message().setReceipt(on(4));
         m_subject->keep();
-        QCOMPARE(message().isActual(Choice::Sender), on);
-        QCOMPARE(message().isActual(Choice::ReplyReceiver), !on);
-        QCOMPARE(message().isActual(Choice::Date), on);
-        QCOMPARE(message().oneByOne(), on);
-        QCOMPARE(message().receipt(), !on);
+        QCOMPARE(message().isActual(Choice::Sender), on(0));
+        QCOMPARE(message().isActual(Choice::ReplyReceiver), on(1));
+        QCOMPARE(message().isActual(Choice::Date), on(2));
+        QCOMPARE(message().oneByOne(), on(3));
+        QCOMPARE(message().receipt(), on(4));
     }
 }
 
@@ -244,8 +303,10 @@ void TestMessageContract::theListOfEncodingsIsWalkedByIndex()
 
 void TestMessageContract::anotherTextMarksTheMessageAsChanged()
 {
-    for (const Field field :
-         {Field::Account, Field::To, Field::CC, Field::BCC, Field::Subject, Field::PlainContent, Field::Source}) {
+    message().setActual(Choice::Sender, false);
+    message().setActual(Choice::ReplyReceiver, false);
+    for (const Field field : {Field::Account, Field::Sender, Field::ReplyReceiver, Field::Encoding, Field::To,
+                              Field::CC, Field::BCC, Field::Subject, Field::PlainContent, Field::Source}) {
         message().pblnChanged = false;
         message().setText(field, u"another"_s);
         QVERIFY(message().pblnChanged);

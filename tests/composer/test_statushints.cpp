@@ -1,10 +1,56 @@
+#include "composer/statushints.h"
 #include "mainfixture.h"
 
 #include <QMenuBar>
 #include <QStatusBar>
+#include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
+
+namespace {
+
+/// The hints over a window of their own.
+struct HintWindow {
+    HintWindow()
+    {
+        form.setCentralWidget(content);
+        field->setToolTip(u"The field."_s);
+        editor->setObjectName(u"dhe"_s);
+        editor->setToolTip(u"Never shown."_s);
+        form.statusBar()->addPermanentWidget(panel1, 1);
+        form.statusBar()->addPermanentWidget(panel2);
+        QMenu *menu = form.menuBar()->addMenu(u"File"_s);
+        item = menu->addAction(u"Item"_s);
+        sub = menu->addMenu(u"Sub"_s);
+        deep = sub->addAction(u"Deep"_s);
+        hints = new StatusHints(&form, {form.statusBar(), panel1, panel2},
+                                {[this] { return sending; }, [this](int panel) { clicks.append(panel); }});
+        field->setGeometry(20, 20, 100, 30);
+        part->setGeometry(0, 0, 50, 20);
+        editor->setGeometry(200, 20, 100, 60);
+        inEditor->setGeometry(0, 0, 50, 20);
+        form.resize(400, 300);
+        form.show();
+    }
+
+    QMainWindow form;
+    QWidget *content = new QWidget;
+    QWidget *field = new QWidget(content);
+    QWidget *part = new QWidget(field);
+    QWidget *editor = new QWidget(content);
+    QWidget *inEditor = new QWidget(editor);
+    QLabel *panel1 = new QLabel;
+    QLabel *panel2 = new QLabel;
+    QAction *item = nullptr;
+    QMenu *sub = nullptr;
+    QAction *deep = nullptr;
+    StatusHints *hints = nullptr;
+    bool sending = false;
+    QList<int> clicks;
+};
+
+} // namespace
 
 class TestStatusHints : public QObject {
     Q_OBJECT
@@ -16,6 +62,11 @@ private Q_SLOTS:
     void aSubMenuShowsNoHelpLine();
     void whileASendRunsNothingChangesTheSendingText();
     void aClickOnTheStatusBarShowsTheProgress();
+    void eachPlaceOfTheBarTellsItsNumberAndKeepsThePress();
+    void aClickThatShowsNoProgressLeavesTheLineAlone();
+    void whatTheMouseIsOverDecidesTheHint();
+    void noHintIsShownWhileAnotherTextStands();
+    void aMenuHintIsLookedUpByItsPlainCaption();
 };
 
 void TestStatusHints::mouseOverAControlShowsItsTip()
@@ -104,6 +155,116 @@ void TestStatusHints::aClickOnTheStatusBarShowsTheProgress()
     QTest::mouseClick(main.get<QLabel>(u"stb(2)"_s), Qt::LeftButton);
     QTest::mouseClick(main.window->statusBar(), Qt::LeftButton);
     QCOMPARE(clicks, 3);
+}
+
+void TestStatusHints::eachPlaceOfTheBarTellsItsNumberAndKeepsThePress()
+{
+    HintWindow sample;
+    for (QWidget *place : {static_cast<QWidget *>(sample.panel1), static_cast<QWidget *>(sample.panel2),
+                           static_cast<QWidget *>(sample.form.statusBar()), static_cast<QWidget *>(sample.field)}) {
+        QMouseEvent press(QEvent::MouseButtonPress, QPointF(1, 1), place->mapToGlobal(QPointF(1, 1)), Qt::LeftButton,
+                          Qt::LeftButton, {});
+        QCoreApplication::sendEvent(place, &press);
+    }
+    QCOMPARE(sample.clicks, (QList<int>{1, 2, 0}));
+    for (QWidget *place : {static_cast<QWidget *>(sample.panel1), static_cast<QWidget *>(sample.form.statusBar())}) {
+        QTest::mouseRelease(place, Qt::LeftButton);
+        QTest::mouseDClick(sample.field, Qt::LeftButton);
+    }
+    QCOMPARE(sample.clicks.size(), 3);
+    QTest::mousePress(sample.panel2, Qt::RightButton);
+    QCOMPARE(sample.clicks, (QList<int>{1, 2, 0, 2})); // not once more for the bar below the panel
+}
+
+void TestStatusHints::aClickThatShowsNoProgressLeavesTheLineAlone()
+{
+    int asked = 0;
+    MainFixture main([&asked](MainFixture &m) {
+        m.hooks.showProgress = [&asked] {
+            ++asked;
+            return false;
+        };
+    });
+    main.view().setStatusText(u" Before"_s);
+    QTest::mouseClick(main.get<QLabel>(u"stb(1)"_s), Qt::LeftButton);
+    QTest::mouseClick(main.get<QLabel>(u"stb(2)"_s), Qt::LeftButton);
+    QTest::mouseClick(main.window->statusBar(), Qt::LeftButton);
+    QCOMPARE(asked, 3);
+    QCOMPARE(main.panel(), u" Before"_s);
+    const MainFixture without;
+    QTest::mouseClick(without.get<QLabel>(u"stb(1)"_s), Qt::LeftButton);
+    QTest::mouseClick(without.get<QLabel>(u"stb(2)"_s), Qt::LeftButton);
+    QCOMPARE(without.panel(), u" Ready."_s);
+}
+
+void TestStatusHints::whatTheMouseIsOverDecidesTheHint()
+{
+    HintWindow sample;
+    const QList<QPair<QWidget *, QString>> places = {
+        {sample.field, u"The field. "_s},
+        {sample.part, u"The field. "_s},
+        {sample.content, u" Ready."_s},
+        {sample.editor, u" Email content."_s},
+        {sample.inEditor, u" Email content."_s},
+        {sample.form.menuBar(), u" Ready."_s},
+        {&sample.form, u" Ready."_s},
+    };
+    for (const QEvent::Type type : {QEvent::Enter, QEvent::MouseMove}) {
+        for (const auto &[place, hint] : places) {
+            sample.panel1->setText(u"before"_s);
+            QEvent enter(QEvent::Enter);
+            QMouseEvent move(QEvent::MouseMove, QPointF(1, 1), QPointF(1, 1), Qt::NoButton, Qt::NoButton, {});
+            QCoreApplication::sendEvent(place, type == QEvent::Enter ? &enter : &move);
+            QCOMPARE(sample.panel1->text(), hint);
+            QVERIFY2(place->hasMouseTracking(), "no move is heard without a pressed button");
+        }
+    }
+    sample.panel1->setText(u"before"_s);
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(sample.field, &leave);
+    QCOMPARE(sample.panel1->text(), u"before"_s);
+    QCOMPARE(sample.panel2->text(), QString());
+}
+
+void TestStatusHints::noHintIsShownWhileAnotherTextStands()
+{
+    HintWindow sample;
+    sample.panel1->setText(u"sending"_s);
+    QEvent enter(QEvent::Enter);
+    for (const bool sending : {true, false, true}) {
+        sample.sending = sending;
+        sample.panel1->setText(u"sending"_s);
+        QCoreApplication::sendEvent(sample.field, &enter);
+        QCOMPARE(sample.panel1->text() == u"sending", sending);
+        sample.panel1->setText(u"sending"_s);
+        sample.item->hover();
+        QCOMPARE(sample.panel1->text() == u"sending", sending);
+        sample.panel1->setText(u"sending"_s);
+        sample.hints->show(u"shown"_s);
+        QCOMPARE(sample.panel1->text() == u"sending", sending);
+        QTest::mousePress(sample.panel1, Qt::LeftButton); // a click counts in either case
+    }
+    QCOMPARE(sample.clicks, (QList<int>{1, 1, 1}));
+}
+
+void TestStatusHints::aMenuHintIsLookedUpByItsPlainCaption()
+{
+    HintWindow sample;
+    const QTemporaryDir folder;
+    writeFile(folder.filePath(u"menutips.dll"_s),
+              "[frmPubMain]\r\nSave && more=wrong\r\nSave & more=Saves.\r\nDeep=Goes deep.\r\n");
+    setLanguageFolder(folder.path());
+    sample.item->setText(u"&Save && more\tCtrl+S"_s);
+    sample.item->hover();
+    QCOMPARE(sample.panel1->text(), u" Saves."_s);
+    sample.deep->hover();
+    QCOMPARE(sample.panel1->text(), u" Goes deep."_s);
+    sample.sub->menuAction()->hover();
+    QCOMPARE(sample.panel1->text(), u" Goes deep."_s);
+    sample.item->setText(u"Unknown"_s);
+    sample.item->hover();
+    QCOMPARE(sample.panel1->text(), u" "_s);
+    setLanguageFolder(QString());
 }
 
 QTEST_MAIN(TestStatusHints)

@@ -48,6 +48,7 @@ private Q_SLOTS:
     void restoringWithoutAWidthMaximises();
     void restoringWithNumbersThatAreNoneKeepsTheWindowUsable();
     void aPositionOffEveryScreenIsBroughtBack();
+    void aWindowThatWasClosedIsToldAgainWhenItIsMinimised();
     void startupMaxMaximises();
     void startupSysMinimisesAndTellsTheTray();
     void theCloseBoxMinimises();
@@ -226,6 +227,22 @@ void TestWindowPlacement::theExitTagLetsTheWindowClose()
     QCOMPARE(main.closed, 1);
     QCOMPARE(main.window->Tag, QString());
     QVERIFY(!main.window->isVisible());
+}
+
+void TestWindowPlacement::aWindowThatWasClosedIsToldAgainWhenItIsMinimised()
+{
+    MainFixture main;
+    main.window->Tag = u"exitwithmenu"_s; // another tag than that of the exit
+    QVERIFY(!main.window->close());
+    QCOMPARE(main.minimised, 1);
+    main.window->setWindowState(Qt::WindowNoState);
+    main.window->setWindowState(Qt::WindowMinimized);
+    QCOMPARE(main.minimised, 2);
+    main.window->hide();
+    main.window->setWindowState(Qt::WindowNoState);
+    QVERIFY(!main.window->close());
+    QVERIFY2(!main.window->isMinimized(), "a window in the tray keeps its state");
+    QCOMPARE(main.minimised, 2);
 }
 
 QTEST_MAIN(TestWindowPlacement)

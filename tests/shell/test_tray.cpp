@@ -76,6 +76,12 @@ private Q_SLOTS:
     void captionsComeFromTheDialogsSection();
     void everyEntryHasACaptionOfItsOwn();
     void takingDownRemovesTheIcon();
+    void theMenuHasItsOrder();
+    void theTipIsTheProductsTitleWithinItsBytes_data();
+    void theTipIsTheProductsTitleWithinItsBytes();
+    void theIconIsTheWindowsOwn();
+    void onlyTheLeftButtonBringsTheWindowBack();
+    void theWatchRunsInTheTrayOnly();
     void theWindowComesBackWhenTheTrayGoes();
 
 private:
@@ -297,6 +303,86 @@ void TestTray::takingDownRemovesTheIcon()
     QVERIFY(!m_window->isVisible());
     m_tray->takeDown();
     QVERIFY(!m_tray->inTray());
+}
+
+void TestTray::theMenuHasItsOrder()
+{
+    QStringList names;
+    const QList<QAction *> items = m_tray->menu()->actions();
+    for (const QAction *item : items) {
+        names.append(item->isSeparator() ? u"-"_s : item->objectName());
+    }
+    QStringList expected = {u"ments"_s, u"-"_s};
+    for (const auto &[name, main] : pairs) {
+        if (name == u"mentx") {
+            expected.append(u"-"_s);
+        }
+        expected.append(name);
+    }
+    QCOMPARE(names, expected);
+}
+
+void TestTray::theTipIsTheProductsTitleWithinItsBytes_data()
+{
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("tip");
+    QTest::newRow("short") << u"Corvane"_s << u"Corvane"_s;
+    QTest::newRow("63 bytes") << QString(63, u'x') << QString(63, u'x');
+    QTest::newRow("64 bytes") << QString(64, u'x') << QString(63, u'x');
+    QTest::newRow("a letter up to the limit") << QString(61, u'x') + u'é' << QString(61, u'x') + u'é';
+    QTest::newRow("a letter over the limit") << QString(62, u'x') + u"éy"_s << QString(62, u'x');
+    QTest::newRow("a long letter over the limit") << QString(60, u'x') + u"\U0001F426"_s << QString(60, u'x');
+}
+
+void TestTray::theTipIsTheProductsTitleWithinItsBytes()
+{
+    QFETCH(const QString, title);
+    QGuiApplication::setApplicationDisplayName(title);
+    const TrayIcon tray(m_window.get(), hooks(), QString());
+    QGuiApplication::setApplicationDisplayName(QString());
+    QTEST(tray.icon()->toolTip(), "tip");
+}
+
+void TestTray::theIconIsTheWindowsOwn()
+{
+    m_tray->minimised();
+    const QImage standard = m_tray->icon()->icon().pixmap(16).toImage();
+    m_tray->restore();
+    QPixmap red(16, 16);
+    red.fill(Qt::red);
+    m_window->setWindowIcon(red);
+    m_tray->minimised();
+    const QImage own = m_tray->icon()->icon().pixmap(16).toImage();
+    QCOMPARE(own.pixelColor(8, 8), QColor(Qt::red));
+    QVERIFY(standard != own);
+}
+
+void TestTray::onlyTheLeftButtonBringsTheWindowBack()
+{
+    m_tray->minimised();
+    for (const auto reason : {QSystemTrayIcon::Unknown, QSystemTrayIcon::Context, QSystemTrayIcon::MiddleClick}) {
+        Q_EMIT m_tray->icon()->activated(reason);
+        QVERIFY(m_tray->inTray());
+        QVERIFY(!m_window->isVisible());
+    }
+    Q_EMIT m_tray->icon()->activated(QSystemTrayIcon::Trigger);
+    QVERIFY(!m_tray->inTray());
+}
+
+void TestTray::theWatchRunsInTheTrayOnly()
+{
+    const auto *watch = m_tray->findChild<QTimer *>(u"watch"_s);
+    QCOMPARE(watch->interval(), 2000);
+    m_tray->minimised();
+    QVERIFY(watch->isActive());
+    m_tray->restore();
+    QVERIFY(!watch->isActive());
+    m_tray->minimised();
+    m_tray->takeDown();
+    QVERIFY(!watch->isActive());
+    m_available = false;
+    QVERIFY(!m_tray->minimised());
+    QVERIFY(!watch->isActive());
 }
 
 QTEST_MAIN(TestTray)

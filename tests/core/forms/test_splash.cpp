@@ -6,6 +6,7 @@
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QPixmap>
+#include <QScreen>
 #include <QTest>
 #include <QTimer>
 #include <QtTest/qtestspontaneevent.h>
@@ -27,6 +28,9 @@ private Q_SLOTS:
     void aPictureFillsTheWindow();
     void withoutAPictureTheNameIsDrawn();
     void aHandOverThatIsNotSetIsAFault();
+    void itStandsInTheMiddleOfTheScreen();
+    void aSharpPictureKeepsItsSize();
+    void theVersionIsDrawn();
 
 private:
     static QTimer *timerOf(const QWidget *splash) { return splash->findChild<QTimer *>(u"tim"_s); }
@@ -170,6 +174,44 @@ void TestSplash::aHandOverThatIsNotSetIsAFault()
     splash.show();
     expire(timerOf(&splash));
     QCOMPARE(quillon::faultCount() - before, 1);
+}
+
+void TestSplash::itStandsInTheMiddleOfTheScreen()
+{
+    QPixmap picture(121, 81);
+    picture.fill(Qt::red);
+    const frmPubSplash splash([] {}, picture);
+    QCOMPARE(splash.geometry().center(), splash.screen()->availableGeometry().center());
+    QCOMPARE(splash.minimumSize(), splash.maximumSize());
+    QCOMPARE(splash.objectName(), u"frmPubSplash"_s);
+    QCOMPARE(splash.windowTitle(), QGuiApplication::applicationDisplayName());
+}
+
+void TestSplash::aSharpPictureKeepsItsSize()
+{
+    QPixmap picture(240, 160);
+    picture.setDevicePixelRatio(2);
+    const frmPubSplash splash([] {}, picture);
+    QCOMPARE(splash.size(), QSize(120, 80));
+}
+
+void TestSplash::theVersionIsDrawn()
+{
+    QCoreApplication::setApplicationVersion(QString());
+    frmPubSplash splash([] {});
+    const QImage without = splash.grab().toImage();
+    QCoreApplication::setApplicationVersion(u"5.22"_s);
+    QImage with = splash.grab().toImage();
+    QCoreApplication::setApplicationVersion(QString());
+    QVERIFY(with != without);
+    const QRect corner(with.width() / 2, with.height() / 2, with.width() / 2, with.height() / 2);
+    for (int y = 0; y < with.height(); ++y) {
+        for (int x = 0; x < with.width(); ++x) {
+            if (!corner.contains(x, y)) {
+                QCOMPARE(with.pixel(x, y), without.pixel(x, y));
+            }
+        }
+    }
 }
 
 QTEST_MAIN(TestSplash)

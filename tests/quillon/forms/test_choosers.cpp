@@ -1,6 +1,7 @@
 #include "modaldriver.h"
 
 #include <QColorDialog>
+#include <QDir>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QLabel>
@@ -24,6 +25,7 @@ private Q_SLOTS:
     void filtersKeepTheirNamesAndPatterns();
     void openingFilesGivesTheChosenPaths();
     void savingStartsWithTheDefaultName();
+    void aDialogStartsWhereItsDefaultLies();
     void aFolderIsChosenOrNothing();
     void aColourComesAsBlueGreenRed();
 };
@@ -106,6 +108,8 @@ void TestChoosers::openingFilesGivesTheChosenPaths()
     const QList<FileFilter> filters = {{u"Text Files (*.txt)"_s, u"*.txt; *.text"_s}};
     choose(QFileDialog::ExistingFiles, paths);
     QCOMPARE(m_prompts->openFiles({u"Choose"_s, filters, folder.path(), true}), paths);
+    choose(QFileDialog::ExistingFile, {paths.last()});
+    QCOMPARE(m_prompts->openFiles({u"Choose"_s, filters, folder.path(), false}), QStringList{paths.last()});
     meet<QFileDialog>([](QFileDialog *dialog) { dialog->reject(); });
     QCOMPARE(m_prompts->openFiles({u"Choose"_s, filters, folder.path(), false}), QStringList());
 }
@@ -117,6 +121,7 @@ void TestChoosers::savingStartsWithTheDefaultName()
     meet<QFileDialog>([&offered](QFileDialog *dialog) {
         offered = dialog->findChild<QLineEdit *>(u"fileNameEdit"_s)->text();
         QCOMPARE(dialog->acceptMode(), QFileDialog::AcceptSave);
+        QCOMPARE(dialog->fileMode(), QFileDialog::AnyFile);
         QMetaObject::invokeMethod(dialog, "accept");
     });
     const QString path = folder.filePath(u"list.txt"_s);
@@ -128,7 +133,9 @@ void TestChoosers::aFolderIsChosenOrNothing()
 {
     const QTemporaryDir folder;
     meet<QFileDialog>([&folder](QFileDialog *dialog) {
+        QCOMPARE(dialog->windowTitle(), u"Folder"_s);
         QCOMPARE(dialog->fileMode(), QFileDialog::Directory);
+        QVERIFY(dialog->testOption(QFileDialog::ShowDirsOnly));
         dialog->setDirectory(folder.path());
         dialog->findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(folder.path());
         QMetaObject::invokeMethod(dialog, "accept");
@@ -147,6 +154,29 @@ void TestChoosers::aColourComesAsBlueGreenRed()
     QCOMPARE(m_prompts->chooseColor(), 0x563412L);
     meet<QColorDialog>([](QColorDialog *dialog) { dialog->reject(); });
     QCOMPARE(m_prompts->chooseColor(), -1L);
+}
+
+void TestChoosers::aDialogStartsWhereItsDefaultLies()
+{
+    const QTemporaryDir folder;
+    const QString below = folder.filePath(u"below"_s);
+    QVERIFY(QDir().mkpath(below));
+    const auto start = [this](const QString &path) {
+        QStringList seen;
+        meet<QFileDialog>([&seen](QFileDialog *dialog) {
+            seen = {dialog->directory().absolutePath(), dialog->findChild<QLineEdit *>(u"fileNameEdit"_s)->text()};
+            dialog->reject();
+        });
+        m_prompts->saveFile({u"Save"_s, {}, path, false});
+        return seen;
+    };
+    QCOMPARE(start(below), (QStringList{below, QString()}));
+    const QString elsewhere = start(QString()).constFirst();
+    QCOMPARE(start(below + u"/new.txt"_s), (QStringList{below, u"new.txt"_s}));
+    QCOMPARE(start(u"name.txt"_s).constLast(), u"name.txt"_s);
+    QVERIFY2(start(u"name.txt"_s).constFirst() != QString(), "a bare name leaves the folder to the dialog");
+    QCOMPARE(start(folder.filePath(u"gone/list.txt"_s)).constLast(), u"list.txt"_s);
+    QVERIFY(!elsewhere.isEmpty());
 }
 
 QTEST_MAIN(TestChoosers)

@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTextEdit>
 
 using namespace Qt::StringLiterals;
 
@@ -61,6 +62,10 @@ private Q_SLOTS:
     void aKeyThatUnloadsTheFormIsSafe();
     void keysOfAnotherWindowAreNotTaken();
     void aBoxSelectsAllItsTextOnFocus();
+    void aBoxThatGetsTheFocusBackKeepsItsSelection();
+    void aKeyThatIsNotListedGoesToItsControl();
+    void aDisabledFormTakesNoKeys();
+    void actionsRunOnThePressOnly();
 };
 
 void TestFormKeys::enterAndEscapeDoNothingUnlessListed()
@@ -68,6 +73,7 @@ void TestFormKeys::enterAndEscapeDoNothingUnlessListed()
     Sample sample;
     sample.button->setDefault(true);
     quillon::FormKeys keys(&sample.form);
+    QVERIFY(!sample.button->isDefault() && !sample.button->autoDefault());
     sample.show();
     QTest::keyClick(sample.edit, Qt::Key_Return);
     QTest::keyClick(sample.edit, Qt::Key_Enter);
@@ -88,8 +94,12 @@ void TestFormKeys::aButtonAddedLaterIsNoDefaultEither()
     QPushButton late(u"Late"_s, &sample.form);
     QSignalSpy clicked(&late, &QPushButton::clicked);
     sample.show();
-    QTest::keyClick(sample.edit, Qt::Key_Return);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
+        QTest::keyClick(sample.edit, key);
+        QTest::keyClick(&sample.form, key);
+    }
     QCOMPARE(clicked.count(), 0);
+    QCOMPARE(sample.finished, 0);
 }
 
 void TestFormKeys::aListedKeyRunsItsFunction()
@@ -173,6 +183,11 @@ void TestFormKeys::otherModifiersAreAnotherKey()
     QCOMPARE(ran, 0);
     QTest::keyClick(sample.edit, Qt::Key_S, Qt::ControlModifier);
     QCOMPARE(ran, 1);
+    // Where a key stands, or the layout that it is typed with, makes no other key of it.
+    QTest::keyClick(sample.edit, Qt::Key_S, Qt::ControlModifier | Qt::KeypadModifier);
+    QCOMPARE(ran, 2);
+    QTest::keyClick(sample.edit, Qt::Key_S, Qt::ControlModifier | Qt::GroupSwitchModifier);
+    QCOMPARE(ran, 3);
 }
 
 void TestFormKeys::aKeyThatUnloadsTheFormIsSafe()
@@ -218,6 +233,80 @@ void TestFormKeys::aBoxSelectsAllItsTextOnFocus()
     sample.other->deselect();
     QTest::mouseClick(sample.other, Qt::LeftButton);
     QTRY_COMPARE(sample.other->selectedText(), u"other"_s);
+}
+
+void TestFormKeys::aBoxThatGetsTheFocusBackKeepsItsSelection()
+{
+    Sample sample;
+    auto *rich = new QTextEdit(u"rich"_s, &sample.form);
+    quillon::selectAllOnFocus(sample.other);
+    quillon::selectAllOnFocus(rich);
+    sample.show();
+    for (const Qt::FocusReason reason : {Qt::PopupFocusReason, Qt::ActiveWindowFocusReason}) {
+        for (QWidget *box : {static_cast<QWidget *>(sample.other), static_cast<QWidget *>(rich)}) {
+            sample.edit->setFocus();
+            sample.other->setSelection(1, 2);
+            QCoreApplication::processEvents();
+            box->setFocus(reason);
+            QCoreApplication::processEvents();
+            QVERIFY(box->hasFocus());
+            QCOMPARE(sample.other->selectedText(), u"th"_s);
+            QVERIFY(!rich->textCursor().hasSelection());
+        }
+    }
+    sample.edit->setFocus();
+    rich->setFocus(Qt::BacktabFocusReason);
+    QTRY_COMPARE(rich->textCursor().selectedText(), u"rich"_s);
+}
+
+void TestFormKeys::aKeyThatIsNotListedGoesToItsControl()
+{
+    Sample sample;
+    quillon::FormKeys keys(&sample.form);
+    int ran = 0;
+    keys.on(
+        Qt::Key_Return, [&] { ++ran; }, [] { return false; });
+    sample.show();
+    sample.text->moveCursor(QTextCursor::End);
+    QTest::keyClick(sample.text, Qt::Key_Return);
+    QTest::keyClicks(sample.text, u"x"_s);
+    QCOMPARE(sample.text->toPlainText(), u"plain\nx"_s);
+    QCOMPARE(ran, 0);
+}
+
+void TestFormKeys::aDisabledFormTakesNoKeys()
+{
+    Sample sample;
+    quillon::FormKeys keys(&sample.form);
+    int ran = 0;
+    keys.on(Qt::Key_F1, [&] { ++ran; });
+    sample.show();
+    sample.form.setEnabled(false);
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_F1, Qt::NoModifier);
+    QCoreApplication::sendEvent(&sample.form, &press);
+    QCOMPARE(ran, 0);
+    sample.form.setEnabled(true);
+    QCoreApplication::sendEvent(&sample.form, &press);
+    QCOMPARE(ran, 1);
+}
+
+void TestFormKeys::actionsRunOnThePressOnly()
+{
+    Sample sample;
+    quillon::FormKeys keys(&sample.form);
+    int ran = 0;
+    keys.on(Qt::Key_F1, [&] { ++ran; });
+    sample.show();
+    QKeyEvent before(QEvent::ShortcutOverride, Qt::Key_F1, Qt::NoModifier);
+    before.ignore();
+    QVERIFY(keys.eventFilter(sample.edit, &before));
+    QVERIFY2(before.isAccepted(), "a shortcut of that key must not be taken first");
+    QCOMPARE(ran, 0);
+    QKeyEvent release(QEvent::KeyRelease, Qt::Key_F1, Qt::NoModifier);
+    QVERIFY(!keys.eventFilter(sample.edit, &release));
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_F1, Qt::NoModifier);
+    QVERIFY(keys.eventFilter(sample.edit, &press));
+    QCOMPARE(ran, 1);
 }
 
 QTEST_MAIN(TestFormKeys)

@@ -58,9 +58,12 @@ private Q_SLOTS:
     void aFormThatRefusesToCloseStaysLoaded();
     void hidingAFormKeepsItLoaded();
     void aFormCanBeUnloadedInItsOwnEvent();
+    void aFormUnloadedInItsOwnNestedLoopOutlivesTheHandler_data();
     void aFormUnloadedInItsOwnNestedLoopOutlivesTheHandler();
     void timersOfAnUnloadedFormStop();
     void aFormThatAsksForItselfWhileBeingMadeIsAFault();
+    void aFormThatCouldNotBeMadeIsAFaultAndMayBeAskedForAgain();
+    void anUnloadedFormGivesItsNameBack();
     void theRegistryTakesItsFormsWithIt();
     void arrayNamesAreGivenBack();
 };
@@ -160,7 +163,7 @@ void TestFormRegistry::aFormCanBeUnloadedInItsOwnEvent()
     forms.add(u"frmPubA"_s, [] { return new Form; });
     const QPointer<Form> form = forms.as<Form>(u"frmPubA"_s);
     auto *button = new QPushButton(form);
-    QString after;
+    QString after = u"never asked"_s;
     connect(button, &QPushButton::clicked, form, [&] {
         forms.unload(u"frmPubA"_s);
         after = form->edit->text(); // the handler goes on in a form that is still there
@@ -173,10 +176,22 @@ void TestFormRegistry::aFormCanBeUnloadedInItsOwnEvent()
     QVERIFY(form.isNull());
 }
 
+void TestFormRegistry::aFormUnloadedInItsOwnNestedLoopOutlivesTheHandler_data()
+{
+    QTest::addColumn<bool>("deletesItself");
+    QTest::newRow("as it comes") << false;
+    QTest::newRow("made to be deleted on close") << true; // which only the registry decides
+}
+
 void TestFormRegistry::aFormUnloadedInItsOwnNestedLoopOutlivesTheHandler()
 {
+    QFETCH(const bool, deletesItself);
     quillon::FormRegistry forms;
-    forms.add(u"frmPubA"_s, [] { return new Form; });
+    forms.add(u"frmPubA"_s, [deletesItself] {
+        auto *form = new Form;
+        form->setAttribute(Qt::WA_DeleteOnClose, deletesItself);
+        return form;
+    });
     const QPointer<Form> form = forms.as<Form>(u"frmPubA"_s);
     bool there = false;
     // The handler runs inside an event loop, as in the program, and waits in a loop of its own.
@@ -203,9 +218,12 @@ void TestFormRegistry::timersOfAnUnloadedFormStop()
     const QPointer<QWidget> form = forms.form(u"frmPubA"_s);
     QTimer timer(form);
     timer.start(100000);
+    auto *deep = new QTimer(new QWidget(form));
+    deep->start(100000);
     forms.unload(u"frmPubA"_s);
     QVERIFY(form);
     QVERIFY(!timer.isActive());
+    QVERIFY(!deep->isActive());
     timer.setParent(nullptr);
 }
 
@@ -264,6 +282,37 @@ void TestFormRegistry::arrayNamesAreGivenBack()
     const auto array = quillon::controlArray<QLineEdit, 2>(&form, u"txt"_s);
     QCOMPARE(array[0], first);
     QCOMPARE(array[1], nullptr);
+}
+
+void TestFormRegistry::aFormThatCouldNotBeMadeIsAFaultAndMayBeAskedForAgain()
+{
+    quillon::FormRegistry forms;
+    QWidget *next = nullptr;
+    forms.add(u"frmPubA"_s, [&next] { return next; });
+    const int faults = quillon::faultCount();
+    QCOMPARE(forms.form(u"frmPubA"_s), nullptr);
+    QVERIFY(!forms.isLoaded(u"frmPubA"_s));
+    QCOMPARE(quillon::faultCount(), faults + 1);
+    next = new Form;
+    QCOMPARE(forms.form(u"frmPubA"_s), next);
+    QVERIFY(forms.isLoaded(u"frmPubA"_s));
+    QCOMPARE(quillon::faultCount(), faults + 1);
+}
+
+void TestFormRegistry::anUnloadedFormGivesItsNameBack()
+{
+    quillon::FormRegistry forms;
+    forms.add(u"frmPubA"_s, [] { return new Form; });
+    const QPointer<QWidget> old = forms.form(u"frmPubA"_s);
+    forms.unload(u"frmPubA"_s);
+    QVERIFY(old);
+    QCOMPARE(old->objectName(), QString());
+    QVERIFY(old->property(quillon::unloadedProperty).toBool());
+    QWidget *made = forms.form(u"frmPubA"_s);
+    QVERIFY(made != old);
+    QVERIFY(!made->property(quillon::unloadedProperty).toBool());
+    old->close(); // of the one that went, the registry hears nothing any more
+    QVERIFY(forms.isLoaded(u"frmPubA"_s));
 }
 
 QTEST_MAIN(TestFormRegistry)

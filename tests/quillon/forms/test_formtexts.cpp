@@ -62,6 +62,7 @@ private Q_SLOTS:
     void aCaptionIsNeverAnEditsContent();
     void menusAndItemsTakeTheirCaptions();
     void aMenuOutsideItsFormNamesItsSection();
+    void eachPageOfATabAndEachActionHasItsOwnTexts();
 
 private:
     QString write(const QString &text);
@@ -145,8 +146,33 @@ void TestFormTexts::aMenuOutsideItsFormNamesItsSection()
     QMenu menu;
     QAction *item = menu.addAction(u"design"_s);
     item->setObjectName(u"ments"_s);
-    quillon::applyMenuSection(&menu, u"frmPubX"_s, write(u"[frmPubX]\r\nments=&Zeigen\r\n"_s));
+    menu.setObjectName(u"ment"_s);
+    QAction *nameless = menu.addAction(u"design"_s);
+    quillon::applyMenuSection(&menu, u"frmPubX"_s,
+                              write(u"[frmPubX]\r\nments=&Zeigen\r\nment=Symbol\r\n=nichts\r\n"_s));
     QCOMPARE(item->text(), u"&Zeigen"_s);
+    QCOMPARE(menu.title(), u"Symbol"_s);
+    QCOMPARE(nameless->text(), u"design"_s);
+}
+
+void TestFormTexts::eachPageOfATabAndEachActionHasItsOwnTexts()
+{
+    Sample sample;
+    auto *second = Sample::named(new QWidget, u"tab(1)"_s);
+    auto *inside = Sample::named(new QWidget(second), u"inside"_s);
+    sample.tabs->addTab(second, u"design"_s);
+    quillon::QuillonFormTexts().ApplyControlTexts(
+        &sample.form, write(u"[frmPubX]\r\ntab(1)=Zwei\r\ntab(1).tip=Zweite\r\nmenfs=Senden\r\nmenfs.tip=Jetzt\r\n"
+                            "menf=Datei\r\ninside=nicht\r\ninside.tip=Innen\r\n"_s));
+    QCOMPARE(sample.tabs->tabText(0), u"design"_s);
+    QCOMPARE(sample.tabs->tabToolTip(0), QString());
+    QCOMPARE(sample.tabs->tabText(1), u"Zwei"_s);
+    QCOMPARE(sample.tabs->tabToolTip(1), u"Zweite"_s);
+    QCOMPARE(second->toolTip(), QString());
+    QCOMPARE(inside->toolTip(), u"Innen"_s);
+    QCOMPARE(sample.item->text(), u"Senden"_s);
+    QCOMPARE(sample.item->toolTip(), u"Jetzt"_s);
+    QCOMPARE(sample.menu->title(), u"Datei"_s);
 }
 
 QTEST_MAIN(TestFormTexts)

@@ -30,6 +30,9 @@ private Q_SLOTS:
     void aModalFormOpenedTwiceIsShownOnce();
     void aModalFormThatIsUnloadedMeanwhileEndsTheWait();
     void aModalWindowThatIsNoDialogIsWaitedForToo();
+    void aHiddenWindowThatIsNoDialogIsUnloaded();
+    void aFormThatWasMadeAnewMeanwhileStays();
+    void aFormThatIsNotThereIsNotWaitedFor();
 };
 
 void TestModalForms::aModalFormIsShownOnItsTabAndUnloadedAfter()
@@ -54,6 +57,13 @@ void TestModalForms::aModalFormIsShownOnItsTabAndUnloadedAfter()
     m_prompts->showModalForm(u"frmPubOptions"_s, -1);
     QCOMPARE(tab, -1);
     QVERIFY(!m_forms->isLoaded(u"frmPubOptions"_s));
+
+    meet<TabForm>([&tab](TabForm *form) {
+        tab = form->shownTab;
+        form->close();
+    });
+    m_prompts->showModalForm(u"frmPubOptions"_s, 0);
+    QCOMPARE(tab, 0);
 }
 
 void TestModalForms::aModalFormBelongsAboveTheWindowInFront()
@@ -109,6 +119,34 @@ void TestModalForms::aModalWindowThatIsNoDialogIsWaitedForToo()
     m_prompts->showModalForm(u"frmPubAbout"_s, -1);
     QVERIFY(modal);
     QVERIFY(!m_forms->isLoaded(u"frmPubAbout"_s));
+}
+
+void TestModalForms::aHiddenWindowThatIsNoDialogIsUnloaded()
+{
+    m_forms->add(u"frmPubAbout"_s, [] { return new QWidget; });
+    meet<QWidget>([](QWidget *form) { form->hide(); });
+    m_prompts->showModalForm(u"frmPubAbout"_s, -1);
+    QVERIFY(!m_forms->isLoaded(u"frmPubAbout"_s));
+}
+
+void TestModalForms::aFormThatWasMadeAnewMeanwhileStays()
+{
+    m_forms->add(u"frmPubOptions"_s, [] { return new TabForm; });
+    const QWidget *made = nullptr;
+    meet<TabForm>([&](TabForm *form) {
+        form->close();
+        made = m_forms->form(u"frmPubOptions"_s);
+        QVERIFY(made != form);
+    });
+    m_prompts->showModalForm(u"frmPubOptions"_s, 0);
+    QVERIFY(m_forms->isLoaded(u"frmPubOptions"_s));
+    QCOMPARE(m_forms->form(u"frmPubOptions"_s), made);
+}
+
+void TestModalForms::aFormThatIsNotThereIsNotWaitedFor()
+{
+    m_prompts->showModalForm(u"frmPubNone"_s, 1);
+    QVERIFY(!m_forms->isLoaded(u"frmPubNone"_s));
 }
 
 QTEST_MAIN(TestModalForms)

@@ -1,8 +1,10 @@
 #include "modaldriver.h"
+#include "quillon/fault.h"
 
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
 
 using namespace Qt::StringLiterals;
 using quillon::BoxAnswer;
@@ -72,6 +74,10 @@ private Q_SLOTS:
     void anAddressInABoxShowsAsWritten();
     void aLongTextStaysOnTheScreen_data();
     void aLongTextStaysOnTheScreen();
+    void aShortTextNeedsNoScrolling();
+    void anUnknownStyleIsAFaultAndHasOneButton();
+    void theCloseBoxAnswersAsEscapeDoes();
+    void aBoxOutlivesTheWindowItBelongsTo_data();
     void aBoxOutlivesTheWindowItBelongsTo();
 };
 
@@ -81,6 +87,12 @@ void TestQtPrompts::eachStyleHasItsIconAndButtons_data()
     QTest::addColumn<QMessageBox::Icon>("icon");
     QTest::addColumn<QStringList>("buttons");
     QTest::newRow("0") << 0 << QMessageBox::NoIcon << QStringList{u"Ok"_s};
+    QTest::newRow("1") << 1 << QMessageBox::NoIcon << QStringList{u"Ok"_s, u"Cancel"_s};
+    QTest::newRow("3") << 3 << QMessageBox::NoIcon << QStringList{u"Yes"_s, u"No"_s, u"Cancel"_s};
+    QTest::newRow("4") << 4 << QMessageBox::NoIcon << QStringList{u"Yes"_s, u"No"_s};
+    QTest::newRow("52") << 52 << QMessageBox::Warning << QStringList{u"Yes"_s, u"No"_s};
+    QTest::newRow("291, a bit of no meaning here")
+        << 291 << QMessageBox::Question << QStringList{u"Yes"_s, u"No"_s, u"Cancel"_s};
     QTest::newRow("16") << 16 << QMessageBox::Critical << QStringList{u"Ok"_s};
     QTest::newRow("33") << 33 << QMessageBox::Question << QStringList{u"Ok"_s, u"Cancel"_s};
     QTest::newRow("35") << 35 << QMessageBox::Question << QStringList{u"Yes"_s, u"No"_s, u"Cancel"_s};
@@ -214,14 +226,74 @@ void TestQtPrompts::aLongTextStaysOnTheScreen()
     QVERIFY(buttonInside);
 }
 
+void TestQtPrompts::aBoxOutlivesTheWindowItBelongsTo_data()
+{
+    QTest::addColumn<int>("style");
+    QTest::addColumn<BoxAnswer>("answer");
+    QTest::newRow("yes, no, cancel") << 35 << BoxAnswer::Cancel;
+    QTest::newRow("ok, cancel") << 33 << BoxAnswer::Cancel;
+    QTest::newRow("yes, no") << 36 << BoxAnswer::No;
+    QTest::newRow("ok") << 48 << BoxAnswer::Ok;
+}
+
 void TestQtPrompts::aBoxOutlivesTheWindowItBelongsTo()
 {
+    QFETCH(const int, style);
     auto *window = new QDialog;
     window->setModal(true);
     window->show();
     QVERIFY(QTest::qWaitForWindowActive(window));
     meet<QMessageBox>([window](QMessageBox *) { delete window; });
-    QCOMPARE(m_prompts->box({u"KEY"_s, u"A text."_s, QString(), 35}), BoxAnswer::Cancel);
+    QTEST(m_prompts->box({u"KEY"_s, u"A text."_s, QString(), style}), "answer");
+}
+
+void TestQtPrompts::aShortTextNeedsNoScrolling()
+{
+    bool scrolls = true;
+    for (const auto &[text, expected] :
+         {std::pair(u"A text.\nOf two lines."_s, false), std::pair(u"word "_s.repeated(2000), true),
+          std::pair(QString(900, u'x'), true)}) {
+        meet<QMessageBox>([&scrolls](QMessageBox *box) {
+            scrolls = box->findChild<QScrollArea *>() != nullptr;
+            box->accept();
+        });
+        m_prompts->box({QString(), text, QString(), 16});
+        QCOMPARE(scrolls, expected);
+    }
+}
+
+void TestQtPrompts::anUnknownStyleIsAFaultAndHasOneButton()
+{
+    for (const int style : {2, 5, 15}) {
+        const int faults = quillon::faultCount();
+        Seen seen;
+        meet<QMessageBox>([&seen](QMessageBox *box) {
+            seen = look(box);
+            box->accept();
+        });
+        QCOMPARE(m_prompts->box({QString(), u"A text."_s, QString(), style}), BoxAnswer::Ok);
+        QCOMPARE(seen.buttons, QStringList{u"Ok"_s});
+        QCOMPARE(quillon::faultCount(), faults + 1);
+    }
+}
+
+void TestQtPrompts::theCloseBoxAnswersAsEscapeDoes()
+{
+    for (const auto &[style, hasCloseBox, answer] :
+         {std::tuple(48, true, BoxAnswer::Ok), std::tuple(33, true, BoxAnswer::Cancel),
+          std::tuple(35, true, BoxAnswer::Cancel), std::tuple(36, false, BoxAnswer::No)}) {
+        bool closes = !hasCloseBox;
+        meet<QMessageBox>([&closes](QMessageBox *box) {
+            closes = box->windowFlags().testFlag(Qt::WindowCloseButtonHint);
+            if (closes) {
+                box->close();
+            } else {
+                box->button(QMessageBox::No)->click();
+            }
+        });
+        QCOMPARE(m_prompts->box({QString(), u"A text."_s, QString(), style}), answer);
+        QCOMPARE(closes, hasCloseBox);
+    }
 }
 
 QTEST_MAIN(TestQtPrompts)

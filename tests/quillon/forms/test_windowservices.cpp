@@ -15,6 +15,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <array>
+
 using namespace Qt::StringLiterals;
 using quillon::QuillonWindows;
 
@@ -32,6 +34,9 @@ private Q_SLOTS:
     void aMissingSubMenuIsAFault();
     void theRadioMarkMovesWithinItsGroup();
     void aMarkOnNothingIsAFault();
+    void aVisibleWindowIsFoundBeforeAHiddenOne();
+    void aRowLongerThanTheExtentKeepsItsWidth();
+    void theMarkLeavesOtherGroupsAlone();
     void clipboardTextComesWithCarriageReturns_data();
     void clipboardTextComesWithCarriageReturns();
 };
@@ -182,6 +187,66 @@ void TestWindowServices::clipboardTextComesWithCarriageReturns()
     QVERIFY(!QApplication::clipboard()->text().contains(u'\r'));
     QApplication::clipboard()->setText(put);
     QTEST(QuillonWindows().GetClipboardText(), "got");
+}
+
+void TestWindowServices::aVisibleWindowIsFoundBeforeAHiddenOne()
+{
+    std::array<QWidget, 3> windows;
+    for (QWidget &window : windows) {
+        window.setWindowTitle(u"Corvane Help"_s);
+    }
+    QVERIFY(QuillonWindows().FindWindowByTitle(u"Corvane Help"_s));
+    for (QWidget &window : windows) {
+        window.show();
+        QCOMPARE(QuillonWindows().FindWindowByTitle(u"Corvane Help"_s), &window);
+        window.hide();
+    }
+}
+
+void TestWindowServices::aRowLongerThanTheExtentKeepsItsWidth()
+{
+    QListWidget list;
+    list.addItem(QString(300, u'x'));
+    list.resize(200, 100);
+    list.show();
+    QuillonWindows().SetListExtent(&list, 210);
+    QVERIFY(QTest::qWaitForWindowExposed(&list));
+    const int asked = list.fontMetrics().horizontalAdvance(QString(300, u'x'));
+    QTRY_VERIFY(list.horizontalScrollBar()->maximum() + list.viewport()->width() >= asked);
+    QCOMPARE(list.horizontalScrollBarPolicy(), Qt::ScrollBarAsNeeded);
+    QVERIFY(!list.wordWrap());
+    QCOMPARE(list.textElideMode(), Qt::ElideNone);
+    QCOMPARE(list.horizontalScrollMode(), QAbstractItemView::ScrollPerPixel);
+}
+
+void TestWindowServices::theMarkLeavesOtherGroupsAlone()
+{
+    QMenu menu;
+    QActionGroup others(&menu);
+    QAction *grouped = others.addAction(u"0"_s);
+    grouped->setCheckable(true);
+    grouped->setChecked(true);
+    menu.addAction(grouped);
+    QAction *first = menu.addAction(u"1"_s);
+    QAction *line = menu.addSeparator();
+    QAction *sub = menu.addMenu(u"3"_s)->menuAction();
+    QAction *second = menu.addAction(u"4"_s);
+    QuillonWindows().MarkMenuItem(&menu, 1);
+    QuillonWindows().MarkMenuItem(&menu, 4);
+    QVERIFY(!first->isChecked() && second->isChecked());
+    QVERIFY(grouped->isChecked());
+    QCOMPARE(grouped->actionGroup(), &others);
+    QVERIFY(!line->actionGroup() && !line->isCheckable());
+    QVERIFY(!sub->actionGroup() && !sub->isCheckable());
+
+    // A group of check marks becomes one of radio marks.
+    others.setExclusionPolicy(QActionGroup::ExclusionPolicy::None);
+    QAction *member = others.addAction(u"5"_s);
+    menu.addAction(member);
+    QuillonWindows().MarkMenuItem(&menu, 5);
+    QVERIFY(member->isCheckable() && member->isChecked());
+    QVERIFY(!grouped->isChecked());
+    QVERIFY(second->isChecked());
 }
 
 QTEST_MAIN(TestWindowServices)

@@ -3,7 +3,7 @@
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
-using Tab = frmPubOptions::Tab;
+using Tab = OptionsTab;
 
 /// How the lists of the options look, and where the focus goes on its tabs and in their dialogs.
 class TestOptionViews : public QObject {
