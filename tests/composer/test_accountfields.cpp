@@ -263,7 +263,7 @@ void TestAccountFields::withoutAccountsTheBoxesStayEmpty()
 {
     MainFixture main([](MainFixture &m) {
         m.addAccounts();
-        m.hooks.findSmtpRecord = {};
+        m.hooks.findSmtpRecord = [](const QString &) { return QString(); };
     });
     main.message().setText(Field::Account, u"office@example.com"_s);
     QCOMPARE(main.message().text(Field::Sender), QString());

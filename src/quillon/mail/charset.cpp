@@ -116,15 +116,23 @@ Converter *decoderFor(const QByteArray &charset)
     return isCharsetName(charset) ? converter('<' + charset, wideCharset(), charset.constData()) : nullptr;
 }
 
-/// The charset that many readers use when a mail names the first one; its octets have to mean the same there. Those
-/// that differ in C1 controls only (Windows-1252 for ISO 8859-1) need no row: such controls are refused anyway.
+/// The charset that many readers use when a mail names the first one; its octets have to mean the same there.
 struct Twin {
     const char *name;
     const char *readAs;
 };
 constexpr std::array twins{
-    Twin{"gb2312", "gbk"}, Twin{"shift_jis", "cp932"}, Twin{"euc-jp", "euc-jp-ms"},
-    Twin{"euc-kr", "uhc"}, Twin{"big5", "big5-hkscs"},
+    Twin{"iso-8859-1", "windows-1252"},
+    Twin{"iso-8859-9", "windows-1254"},
+    Twin{"iso-8859-11", "cp874"},
+    Twin{"tis-620", "cp874"},
+    Twin{"gb2312", "gbk"},
+    Twin{"shift_jis", "cp932"},
+
+    Twin{"euc-jp", "euc-jp-ms"},
+    Twin{"euc-kr", "uhc"},
+    Twin{"big5", "cp950"},
+    Twin{"big5", "big5-hkscs"},
 };
 
 /// Characters whose octets readers of one charset take for different characters, by the tables that they follow: the
@@ -157,11 +165,12 @@ bool isUndisputed(const QString &text, const QByteArray &charset)
     });
 }
 
-/// A charset of one octet to each character whose converter composes accents: another number of octets shows that a
-/// reader without that skill would get other characters.
-bool composesAccents(const QByteArray &charset)
+/// Charsets with one octet to each character; where a converter composes accents (Windows-1255 and 1258), another
+/// number of octets shows that a reader without that skill would get other characters.
+bool isSingleByte(const QByteArray &charset)
 {
-    return charset == "windows-1258" || charset == "cp1258";
+    return charset.startsWith("iso-8859-") || charset.startsWith("windows-") || charset.startsWith("koi8-") ||
+           charset.startsWith("cp125") || charset == "tis-620" || charset == "us-ascii";
 }
 
 bool isAscii(const QString &text)
@@ -219,7 +228,7 @@ std::optional<QByteArray> encodeStrictly(const QString &text, const QByteArray &
     }
     std::optional<QByteArray> bytes =
         encoder->convert(reinterpret_cast<const char *>(text.constData()), text.size() * 2);
-    if (!bytes || (composesAccents(name) && bytes->size() != text.size()) || !decodesTo(*bytes, name, text)) {
+    if (!bytes || (isSingleByte(name) && bytes->size() != text.size()) || !decodesTo(*bytes, name, text)) {
         return std::nullopt;
     }
     for (const Twin &twin : twins) {
@@ -249,7 +258,7 @@ std::optional<QString> decodeStrictly(QByteArrayView bytes, const QByteArray &ch
         return std::nullopt;
     }
     const std::optional<QByteArray> wide = decoder->convert(bytes.data(), bytes.size());
-    if (!wide) {
+    if (!wide || wide->size() % 2 != 0) {
         return std::nullopt;
     }
     QString text(wide->size() / 2, Qt::Uninitialized);
