@@ -20,10 +20,6 @@ void InputPrompts::upsReadPrompts()
 
 void InputPrompts::upsSavePrompts(const QString &to, const QString &cc, const QString &bcc) const
 {
-    QString joined = to.trimmed() + u',' + cc.trimmed() + u',' + bcc.trimmed();
-    if (joined.endsWith(u',')) {
-        joined.chop(1);
-    }
     // The file is read once for all pieces; the outcome is as if each piece were looked up and added by itself.
     const quillon::LineFile file(m_globals.paths.promptsFile);
     if (!file.readable()) {
@@ -35,7 +31,7 @@ void InputPrompts::upsSavePrompts(const QString &to, const QString &cc, const QS
         known.insert(file.at(i));
     }
     QStringList added;
-    const QStringList pieces = joined.split(u',');
+    const QStringList pieces = (to + u',' + cc + u',' + bcc).split(u',');
     for (const QString &piece : pieces) {
         const QString entry = trimmedEntry(piece);
         if (!entry.isEmpty() && !known.contains(entry)) {

@@ -36,10 +36,10 @@ Connection::Connection(const ApplicationGlobals &globals, QString accountRecord,
 
 quillon::Task<bool> Connection::connect()
 {
-    // Looked up for each connection, together with the flag: one that was turned on between two mails of a run must
-    // not find an empty record, which would lead around the proxy.
-    const QString proxyRecord = proxyInUse(m_globals) ? m_globals.settings.text(Setting::DefaultProxy) : QString();
-    return ConnectTransport(m_globals, m_accountRecord, proxyRecord, m_events, m_transport);
+    // Looked up for each connection, as the flag is: one that was turned on between two mails of a run must not find an
+    // empty record, which would lead around the proxy.
+    return ConnectTransport(m_globals, m_accountRecord, m_globals.settings.text(Setting::DefaultProxy), m_events,
+                            m_transport);
 }
 
 quillon::Pending<bool> Connection::send(const quillon::MailMessage &message)

@@ -55,6 +55,12 @@ private Q_SLOTS:
     void lineWithoutATabLeavesItsKey();
     void missingFileLeavesAllMacrosButJoinsHtml();
     void brokenLinesDoNoHarm();
+    void emptyTextTakesItsKeyAway();
+    void eachUseHasItsOwnMoment();
+    void nameOfTheAddressEndsAtTheFirstAt();
+    void nameKeepsItsBlanks();
+    void subjectOfHtmlKeepsItsLineEnds();
+    void textOfABuiltInKeyIsNotItsValue();
 
 private:
     void macros(const QByteArray &lines) const { writeFile(m_tree->globals.paths.macrosFile, lines); }
@@ -219,6 +225,64 @@ void TestExpansion::brokenLinesDoNoHarm()
     MailMessage message;
     message.Content = u"text {a} end"_s;
     QCOMPARE(expanded(message).Content, u"text 1 end"_s);
+}
+
+void TestExpansion::emptyTextTakesItsKeyAway()
+{
+    macros("{a}\t\tOther Information\tU\r\n{b}\t\r\n{c}\t \tOther Information\tU\r\n");
+    MailMessage message;
+    message.Subject = u"<{a}{b}{c}>"_s;
+    message.Content = message.Subject;
+    QCOMPARE(expanded(message).Subject, u"< >"_s);
+    QCOMPARE(expanded(message).Content, u"< >"_s);
+}
+
+void TestExpansion::eachUseHasItsOwnMoment()
+{
+    class RunningClock : public TestClock {
+    public:
+        using TestClock::TestClock;
+        [[nodiscard]] QDateTime now() const override { return present.addDays(++calls); }
+        mutable int calls = 0;
+    };
+    const RunningClock clock(QDateTime(QDate(2026, 11, 21), QTime(14, 5, 9)));
+    MailMessage message;
+    message.Subject = u"{Short Date}"_s;
+    message.Content = u"{Short Date}"_s;
+    const MailMessage first = expanded(message);
+    QVERIFY(first.Subject != first.Content);
+    QVERIFY(first.Content != expanded(message).Subject);
+}
+
+void TestExpansion::nameOfTheAddressEndsAtTheFirstAt()
+{
+    QCOMPARE(expanded(messageTo(QString(), u"a@b@c"_s)).Content, u"a|a|a|a@b@c"_s);
+    QCOMPARE(expanded(messageTo(QString(), u"@c"_s)).Content,
+             QString(names).replace(u"{Email Address of The Recipient}"_s, u"@c"_s));
+}
+
+void TestExpansion::nameKeepsItsBlanks()
+{
+    QCOMPARE(expanded(messageTo(u" Ada  King "_s, u"a@x.org"_s)).Content,
+             u"{First Name of The Recipient}|{Last Name of The Recipient}| Ada  King |a@x.org"_s);
+}
+
+void TestExpansion::subjectOfHtmlKeepsItsLineEnds()
+{
+    MailMessage message;
+    message.Format = MailMessage::Html;
+    message.Subject = u"a\r\nb"_s;
+    QCOMPARE(expanded(message).Subject, u"a\r\nb"_s);
+}
+
+void TestExpansion::textOfABuiltInKeyIsNotItsValue()
+{
+    macros("{Full Name of The Recipient}\tsomebody\tx\tU\r\n{Short Date}\tsome day\tx\tU\r\n");
+    MailMessage message = messageTo(u"Ada"_s, u"a@x.org"_s);
+    message.Content = u"{Full Name of The Recipient} {Short Date}"_s;
+    QVERIFY(expanded(message).Content.startsWith(u"Ada "_s) && !expanded(message).Content.contains(u"some day"_s));
+    message.To.Clear();
+    QVERIFY(expanded(message).Content.startsWith(u"{Full Name of The Recipient} "_s));
 }
 
 QTEST_GUILESS_MAIN(TestExpansion)

@@ -20,6 +20,8 @@ private Q_SLOTS:
     void userMacroWithoutTextIsNotInTheMenu();
     void shortLinesAreNotInTheMenu();
     void unreadableFileIsNotSeededAndGivesAnEmptyMenu();
+    void predefinedLinesStandInTheirOrder();
+    void menuLeavesOutUsersMacrosOfBlanksOnly();
 
 private:
     [[nodiscard]] const QString &file() const { return m_tree->globals.paths.macrosFile; }
@@ -91,6 +93,35 @@ void TestMacroCatalogue::unreadableFileIsNotSeededAndGivesAnEmptyMenu()
     seedMacros(m_tree->globals);
     QCOMPARE(quillon::faultCount(), faults + 1); // the reading; nothing was tried to be written
     QCOMPARE(macroMenuCaptions(m_tree->globals), QStringList());
+}
+
+void TestMacroCatalogue::predefinedLinesStandInTheirOrder()
+{
+    QStringList expected;
+    for (const auto &[category, kind, macros] :
+         {std::tuple(u"Recipient Information"_s, u"D"_s,
+                     u"First Name of The Recipient|Last Name of The Recipient|Full Name of The Recipient|"
+                     "Email Address of The Recipient"_s),
+          std::tuple(u"Sending Date and Time"_s, u"D"_s,
+                     u"Long Date|Short Date|Long Time|Short Time|Long Date and Time|Short Date and Time"_s),
+          std::tuple(u"My Information"_s, u"U"_s,
+                     u"My First Name|My Last Name|My Full Name|My Email Address|My Website|My Company Name|My Tel No.|"
+                     "My Mobile Phone|My Fax No.|My Bank Account"_s)}) {
+        const QStringList names = macros.split(u'|');
+        for (const QString &name : names) {
+            expected.append(u'{' + name + u"}\t \t"_s + category + u'\t' + kind);
+        }
+    }
+    QCOMPARE(predefinedMacroLines(), expected);
+}
+
+void TestMacroCatalogue::menuLeavesOutUsersMacrosOfBlanksOnly()
+{
+    writeFile(file(), "{1}\t\tx\tU\r\n{2}\t \xC2\xA0\tx\tU\r\n{3}\ty\tx\tU\r\n{4}\t \tx\tD\r\n{5}\t\tx\tu\r\n"
+                      "{6}\t\tx\t\r\n{7}\ty\tx\tD\t9\r\n{8}\t\tx\tU\t9\r\n{9}\ty\tx\r\n");
+    const int faults = quillon::faultCount();
+    QCOMPARE(macroMenuCaptions(m_tree->globals), (QStringList{u"{3}"_s, u"{4}"_s, u"{5}"_s, u"{6}"_s, u"{7}"_s}));
+    QCOMPARE(quillon::faultCount(), faults + 1); // the line of three fields
 }
 
 QTEST_GUILESS_MAIN(TestMacroCatalogue)

@@ -30,6 +30,11 @@ private Q_SLOTS:
     void otherLinesKeepTheirOctets();
     void aFullDiskLosesNoMacro();
     void aFilledMacroIsInTheNextMenu();
+    void everyBlankLineOfTheMacroGoes();
+    void eachOfTheFourIsFilledByItself();
+    void blanksAroundTheNameAreInTheFullNameOnly();
+    void aMacroInAnotherCaseIsNotTheOne();
+    void nothingToFillWritesNothing();
 
 private:
     void account(const QString &name, const QString &address)
@@ -179,6 +184,56 @@ void TestMyInformation::aFilledMacroIsInTheNextMenu()
     sync();
     QCOMPARE(macroMenuCaptions(m_tree->globals).mid(10),
              (QStringList{u"{My First Name}"_s, u"{My Last Name}"_s, u"{My Full Name}"_s, u"{My Email Address}"_s}));
+}
+
+void TestMyInformation::everyBlankLineOfTheMacroGoes()
+{
+    writeFile(file(), "{My Full Name}\t \tMy Information\tU\r\n{x}\ty\tz\tU\r\n{My Full Name}\r\n"
+                      "{My Full Name}\t\tMy Information\tU\r\n");
+    account(u"Ada"_s, u"ada@x.org"_s);
+    sync();
+    QCOMPARE(contentOf(file()), QByteArray("{x}\ty\tz\tU\r\n{My Full Name}\tAda\tMy Information\tU\r\n"));
+}
+
+void TestMyInformation::eachOfTheFourIsFilledByItself()
+{
+    account(u"Ada King"_s, u"ada@x.org"_s);
+    for (const auto &[macro, value] :
+         {std::pair("{My First Name}", "Ada"), std::pair("{My Last Name}", "King"),
+          std::pair("{My Full Name}", "Ada King"), std::pair("{My Email Address}", "ada@x.org")}) {
+        writeFile(file(), QByteArray(macro) + "\t \tMy Information\tU\r\n");
+        sync();
+        QCOMPARE(contentOf(file()), QByteArray(macro) + '\t' + value + "\tMy Information\tU\r\n");
+    }
+}
+
+void TestMyInformation::blanksAroundTheNameAreInTheFullNameOnly()
+{
+    seedMacros(m_tree->globals);
+    account(u" Ada King "_s, u"ada@x.org"_s);
+    sync();
+    QCOMPARE(lines().sliced(16),
+             (QStringList{u"{My First Name}\tAda\tMy Information\tU"_s, u"{My Last Name}\tKing\tMy Information\tU"_s,
+                          u"{My Full Name}\t Ada King \tMy Information\tU"_s,
+                          u"{My Email Address}\tada@x.org\tMy Information\tU"_s}));
+}
+
+void TestMyInformation::aMacroInAnotherCaseIsNotTheOne()
+{
+    const QByteArray present = "{my full name}\t \tMy Information\tU\r\n";
+    writeFile(file(), present);
+    account(u"Ada"_s, u"ada@x.org"_s);
+    sync();
+    QCOMPARE(contentOf(file()), present);
+}
+
+void TestMyInformation::nothingToFillWritesNothing()
+{
+    const QByteArray present = "{x}\ty\n{z}"; // without CR, without a last line end
+    writeFile(file(), present);
+    account(u"Ada"_s, u"ada@x.org"_s);
+    sync();
+    QCOMPARE(contentOf(file()), present);
 }
 
 QTEST_GUILESS_MAIN(TestMyInformation)

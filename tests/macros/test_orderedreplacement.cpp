@@ -16,6 +16,9 @@ private Q_SLOTS:
     void aKeyThatStaysLeavesTheTurnToTheSameKeyBehindIt();
     void theOutcomeIsAlwaysThatOfOneKeyAfterTheOther();
     void theOutcomeIsAlwaysThatOfOneKeyAfterTheOther_data();
+    void eachKeyIsAskedForOnce();
+    void eachKeyIsAskedForOnce_data();
+    void anEndlessChainEnds();
 
 private:
     using Value = std::optional<QString>;
@@ -90,6 +93,49 @@ void TestOrderedReplacement::theOutcomeIsAlwaysThatOfOneKeyAfterTheOther()
         QVERIFY2(outcome == plainly(text, keys, values),
                  qPrintable(u"seed %1: \"%2\" became \"%3\""_s.arg(seed).arg(text, outcome)));
     }
+}
+
+void TestOrderedReplacement::eachKeyIsAskedForOnce_data()
+{
+    QTest::addColumn<int>("depth");
+    QTest::addColumn<int>("chains");
+    QTest::newRow("keys that hold none") << 1 << 500;
+    QTest::newRow("many chains") << 3 << 100;
+    QTest::newRow("the deepest chain") << 64 << 2;
+}
+
+void TestOrderedReplacement::eachKeyIsAskedForOnce()
+{
+    // However often a key stands in the text and in the values, one pass asks for it once.
+    QFETCH(const int, depth);
+    QFETCH(const int, chains);
+    QStringList keys;
+    QString text;
+    for (int chain = 0; chain < chains; ++chain) {
+        for (int link = 0; link < depth; ++link) {
+            keys.append(u"{%1-%2}"_s.arg(chain).arg(link));
+        }
+        text += u"{%1-0} {%1-0} "_s.arg(chain);
+    }
+    QList<int> asked(keys.size());
+    replaceInOrder(text, keys, [&](qsizetype index) {
+        ++asked[index];
+        return Value((index + 1) % depth == 0 ? u"end"_s : u"x"_s + keys.at(index + 1));
+    });
+    QCOMPARE(text, (QString(depth - 1, u'x') + u"end "_s).repeated(2 * chains));
+    QCOMPARE(asked, QList<int>(keys.size(), 1));
+}
+
+void TestOrderedReplacement::anEndlessChainEnds()
+{
+    QStringList keys;
+    for (int link = 0; link <= 1000; ++link) {
+        keys.append(u"{%1}"_s.arg(link));
+    }
+    QString text = u"{0}"_s;
+    replaceInOrder(text, keys,
+                   [&](qsizetype index) { return Value(index == 1000 ? u"end"_s : u"x"_s + keys.at(index + 1)); });
+    QCOMPARE(text, QString(1000, u'x') + u"end"_s);
 }
 
 QTEST_APPLESS_MAIN(TestOrderedReplacement)

@@ -31,6 +31,9 @@ private Q_SLOTS:
     void savingDoesNotChangeTheListInMemory();
     void noAddressTestIsMade();
     void nameOnTwoLinesIsOneLineAndAddedOnce();
+    void blanksAndCommasAreNoPartOfAnEntry();
+    void whatIsThereInAnotherFormIsAnotherEntry();
+    void unreadableFileIsNotAddedTo();
 
 private:
     [[nodiscard]] const QString &file() const { return m_tree->globals.paths.promptsFile; }
@@ -107,6 +110,31 @@ void TestInputPrompts::nameOnTwoLinesIsOneLineAndAddedOnce()
         m_prompts->upsSavePrompts(u"Bob\r\nLee <bob@y.org>"_s, QString(), QString());
     }
     QCOMPARE(contentOf(file()), QByteArray("Bob Lee <bob@y.org>\r\n"));
+}
+
+void TestInputPrompts::blanksAndCommasAreNoPartOfAnEntry()
+{
+    m_prompts->upsSavePrompts(u"\t a@x.org ,, \r\n b@x.org, "_s, u" c@x.org\r\n"_s, u"\t d@x.org,"_s);
+    QCOMPARE(contentOf(file()), QByteArray("a@x.org\r\nb@x.org\r\nc@x.org\r\nd@x.org\r\n"));
+    m_prompts->upsSavePrompts(QString(), QString(), u" e@x.org "_s);
+    m_prompts->upsSavePrompts(u","_s, u" , "_s, u",,"_s);
+    QCOMPARE(contentOf(file()), QByteArray("a@x.org\r\nb@x.org\r\nc@x.org\r\nd@x.org\r\ne@x.org\r\n"));
+}
+
+void TestInputPrompts::whatIsThereInAnotherFormIsAnotherEntry()
+{
+    writeFile(file(), " a@x.org\r\nAda <b@x.org>\r\nc@x.org");
+    m_prompts->upsSavePrompts(u"a@x.org,b@x.org,c@x.org"_s, QString(), QString());
+    QCOMPARE(contentOf(file()), QByteArray(" a@x.org\r\nAda <b@x.org>\r\nc@x.org\r\na@x.org\r\nb@x.org\r\n"));
+}
+
+void TestInputPrompts::unreadableFileIsNotAddedTo()
+{
+    QVERIFY(QFile::remove(file()));
+    QVERIFY(QDir().mkdir(file())); // even an administrator cannot read a folder as a file
+    const int faults = quillon::faultCount();
+    m_prompts->upsSavePrompts(u"a@x.org"_s, QString(), QString());
+    QCOMPARE(quillon::faultCount(), faults + 1); // the reading; nothing was tried to be written
 }
 
 QTEST_GUILESS_MAIN(TestInputPrompts)

@@ -1,6 +1,7 @@
 #include "recipients/promptmodel.h"
 #include "support/treefixture.h"
 
+#include <QAbstractItemModelTester>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -14,6 +15,7 @@ private Q_SLOTS:
     void init() { makeTree(); }
     void cleanup()
     {
+        m_tester.reset();
         m_model.reset();
         dropTree();
     }
@@ -33,6 +35,9 @@ private Q_SLOTS:
     void neighboursAreOneRange();
     void anEmptyTextFindsNothing();
     void aFileThatCannotBeReadIsNotRewritten();
+    void lettersAreFoundInBothCasesAndTheirNeighboursAsTheyAre();
+    void rowsBeyondTheEndsAreNoRows();
+    void onlyTheTextOfARowIsData();
 
 private:
     PromptModel &model(const QStringList &entries)
@@ -42,7 +47,9 @@ private:
             lines += entry.toUtf8() + "\r\n";
         }
         writeFile(file(), lines);
+        m_tester.reset();
         m_model = std::make_unique<PromptModel>(m_tree->globals, entries, u"(none)"_s);
+        m_tester = std::make_unique<QAbstractItemModelTester>(m_model.get());
         return *m_model;
     }
     [[nodiscard]] QStringList rows() const
@@ -56,6 +63,7 @@ private:
     [[nodiscard]] const QString &file() const { return m_tree->globals.paths.promptsFile; }
 
     std::unique_ptr<PromptModel> m_model;
+    std::unique_ptr<QAbstractItemModelTester> m_tester; ///< whether a view is told of every change as it is
 };
 
 void TestPromptModel::anEmptyListShowsThePlaceholder()
@@ -170,6 +178,41 @@ void TestPromptModel::aFileThatCannotBeReadIsNotRewritten()
     QVERIFY(QDir().mkdir(file()));
     m_model->remove({0});
     QVERIFY(QFileInfo(file()).isDir());
+}
+
+void TestPromptModel::lettersAreFoundInBothCasesAndTheirNeighboursAsTheyAre()
+{
+    const QString letters = u"ABCDEFGHIJKLMNOPQRSTUVWXYZ"_s;
+    model({letters, letters.toLower(), u"@[`{"_s, u"@[`{\u00c4"_s});
+    for (const QString &text : {u"A"_s, u"a"_s, u"Z"_s, u"z"_s, letters, letters.toLower()}) {
+        QCOMPARE(m_model->find(text), (QList<PromptModel::Range>{{0, 1}}));
+    }
+    for (const QString &text : {u"@"_s, u"["_s, u"`"_s, u"{"_s, u"@[`{"_s}) {
+        QCOMPARE(m_model->find(text), (QList<PromptModel::Range>{{2, 3}}));
+    }
+    QCOMPARE(m_model->find(u"\u00e4"_s), (QList<PromptModel::Range>{{3, 3}}));
+}
+
+void TestPromptModel::rowsBeyondTheEndsAreNoRows()
+{
+    model({u"a@x.org"_s, u"b@x.org"_s});
+    m_model->replace(2, u"never@x.org"_s);
+    m_model->replace(-1, u"never@x.org"_s);
+    m_model->remove({2, -1});
+    QCOMPARE(rows(), (QStringList{u"a@x.org"_s, u"b@x.org"_s}));
+    QCOMPARE(contentOf(file()), QByteArray("a@x.org\r\nb@x.org\r\n"));
+    QCOMPARE(m_model->entry(2) + m_model->entry(-1), QString());
+    m_model->replace(0, u"c@x.org"_s);
+    QCOMPARE(rows(), (QStringList{u"b@x.org"_s, u"c@x.org"_s}));
+}
+
+void TestPromptModel::onlyTheTextOfARowIsData()
+{
+    model({u"a@x.org"_s});
+    QCOMPARE(m_model->rowCount(m_model->index(0)), 0); // no rows below a row
+    QVERIFY(!m_model->data(m_model->index(0), Qt::EditRole).isValid());
+    QVERIFY(!m_model->data(QModelIndex(), Qt::DisplayRole).isValid());
+    QCOMPARE(m_model->data(m_model->index(0), Qt::DisplayRole).toString(), u"a@x.org"_s);
 }
 
 QTEST_GUILESS_MAIN(TestPromptModel)

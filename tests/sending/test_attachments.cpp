@@ -1,6 +1,6 @@
 #include "sending/attachments.h"
-#include "support/waitfor.h"
 #include "support/treefixture.h"
+#include "support/waitfor.h"
 
 #include <QProcess>
 #include <QTest>
@@ -59,6 +59,12 @@ private Q_SLOTS:
     void folderOfEmptyFoldersHasDirectoryEntries();
     void linksPipesAndOddNamesLeaveAValidArchive();
     void failedArchiveLeavesAnEntryThatIsMissing();
+    void hiddenLeftoversGoAndFoldersOfTheTemporaryFolderStay();
+    void folderThatHoldsAnythingIsNotEmpty();
+    void folderThatHoldsAnythingIsNotEmpty_data();
+    void numbersGoFromNoughtTo9999AndThenNoFurther();
+    void nothingToAttachLeavesTheMessageAlone();
+    void fileThatIsALinkIsAttachedUnderItsOwnName();
 
 private:
     [[nodiscard]] QString path(const QString &name) const { return m_tree->path(name); }
@@ -205,6 +211,87 @@ void TestAttachments::failedArchiveLeavesAnEntryThatIsMissing()
     QCOMPARE(resolve({path(u"mine"_s)}), path(u"mine"_s));
     QCOMPARE(m_message.Attachments.Count(), 1);
     QVERIFY(!QFile::exists(m_message.Attachments.Item(1).Path));
+}
+
+void TestAttachments::hiddenLeftoversGoAndFoldersOfTheTemporaryFolderStay()
+{
+    writeFile(zip(u".hidden.zip"_s), "x");
+    writeFile(zip(u"part.tmp"_s), "x");
+    QVERIFY(QFile::link(path(u"nothing"_s), zip(u"dangling.zip"_s)));
+    QCOMPARE(::mkfifo(QFile::encodeName(zip(u"pipe"_s)).constData(), 0600), 0);
+    QVERIFY(QDir().mkpath(zip(u"folder"_s)));
+    writeFile(zip(u"folder/kept"_s), "x");
+    writeFile(path(u"mine/.hidden.zip"_s), "x");
+    resolve({});
+    QCOMPARE(QDir(m_tree->globals.paths.zips)
+                 .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot),
+             QStringList{u"folder"_s});
+    QVERIFY(QFile::exists(zip(u"folder/kept"_s)));
+    QVERIFY(QFile::exists(path(u"mine/.hidden.zip"_s)));
+}
+
+void TestAttachments::folderThatHoldsAnythingIsNotEmpty_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("link");
+    QTest::newRow("hidden file") << u".profile"_s << QString() << QString();
+    QTest::newRow("hidden folder") << QString() << u".git"_s << QString();
+    QTest::newRow("link that leads nowhere") << QString() << QString() << u"dangling"_s;
+}
+
+void TestAttachments::folderThatHoldsAnythingIsNotEmpty()
+{
+    QFETCH(const QString, file);
+    QFETCH(const QString, folder);
+    QFETCH(const QString, link);
+    const QString mine = path(u"mine/"_s);
+    if (!file.isEmpty()) {
+        writeFile(mine + file, "x");
+    }
+    QVERIFY(folder.isEmpty() || QDir().mkpath(mine + folder));
+    QVERIFY(link.isEmpty() || QFile::link(path(u"nothing"_s), mine + link));
+    resolve({path(u"mine"_s)});
+    QVERIFY(!QFile::exists(mine + u"you-got-an-empty-folder.txt"_s));
+}
+
+void TestAttachments::numbersGoFromNoughtTo9999AndThenNoFurther()
+{
+    // Links to a folder, which no run removes, stand in the way of an archive too.
+    writeFile(path(u"mine/a"_s), "A");
+    QVERIFY(QDir().mkpath(path(u"inTheWay"_s)));
+    const auto stand = [this](const QString &name) { return QFile::link(path(u"inTheWay"_s), zip(name)); };
+    QVERIFY(stand(u"mine.zip"_s));
+    for (int i = 0; i < 9999; ++i) {
+        QVERIFY(stand(QString::number(i) + u"mine.zip"_s));
+    }
+    resolve({path(u"mine"_s)});
+    QCOMPARE(m_message.Attachments.Item(1).Name, u"9999mine.zip"_s);
+    QCOMPARE(archiveContent(zip(u"9999mine.zip"_s)), QStringList{u"a=A"_s});
+
+    QVERIFY(QFile::remove(zip(u"9999mine.zip"_s)));
+    QVERIFY(stand(u"9999mine.zip"_s));
+    m_message = {};
+    QCOMPARE(resolve({path(u"mine"_s)}), path(u"mine"_s));
+    QCOMPARE(m_message.Attachments.Item(1).Path, zip(u"mine.zip"_s));
+    QVERIFY(!QFile::exists(zip(u"10000mine.zip"_s)));
+}
+
+void TestAttachments::nothingToAttachLeavesTheMessageAlone()
+{
+    QCOMPARE(resolve({}), QString());
+    QCOMPARE(resolve({QString(), path(u"gone"_s)}), QString());
+    QCOMPARE(m_message.Attachments.Count(), 0);
+}
+
+void TestAttachments::fileThatIsALinkIsAttachedUnderItsOwnName()
+{
+    writeFile(path(u"mine/real.txt"_s), "x");
+    QVERIFY(QFile::link(path(u"mine/real.txt"_s), path(u"link.txt"_s)));
+    QVERIFY(QFile::link(path(u"nothing"_s), path(u"dangling.txt"_s)));
+    QCOMPARE(resolve({path(u"dangling.txt"_s), path(u"link.txt"_s)}), path(u"link.txt"_s));
+    QCOMPARE(m_message.Attachments.Item(1).Name, u"link.txt"_s);
+    QCOMPARE(m_message.Attachments.Item(1).Path, path(u"link.txt"_s));
 }
 
 QTEST_GUILESS_MAIN(TestAttachments)

@@ -31,6 +31,10 @@ private Q_SLOTS:
     void proxyUserIsTakenOnlyWithAuthentication();
     void emptyPortIsPortZero();
     void newTransportDropsTheEarlierOneWithItsEvents();
+    void transportThatGoesWhileItConnectsIsNoConnection();
+    void runsWithoutAConnectionSendsNothingAndEndsNothing();
+    void everyConnectionLooksTheProxyUpAnew();
+    void errorsAndProgressReachTheirHearers();
 
 private:
     bool connectWith(const QString &account, const QString &proxy = QString())
@@ -107,6 +111,62 @@ void TestConnection::newTransportDropsTheEarlierOneWithItsEvents()
     QVERIFY(first.isNull());
     QTRY_COMPARE(server.Ended, 1);
     QVERIFY(m_errors.isEmpty());
+}
+
+void TestConnection::transportThatGoesWhileItConnectsIsNoConnection()
+{
+    testsupport::ScriptedServer server;
+    server.Responder = [this](const QByteArray &) -> std::optional<QByteArray> {
+        m_transport.reset();
+        return std::nullopt;
+    };
+    QVERIFY(!connectWith(account(server.port(), u"N\tN\t\t"_s)));
+    QVERIFY(m_errors.isEmpty());
+}
+
+void TestConnection::runsWithoutAConnectionSendsNothingAndEndsNothing()
+{
+    Connection connection(m_tree->globals, QString(), {});
+    connection.quit();
+    QVERIFY(!waitFor(connection.send({})));
+}
+
+void TestConnection::everyConnectionLooksTheProxyUpAnew()
+{
+    testsupport::ScriptedServer server;
+    testsupport::ScriptedServer first; // no proxies at all, so that what goes through them fails
+    testsupport::ScriptedServer second;
+    first.Greeting.clear();
+    second.Greeting.clear();
+    first.closeAt(QByteArray());
+    second.closeAt(QByteArray());
+    Connection connection(m_tree->globals, account(server.port(), u"N\tN\t\t"_s),
+                          {[this](const QString &text) { m_errors.append(text); }, [](const QString &) {}});
+    QVERIFY(waitFor(connection.connect()));
+    for (const testsupport::ScriptedServer *each : {&first, &second}) {
+        m_tree->useProxy(u"Socks5\t127.0.0.1\t"_s + QString::number(each->port()) + u"\tN\t\t\t/PSEND"_s);
+        QVERIFY(!waitFor(connection.connect()));
+    }
+    QCOMPARE(first.Connections, 1);
+    QCOMPARE(second.Connections, 1);
+    m_tree->globals.settings.set(Setting::ProxyUse, u"False"_s);
+    QVERIFY(waitFor(connection.connect()));
+    QCOMPARE(server.Connections, 2);
+    QCOMPARE(m_errors.size(), 2);
+}
+
+void TestConnection::errorsAndProgressReachTheirHearers()
+{
+    testsupport::ScriptedServer server;
+    server.Greeting = "554 not today\r\n";
+    QStringList progress;
+    Connection connection(m_tree->globals, account(server.port(), u"N\tN\t\t"_s),
+                          {[this](const QString &text) { m_errors.append(text); },
+                           [&progress](const QString &text) { progress.append(text); }});
+    QVERIFY(!waitFor(connection.connect()));
+    QCOMPARE(m_errors.size(), 1);
+    QVERIFY(m_errors.constFirst().contains(u"554 not today"_s));
+    QVERIFY(!progress.isEmpty() && progress.filter(u"554"_s).isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestConnection)

@@ -23,6 +23,10 @@ private Q_SLOTS:
     void largestCountableRollIsCounted();
     void everyThirdRecipientRefusedIsToldByName();
     void lastConnectionIsEnded();
+    void progressIsVisibleBeforeTheFirstCounter();
+    void cancelledRunEndsItsConnectionOfTheLastMail();
+    void outcomeIsToldForOneAsForMany();
+    void outcomeIsToldForOneAsForMany_data();
 };
 
 void TestOneByOne::everyRecipientGetsAPersonalMailInTo()
@@ -160,6 +164,61 @@ void TestOneByOne::lastConnectionIsEnded()
 {
     runAndExpect(3);
     QTRY_COMPARE(m_server->count("QUIT"), 4);
+}
+
+void TestOneByOne::progressIsVisibleBeforeTheFirstCounter()
+{
+    QList<bool> visible;
+    m_bench->progress.afterCounter = [&](const QString &) {
+        visible.append(m_bench->progress.visible);
+        m_bench->progress.visible = false; // closed by the user; only what the transport tells brings it back
+    };
+    m_bench->progress.afterActivity = [this](const QString &text) {
+        QVERIFY(m_bench->progress.visible || text.isEmpty());
+        m_bench->progress.visible = false;
+    };
+    runAndExpect(3);
+    QCOMPARE(visible.constFirst(), true);
+}
+
+void TestOneByOne::cancelledRunEndsItsConnectionOfTheLastMail()
+{
+    m_server->Responder = [this](const QByteArray &line) -> std::optional<QByteArray> {
+        if (line.startsWith("RCPT TO:<cy@")) {
+            m_bench->sender.requestStop();
+        }
+        return std::nullopt;
+    };
+    const ExpectedPrompts asked;
+    m_bench->run();
+    QCOMPARE(m_server->Connections, 3);
+    QTRY_COMPARE(m_server->Ended, 3);
+}
+
+void TestOneByOne::outcomeIsToldForOneAsForMany_data()
+{
+    QTest::addColumn<bool>("refused");
+    QTest::addColumn<QStringList>("entry");
+    QTest::newRow("sent") << false
+                          << QStringList{u"text of SENT_SUCCA 1 text of SENT_SUCCB:"_s, u"Bob B <bob@y.org>"_s,
+                                         u"End: (moment)"_s};
+    QTest::newRow("refused") << true
+                             << QStringList{u"text of SENT_SUCCA 1 text of SENT_UNSUCCB"_s, u"Bob B <bob@y.org>"_s,
+                                            u"End: (moment)"_s};
+}
+
+void TestOneByOne::outcomeIsToldForOneAsForMany()
+{
+    QFETCH(const bool, refused);
+    m_bench->window.setText(Field::To, u"Bob B <bob@y.org>"_s);
+    m_bench->window.setText(Field::BCC, QString());
+    if (refused) {
+        refuse("bob@y.org");
+    }
+    ExpectedPrompts asked([](const QString &) {});
+    m_bench->run();
+    QTEST(result(), "entry");
+    QCOMPARE(asked.log().constLast(), u"box SENT_SUCCA style 64: "_s + boxText(1));
 }
 
 QTEST_GUILESS_MAIN(TestOneByOne)

@@ -1,6 +1,8 @@
 #include "sending/onebyonebench.h"
 #include "support/testclock.h"
 
+#include <QTimer>
+
 using namespace Qt::StringLiterals;
 using namespace corvane;
 
@@ -17,6 +19,11 @@ private Q_SLOTS:
     void intervalThatIsNoNumberDoesNotWait();
     void fractionsAreWaitedAndHugeIntervalsAreBounded();
     void windowIsAliveBeforeTheWait();
+    void windowIsAliveBetweenTheWaitsNoticeAndTheWait();
+    void connectionIsEndedBeforeTheWait();
+    void intervalIsShownAsItIsWritten();
+    void intervalThatIsNoNumberIsAFaultOfEachMail();
+    void whatTheUserDoesAsAMailBeginsReachesItsMacrosAndNotItsText();
 
     void cancelInTheWaitStillSendsThatMail();
     void cancelInAMailUnderWayLetsItEnd();
@@ -174,11 +181,102 @@ void TestOneByOnePace::windowIsAliveBeforeTheWait()
     QCOMPARE(handledBefore, (QList<int>{1, 2, 3}));
 }
 
+void TestOneByOnePace::windowIsAliveBetweenTheWaitsNoticeAndTheWait()
+{
+    /// Tells when a wait is asked for, before any turn of the event loop that it takes.
+    class AskedClock : public TestClock {
+    public:
+        using TestClock::TestClock;
+        quillon::Pending<> wait(qint64 milliseconds) override
+        {
+            asked();
+            return TestClock::wait(milliseconds);
+        }
+        std::function<void()> asked;
+    } clock(QDateTime::currentDateTime());
+    m_bench->tree.globals.settings.set(Setting::OboInterval, u"1"_s);
+    QStringList order;
+    m_bench->progress.afterActivity = [&](const QString &text) {
+        if (text.startsWith(u"Making OBO"_s)) {
+            order.append(u"notice"_s);
+            QTimer::singleShot(0, this, [&] { order.append(u"window"_s); });
+        }
+    };
+    clock.asked = [&] { order.append(u"wait"_s); };
+    runAndExpect(3);
+    const QStringList once{u"notice"_s, u"window"_s, u"wait"_s};
+    QCOMPARE(order, once + once + once);
+}
+
+void TestOneByOnePace::connectionIsEndedBeforeTheWait()
+{
+    TestClock clock(QDateTime::currentDateTime());
+    m_bench->tree.globals.settings.set(Setting::OboInterval, u"60"_s);
+    QList<int> connections;
+    clock.whileWaiting = [&] {
+        // No server has to hold a connection open for the length of an interval.
+        QTRY_COMPARE(m_server->count("QUIT"), clock.waits.size());
+        QTRY_COMPARE(m_server->Ended, m_server->Connections);
+        connections.append(m_server->Connections);
+    };
+    runAndExpect(3);
+    QCOMPARE(connections, (QList<int>{1, 2, 3}));
+}
+
+void TestOneByOnePace::intervalIsShownAsItIsWritten()
+{
+    const TestClock clock(QDateTime::currentDateTime());
+    for (const QString &text : {u"007"_s, u"1.50"_s, u"-1"_s}) {
+        m_bench->progress.activities.clear();
+        m_bench->tree.globals.settings.set(Setting::OboInterval, text);
+        runAndExpect(3);
+        QCOMPARE(m_bench->progress.activities.count(u"Making OBO sending interval: "_s + text + u" seconds..."_s), 3);
+    }
+    for (const QString &text : {QString(), u"0.0"_s, u"-0"_s, u"soon"_s}) {
+        m_bench->progress.activities.clear();
+        m_bench->tree.globals.settings.set(Setting::OboInterval, text);
+        runAndExpect(3);
+        QVERIFY(m_bench->progress.activities.filter(u"interval"_s).isEmpty());
+    }
+}
+
+void TestOneByOnePace::intervalThatIsNoNumberIsAFaultOfEachMail()
+{
+    const TestClock clock(QDateTime::currentDateTime());
+    for (const auto &[text, faults] : {std::pair(QString(), 0), std::pair(u"0"_s, 0), std::pair(u"2"_s, 0),
+                                       std::pair(u"soon"_s, 3), std::pair(u"inf"_s, 3), std::pair(u"nan"_s, 3)}) {
+        const int before = quillon::faultCount();
+        m_bench->tree.globals.settings.set(Setting::OboInterval, text);
+        runAndExpect(3);
+        QCOMPARE(quillon::faultCount() - before, faults);
+    }
+}
+
+void TestOneByOnePace::whatTheUserDoesAsAMailBeginsReachesItsMacrosAndNotItsText()
+{
+    m_bench->window.setText(Field::PlainContent, u"old {club}"_s);
+    m_bench->progress.afterCounter = [this](const QString &text) {
+        if (text.startsWith(u"Sending 2/"_s)) {
+            QTimer::singleShot(0, this, [this] {
+                m_bench->window.setText(Field::PlainContent, u"new {club}"_s);
+                m_bench->tree.globals.lines.AppendLine(m_bench->tree.globals.paths.macrosFile,
+                                                       u"{club}\tChess\tOther Information\tU"_s);
+            });
+        }
+    };
+    runAndExpect(3);
+    QVERIFY(m_server->Mails.at(0).contains("old {club}"));
+    QVERIFY(m_server->Mails.at(1).contains("old Chess"));
+    QVERIFY(m_server->Mails.at(2).contains("new Chess"));
+}
+
 void TestOneByOnePace::fractionsAreWaitedAndHugeIntervalsAreBounded()
 {
     TestClock clock(QDateTime::currentDateTime());
     for (const auto &[text, milliseconds] :
-         {std::pair(u"1.5"_s, 1500LL), std::pair(u"1e30"_s, 1'000'000'000LL), std::pair(u"-4"_s, 0LL)}) {
+         {std::pair(u"1.5"_s, 1500LL), std::pair(u"1e30"_s, 1'000'000'000LL), std::pair(u"-4"_s, 0LL),
+          std::pair(u"0.0019"_s, 1LL), std::pair(u"999999"_s, 999'999'000LL), std::pair(u"1000000"_s, 1'000'000'000LL),
+          std::pair(u"1000001"_s, 1'000'000'000LL)}) {
         clock.waits.clear();
         m_bench->tree.globals.settings.set(Setting::OboInterval, text);
         runAndExpect(3);

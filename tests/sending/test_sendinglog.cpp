@@ -21,6 +21,9 @@ private Q_SLOTS:
     void momentIsMonthDayYearAndTime();
     void dateTextHasNoLeadingZeroInTheDay();
     void writeThatFailsIsIgnored();
+    void everyDayAndMonthHasItsEnglishName();
+    void entryOfNothingIsItsHeading();
+    void momentIsThePresentOne();
 
 private:
     [[nodiscard]] QByteArray log(const QString &name = u"202611.log"_s) const
@@ -78,6 +81,37 @@ void TestSendingLog::writeThatFailsIsIgnored()
     writeFile(m_tree->globals.paths.logs, "in the way");
     SendingLog(m_tree->globals, QDateTime(QDate(2026, 11, 1), QTime(0, 0))).divider();
     QCOMPARE(contentOf(m_tree->globals.paths.logs), QByteArray("in the way"));
+}
+
+void TestSendingLog::everyDayAndMonthHasItsEnglishName()
+{
+    const QStringList days{u"Sun"_s, u"Mon"_s, u"Tue"_s, u"Wed"_s, u"Thu"_s, u"Fri"_s, u"Sat"_s};
+    for (int i = 0; i < 7; ++i) {
+        QCOMPARE(mailDateText(m_tree->globals, QDate(2026, 11, 1 + i), QTime(0, 0)),
+                 days.at(i) + u", %1 Nov 2026 00:00:00"_s.arg(1 + i));
+    }
+    const QStringList months{u"Jan"_s, u"Feb"_s, u"Mar"_s, u"Apr"_s, u"May"_s, u"Jun"_s,
+                             u"Jul"_s, u"Aug"_s, u"Sep"_s, u"Oct"_s, u"Nov"_s, u"Dec"_s};
+    for (int i = 0; i < 12; ++i) {
+        const QString text = mailDateText(m_tree->globals, QDate(2026, 1 + i, 10), QTime(13, 0));
+        QVERIFY2(text.contains(u" 10 "_s + months.at(i) + u" 2026 13:00:00"_s), qPrintable(text));
+    }
+    QVERIFY(mailDateText(m_tree->globals, QDate(826, 1, 31), QTime(9, 9, 9)).endsWith(u", 31 Jan 0826 09:09:09"_s));
+}
+
+void TestSendingLog::entryOfNothingIsItsHeading()
+{
+    SendingLog(m_tree->globals, QDateTime(QDate(2026, 11, 1), QTime(0, 0))).entry(u"Subject"_s, QString());
+    QCOMPARE(log(), QByteArray("Subject: \r\n"));
+}
+
+void TestSendingLog::momentIsThePresentOne()
+{
+    TestClock clock(QDateTime(QDate(2026, 11, 30), QTime(23, 59, 59)));
+    const SendingLog run(m_tree->globals, clock.now());
+    clock.present = QDateTime(QDate(2026, 12, 1), QTime(0, 0, 9));
+    run.moment(u"End"_s);
+    QVERIFY2(log().endsWith(" 01 2026 00:00:09\r\n"), log().constData());
 }
 
 QTEST_GUILESS_MAIN(TestSendingLog)

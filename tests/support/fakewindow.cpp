@@ -23,3 +23,11 @@ void FakeProgress::setCounter(const QString &text)
         afterCounter(text);
     }
 }
+
+void FakeProgress::setActivity(const QString &text)
+{
+    activities.append(text);
+    if (afterActivity) {
+        afterActivity(text);
+    }
+}

@@ -40,7 +40,7 @@ public:
     void makeVisible() override { visible = true; }
     void hide() override { visible = false; }
     [[nodiscard]] QString activity() const override { return activities.isEmpty() ? QString() : activities.last(); }
-    void setActivity(const QString &text) override { activities.append(text); }
+    void setActivity(const QString &text) override;
     [[nodiscard]] QString counter() const override;
     void setCounter(const QString &text) override;
     void setProgress(int i, int total) override { steps.append({i, total}); }
@@ -51,4 +51,5 @@ public:
     QList<std::pair<int, int>> steps;
     /// Runs after the counter line has changed, as a user who acts on what it shows.
     std::function<void(const QString &)> afterCounter;
+    std::function<void(const QString &)> afterActivity; ///< the same for the activity line
 };

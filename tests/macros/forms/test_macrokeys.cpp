@@ -63,6 +63,8 @@ private Q_SLOTS:
     void everyTextOfTheLanguageFileHasItsControl();
     void withoutALanguageFileTheDialogsReadTheSame();
     void theDialogsCanBeResizedAndNothingIsCutOff();
+    void onlyAMacroThatIsThereIsSelectedAfterAFault();
+    void aDetailThatWasNotBegunSavesNothing();
 
 private:
     QWidget *form(const QString &name) { return m->forms.form(name); }
@@ -328,6 +330,41 @@ void TestMacroKeys::theDialogsCanBeResizedAndNothingIsCutOff()
             }
         }
     }
+}
+
+void TestMacroKeys::onlyAMacroThatIsThereIsSelectedAfterAFault()
+{
+    // The key is pressed in the field itself, which so does not get the focus anew.
+    ExpectedPrompts prompts;
+    prompts.expectForm(u"frmPubMacroDetail"_s, -1, [this] {
+        m->showDetail();
+        for (const auto &[macro, text, selected] :
+             {std::tuple(u"{}"_s, u"x"_s, QString()), std::tuple(u"{a}"_s, QString(), QString()),
+              std::tuple(u"abc"_s, u"x"_s, u"abc"_s), std::tuple(u"{Long Date}"_s, u"x"_s, u"{Long Date}"_s)}) {
+            m->txtMacro()->setFocus();
+            QCoreApplication::processEvents();
+            m->enter(macro, text);
+            m->txtMacro()->deselect();
+            QTest::keyClick(m->txtMacro(), Qt::Key_C, Qt::AltModifier);
+            QCoreApplication::processEvents();
+            QCOMPARE(m->txtMacro()->selectedText(), selected);
+        }
+    });
+    for (const QString &key : {u"NO_MACRO"_s, u"NO_MACRO"_s, u"ERR_MACRO_DELIMITER"_s, u"MACRO_EXISTS"_s}) {
+        prompts.expectBox(key, 64);
+    }
+    m->button(u"sbtAdd"_s)->click();
+}
+
+void TestMacroKeys::aDetailThatWasNotBegunSavesNothing()
+{
+    const ExpectedPrompts prompts;
+    m->showDetail();
+    m->enter(u"{a}"_s, u"1"_s);
+    m->detailButton(u"sbtSA"_s)->click();
+    m->detailButton(u"sbtSC"_s)->click();
+    QVERIFY(m->detail()->isVisible());
+    QCOMPARE(m->lines(), predefinedMacroLines());
 }
 
 QTEST_MAIN(TestMacroKeys)

@@ -34,6 +34,7 @@ private Q_SLOTS:
     void aDoubleClickOnAPredefinedRowDoesNothing();
     void eachHeaderClickReversesTheOrder();
     void aSortedListTakesANewRowInItsPlace();
+    void equalButForCaseHasAnOrderToo();
 
 private:
     std::unique_ptr<MacroFixture> m;
@@ -233,6 +234,19 @@ void TestMacroList::aSortedListTakesANewRowInItsPlace()
     });
     m->button(u"sbtAdd"_s)->click();
     QCOMPARE(m->column(0), (QStringList{u"{d}"_s, u"{c}"_s, u"{b}"_s}));
+}
+
+void TestMacroList::equalButForCaseHasAnOrderToo()
+{
+    for (const QByteArray &lines : {QByteArray("{a}\t1\tx\tU\r\n{A}\t2\tx\tU\r\n{b}\t3\tx\tU\r\n"),
+                                    QByteArray("{b}\t3\tx\tU\r\n{A}\t2\tx\tU\r\n{a}\t1\tx\tU\r\n")}) {
+        writeFile(m->file(), lines);
+        m->forms.unload(u"frmPubMacro"_s);
+        Q_EMIT m->list()->header()->sectionClicked(0);
+        QCOMPARE(m->column(0), (QStringList{u"{b}"_s, u"{a}"_s, u"{A}"_s}));
+        Q_EMIT m->list()->header()->sectionClicked(0);
+        QCOMPARE(m->column(0), (QStringList{u"{A}"_s, u"{a}"_s, u"{b}"_s}));
+    }
 }
 
 QTEST_MAIN(TestMacroList)

@@ -40,6 +40,10 @@ private Q_SLOTS:
     void deleteTakesEverySelectedRow();
     void aDeleteWithNothingSelectedStillAsks();
     void deletingTheLastEntryBringsThePlaceholderBack();
+    void theCurrentRowFollowsEachChange();
+    void aChangedEntryIsBroughtIntoView();
+    void anEditWithoutACurrentRowDoesNothing();
+    void aRangeIsDeletedToItsLastRow();
 };
 
 void TestPromptDialog::anEmptyFileShowsOnlyThePlaceholderRow()
@@ -278,6 +282,77 @@ void TestPromptDialog::changesReachTheListInMemoryWhenItIsReadAgain()
     QCOMPARE(m_memory->entries(), QStringList());
     m_memory->upsReadPrompts();
     QCOMPARE(m_memory->entries(), QStringList{u"a@x.org"_s});
+}
+
+void TestPromptDialog::theCurrentRowFollowsEachChange()
+{
+    prompts({u"a@x.org"_s, u"b@x.org"_s, u"c@x.org"_s, u"d@x.org"_s, u"e@x.org"_s});
+    const auto current = [this] { return list()->currentIndex().row(); };
+    QCOMPARE(current(), 0);
+    ExpectedPrompts asked;
+    asked.expectInput(u"INPUT_RECIP"_s, QString(), u"f@x.org"_s);
+    button(u"sbtAdd"_s)->click();
+    QCOMPARE(current(), 5);
+    list()->selectionModel()->setCurrentIndex(list()->model()->index(1, 0), QItemSelectionModel::NoUpdate);
+    asked.expectInput(u"INPUT_RECIP"_s, u"b@x.org"_s, u"g@x.org"_s);
+    button(u"sbtEdit"_s)->click();
+    QCOMPARE(current(), 5); // the row of the entry, which went to the end
+    QCOMPARE(selected(), QStringList());
+
+    selectRows({3, 1});
+    asked.expectBox(u"DEL_RECI_PROMPT"_s, 36, BoxAnswer::Yes);
+    button(u"sbtDel"_s)->click();
+    QCOMPARE(current(), 1); // where the first of the deleted ones was
+    QCOMPARE(rows(), (QStringList{u"a@x.org"_s, u"d@x.org"_s, u"f@x.org"_s, u"g@x.org"_s}));
+    selectRows({2, 3});
+    asked.expectBox(u"DEL_RECI_PROMPT"_s, 36, BoxAnswer::Yes);
+    button(u"sbtDel"_s)->click();
+    QCOMPARE(current(), 1); // the last one that is left
+    QCOMPARE(selected(), QStringList());
+}
+
+void TestPromptDialog::aChangedEntryIsBroughtIntoView()
+{
+    QStringList entries;
+    for (int i = 0; i < 200; ++i) {
+        entries.append(u"n%1@x.org"_s.arg(i));
+    }
+    prompts(entries);
+    show();
+    const auto isInView = [this](int row) {
+        return list()->viewport()->rect().intersects(list()->visualRect(list()->model()->index(row, 0)));
+    };
+    ExpectedPrompts asked;
+    asked.expectInput(u"INPUT_RECIP"_s, QString(), u"a@x.org"_s)
+        .expectInput(u"INPUT_RECIP"_s, u"n0@x.org"_s, u"b@x.org"_s);
+    button(u"sbtAdd"_s)->click();
+    QVERIFY(isInView(200) && !isInView(0));
+    list()->selectionModel()->setCurrentIndex(list()->model()->index(0, 0), QItemSelectionModel::NoUpdate);
+    list()->scrollToTop();
+    QVERIFY(isInView(0) && !isInView(200));
+    button(u"sbtEdit"_s)->click();
+    QVERIFY(isInView(200) && !isInView(0));
+}
+
+void TestPromptDialog::anEditWithoutACurrentRowDoesNothing()
+{
+    prompts({u"a@x.org"_s});
+    list()->selectionModel()->clearCurrentIndex();
+    const ExpectedPrompts asked;
+    button(u"sbtEdit"_s)->click();
+    QVERIFY(asked.log().isEmpty());
+}
+
+void TestPromptDialog::aRangeIsDeletedToItsLastRow()
+{
+    prompts({u"a@x.org"_s, u"b@x.org"_s, u"c@x.org"_s, u"d@x.org"_s});
+    const QAbstractItemModel *model = list()->model();
+    list()->selectionModel()->select(QItemSelection(model->index(1, 0), model->index(3, 0)),
+                                     QItemSelectionModel::Select);
+    ExpectedPrompts asked;
+    asked.expectBox(u"DEL_RECI_PROMPT"_s, 36, BoxAnswer::Yes);
+    button(u"sbtDel"_s)->click();
+    QCOMPARE(lines(), QStringList{u"a@x.org"_s});
 }
 
 QTEST_MAIN(TestPromptDialog)

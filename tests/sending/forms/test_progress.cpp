@@ -34,6 +34,9 @@ private Q_SLOTS:
     void anUnloadedDialogIsMadeAnewWithItsTexts();
     void hidingKeepsItsTexts();
     void theRestTextIsTheSameInEveryLanguage();
+    void textsAreDrawnAfterARest();
+    void aCancelWithoutAHearerDoesNoHarm();
+    void cancelStopsTheRunBeforeTheDialogGoes();
 
 private:
     frmPubProgress *dialog() { return m_forms->as<frmPubProgress>(u"frmPubProgress"_s); }
@@ -123,6 +126,7 @@ void TestProgress::aLongReportKeepsTheSize()
     QCoreApplication::processEvents();
     QCOMPARE(dialog()->size(), fitted);
     QCOMPARE(m_view->activity(), report);
+    QCOMPARE(label(u"lblProg"_s)->toolTip(), report); // what is cut off can be read there
     QCOMPARE(label(u"lblProg"_s)->textFormat(), Qt::PlainText);
 }
 
@@ -135,8 +139,19 @@ void TestProgress::theBarFollowsTheMails()
     QCOMPARE(bar->value(), 3);
     m_view->setProgress(41, 40);
     QCOMPARE(bar->value(), 40);
-    m_view->setProgress(0, 0);
-    QCOMPARE(bar->maximum(), 0);
+    QVERIFY(bar->isTextVisible());
+    m_view->setProgress(-1, 40);
+    QCOMPARE(bar->value(), 0);
+    for (const int total : {0, -1}) {
+        m_view->setProgress(1, 2);
+        m_view->setProgress(0, total);
+        QCOMPARE(bar->minimum(), 0);
+        QCOMPARE(bar->maximum(), 0);
+        QVERIFY(!bar->isTextVisible());
+    }
+    m_view->setProgress(1, 1);
+    QCOMPARE(bar->value(), 1);
+    QVERIFY(bar->isTextVisible());
 }
 
 void TestProgress::cancelSetsTheFlagAndUnloads()
@@ -219,6 +234,39 @@ void TestProgress::theRestTextIsTheSameInEveryLanguage()
     QCOMPARE(dialog()->windowTitle(), u"Fortschritt"_s);
     QCOMPARE(button(u"sbtCancel"_s)->text(), u"&Abbrechen"_s);
     QCOMPARE(m_view->counter(), u"Sending emails..."_s);
+}
+
+void TestProgress::textsAreDrawnAfterARest()
+{
+    m_view->makeVisible();
+    QLabel *prog = label(u"lblProg"_s);
+    QLabel *qty = label(u"lblQty"_s);
+    for (const bool first : {true, false}) {
+        QTRY_VERIFY(prog->updatesEnabled() && qty->updatesEnabled());
+        first ? m_view->setActivity(u"one"_s) : m_view->setCounter(u"one"_s);
+        QVERIFY(!prog->updatesEnabled() && !qty->updatesEnabled());
+        m_view->setActivity(u"two"_s);
+        m_view->setCounter(u"two"_s);
+        QVERIFY(!prog->updatesEnabled() && !qty->updatesEnabled());
+        QCOMPARE(m_view->activity(), u"two"_s); // who asks hears the text at once
+        QCOMPARE(m_view->counter(), u"two"_s);
+    }
+    QTRY_VERIFY(prog->updatesEnabled() && qty->updatesEnabled());
+}
+
+void TestProgress::aCancelWithoutAHearerDoesNoHarm()
+{
+    frmPubProgress alone({});
+    alone.findChild<QPushButton *>(u"sbtCancel"_s)->click();
+    QCOMPARE(alone.counter(), u"Sending emails..."_s);
+}
+
+void TestProgress::cancelStopsTheRunBeforeTheDialogGoes()
+{
+    QStringList order;
+    frmPubProgress form({[&] { order.append(u"stop"_s); }, [&] { order.append(u"unload"_s); }});
+    form.findChild<QPushButton *>(u"sbtCancel"_s)->click();
+    QCOMPARE(order, (QStringList{u"stop"_s, u"unload"_s}));
 }
 
 QTEST_MAIN(TestProgress)
