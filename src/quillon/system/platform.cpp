@@ -2,7 +2,6 @@
 
 #include "quillon/fault.h"
 
-
 #include <utility>
 
 using namespace Qt::StringLiterals;

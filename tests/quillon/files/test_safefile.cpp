@@ -141,7 +141,7 @@ void TestSafeFile::killedWhileWritingLeavesEveryFileOldOrNew()
     for (int round = 0; round < 200; ++round) {
         QProcess writer;
         writer.start(QStringLiteral(WRITE_FOREVER), {data});
-        QVERIFY(writer.waitForReadyRead()); // it has written everything once, and goes on
+        QVERIFY(writer.waitForReadyRead());                             // it has written everything once, and goes on
         ::usleep(static_cast<useconds_t>(random.bounded(1000, 12000))); // the random moment, not a wait for anything
         writer.kill();
         QVERIFY(writer.waitForFinished());

@@ -95,15 +95,18 @@ void TestDialogsBesideRun::init()
     m_run = std::make_unique<SendRun>(
         SendRun::Rooms{m_bench->tree.globals, m_bench->window, m_bench->window, *m_progress, m_bench->prompts});
     m_forms->add(u"frmPubProgress"_s, [this] {
-        return new frmPubProgress({[this] { m_run->requestStop(); }, [this] { m_forms->unload(u"frmPubProgress"_s); }});
+        return new frmPubProgress(
+            {[this] { m_run->requestStop(); }, [this] { m_forms->unload(u"frmPubProgress"_s); }, [] {}});
     });
     m_forms->add(u"frmPubOptions"_s, [this] {
-        return new frmPubOptions(m_bench->tree.globals, m_bench->window, *m_forms, OptionsHooks());
+        return new frmPubOptions(
+            m_bench->tree.globals, m_bench->window, *m_forms,
+            OptionsHooks{[] {}, [] { return QString(); }, [] { return QList<QAction *>(); }, [] {}});
     });
-    m_forms->add(u"frmPubMacro"_s, [this] { return new frmPubMacro(m_bench->tree.globals, *m_forms, {}); });
-    m_forms->add(u"frmPubMacroDetail"_s, [] { return new frmPubMacroDetail; });
+    m_forms->add(u"frmPubMacro"_s, [this] { return new frmPubMacro(m_bench->tree.globals, *m_forms, {[] {}, [] {}}); });
+    m_forms->add(u"frmPubMacroDetail"_s, [] { return new frmPubMacroDetail([] {}); });
     m_forms->add(u"frmPubPrompt"_s,
-                 [this] { return new frmPubPrompt(m_bench->tree.globals, m_bench->prompts.entries()); });
+                 [this] { return new frmPubPrompt(m_bench->tree.globals, m_bench->prompts.entries(), [] {}); });
 }
 
 void TestDialogsBesideRun::cleanup()
