@@ -316,9 +316,11 @@ void TestMainLayout::aFieldThatGetsTheFocusIsBroughtBack()
 {
     MainFixture main;
     main.item(u"menve"_s)->trigger();
-    main.view().setFocus(Field::PlainContent);
-    QVERIFY(!main.recipients(1)->isVisibleTo(main.window.get()));
-    QCOMPARE(main.item(u"menve"_s)->text(), u"&Restore"_s);
+    for (const Field content : {Field::PlainContent, Field::RichContent, Field::Source}) {
+        main.view().setFocus(content);
+        QVERIFY(!main.recipients(1)->isVisibleTo(main.window.get()));
+        QCOMPARE(main.item(u"menve"_s)->text(), u"&Restore"_s);
+    }
     main.view().setFocus(Field::CC);
     QVERIFY(main.recipients(1)->isVisibleTo(main.window.get()));
     QCOMPARE(main.item(u"menve"_s)->text(), u"&Expand"_s);

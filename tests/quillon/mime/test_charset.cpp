@@ -18,6 +18,7 @@ private Q_SLOTS:
     void entriesWithAnUnderscoreOrWithoutANameAreNotOffered();
     void defaultEncodingHasItsDisplayName();
     void entriesAreInTheOrderOfTheirNames();
+    void theWholeListStandsAsPeopleHaveItInTheirTemplates();
     void underscoreEntriesAreThereToBeSkipped();
     void textThatFitsComesBack();
     void textThatDoesNotFitIsRefused();
@@ -48,6 +49,51 @@ void TestCharset::everyOfferedCharsetIsKnownAndBuildsMail()
         const QByteArray mail = mailOctets(encoder.encode(message, QDateTime::currentDateTime()));
         QCOMPARE(headerOf(mail, "Content-Type"), "text/plain; charset=" + code);
     }
+}
+
+void TestCharset::theWholeListStandsAsPeopleHaveItInTheirTemplates()
+{
+    // Written out, since a code beside another name would send every mail of that choice in another charset.
+    const QStringList expected{
+        u"_autodetect | Auto-Select"_s,
+        u"_user | User Defined"_s,
+        u"iso-8859-6 | Arabic (ISO)"_s,
+        u"windows-1256 | Arabic (Windows)"_s,
+        u"iso-8859-4 | Baltic (ISO)"_s,
+        u"iso-8859-13 | Baltic (ISO-8859-13)"_s,
+        u"windows-1257 | Baltic (Windows)"_s,
+        u"iso-8859-14 | Celtic (ISO)"_s,
+        u"iso-8859-2 | Central European (ISO)"_s,
+        u"windows-1250 | Central European (Windows)"_s,
+        u"gb18030 | Chinese Simplified (GB18030)"_s,
+        u"gb2312 | Chinese Simplified (GB2312)"_s,
+        u"big5 | Chinese Traditional (Big5)"_s,
+        u"iso-8859-5 | Cyrillic (ISO)"_s,
+        u"koi8-r | Cyrillic (KOI8-R)"_s,
+        u"koi8-u | Cyrillic (KOI8-U)"_s,
+        u"windows-1251 | Cyrillic (Windows)"_s,
+        u"iso-8859-7 | Greek (ISO)"_s,
+        u"windows-1253 | Greek (Windows)"_s,
+        u"iso-8859-8 | Hebrew (ISO)"_s,
+        u"windows-1255 | Hebrew (Windows)"_s,
+        u"euc-jp | Japanese (EUC)"_s,
+        u"iso-2022-jp | Japanese (JIS)"_s,
+        u"shift_jis | Japanese (Shift-JIS)"_s,
+        u"euc-kr | Korean"_s,
+        u"iso-8859-10 | Nordic (ISO)"_s,
+        u"iso-8859-3 | South European (ISO)"_s,
+        u"iso-8859-16 | South-Eastern European (ISO)"_s,
+        u"tis-620 | Thai"_s,
+        u"iso-8859-9 | Turkish (ISO)"_s,
+        u"windows-1254 | Turkish (Windows)"_s,
+        u"utf-8 | Unicode (UTF-8)"_s,
+        u"us-ascii | US-ASCII"_s,
+        u"windows-1258 | Vietnamese (Windows)"_s,
+        u"iso-8859-1 | Western European (ISO)"_s,
+        u"iso-8859-15 | Western European (ISO-8859-15)"_s,
+        u"windows-1252 | Western European (Windows)"_s,
+    };
+    QCOMPARE(encodingList().split(u" || "_s), expected);
 }
 
 void TestCharset::entriesReadCodeBarDisplayName()
@@ -124,6 +170,7 @@ void TestCharset::textThatDoesNotFitIsRefused_data()
     QTest::newRow("sign that readers of UHC do not know") << u"\u327E"_s << QByteArray("euc-kr");
     QTest::newRow("macron that readers in Hong Kong read otherwise") << u"\u00AF"_s << QByteArray("big5");
     QTest::newRow("composed Vietnamese by another name") << u"\u1EBF"_s << QByteArray("cp1258");
+    QTest::newRow("composed Hebrew") << u"\uFB2B"_s << QByteArray("windows-1255");
     QTest::newRow("composed Vietnamese") << u"\u1EBF"_s << QByteArray("windows-1258");
     QTest::newRow("vendor's addition to Big5") << u"\u2551"_s << QByteArray("big5");
     QTest::newRow("sign that JIS tables map to two") << u"\u2212"_s << QByteArray("iso-2022-jp");

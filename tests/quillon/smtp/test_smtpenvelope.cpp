@@ -49,6 +49,8 @@ void TestSmtpEnvelope::anAddressGoesInOneForm_data()
     QTest::newRow("local name only") << u"root"_s << QByteArray("root");
     QTest::newRow("case is kept") << u"A.b@C.d"_s << QByteArray("A.b@C.d");
     QTest::newRow("the last @ counts") << u"\"a@b\"@c.d"_s << QByteArray("\"a@b\"@c.d");
+    QTest::newRow("the last @ counts for the domain")
+        << u"\"a@b\"@ü.example"_s << QByteArray("\"a@b\"@xn--tda.example");
     QTest::newRow("blank in quotes") << u"\"a b\"@c.d"_s << QByteArray("\"a b\"@c.d");
     QTest::newRow("brackets in quotes") << u"\"<>\"@c.d"_s << QByteArray("\"<>\"@c.d");
     QTest::newRow("quote escaped in quotes") << uR"("a\"b"@c.d)"_s << QByteArray(R"("a\"b"@c.d)");
