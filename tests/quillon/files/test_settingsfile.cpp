@@ -72,13 +72,8 @@ private Q_SLOTS:
     void mixedEncodingsAreReadLineByLine();
     void commentsAndForeignLinesAreKept();
     void brokenLinesAreKeptAndDoNotHideKeys();
-    void fileThatCannotBeReadIsNeverRewritten();
-    void pipeNeitherHangsNorIsWritten();
     void bytesAreReadAndGivenAsAFileWouldBe();
     void bytesHaveNoFileToBeSavedTo();
-    void newFileIsForItsOwnerOnly();
-    void fileIsFoundAndRenamedInAnotherCase();
-    void linkKeepsPointingToItsTarget();
     void blanksAroundNamesDoNotCountThoseOfAValueDo();
     void keysOfOneSectionAreFoundWhereverItStands();
     void aNewKeyStandsBehindTheLastOfItsSection_data();
@@ -87,7 +82,6 @@ private Q_SLOTS:
     void whatWasSetIsReadBeforeItIsSaved();
     void escapesAreReadToTheLastOne_data();
     void escapesAreReadToTheLastOne();
-    void whatCouldNotBeReadIsNotWrittenEvenWhenThatWouldWork();
 
 private:
     [[nodiscard]] QString path(const QString &name = u"options.dll"_s) const { return m_folder->filePath(name); }
@@ -216,25 +210,6 @@ void TestSettingsFile::brokenLinesAreKeptAndDoNotHideKeys()
     QCOMPARE(read(path()), broken);
 }
 
-void TestSettingsFile::fileThatCannotBeReadIsNeverRewritten()
-{
-    QVERIFY(QDir().mkpath(path(u"folder.dll"_s)));
-    const int before = quillon::faultCount();
-    m_system.WriteSetting(path(u"folder.dll"_s), u"A"_s, u"k"_s, u"v"_s);
-    QVERIFY(quillon::faultCount() > before);
-    QVERIFY(QFileInfo(path(u"folder.dll"_s)).isDir());
-}
-
-void TestSettingsFile::pipeNeitherHangsNorIsWritten()
-{
-    QCOMPARE(::mkfifo(QFile::encodeName(path()).constData(), 0600), 0);
-    QCOMPARE(m_system.ReadSetting(path(), u"A"_s, u"k"_s), QString());
-    m_system.WriteSetting(path(), u"A"_s, u"k"_s, u"v"_s);
-    struct stat status {};
-    QCOMPARE(::stat(QFile::encodeName(path()).constData(), &status), 0);
-    QVERIFY(S_ISFIFO(status.st_mode));
-}
-
 void TestSettingsFile::bytesAreReadAndGivenAsAFileWouldBe()
 {
     for (const QByteArray &bytes : {QByteArray(), QByteArray("; of mine\n[A]\n\nk=J\xFCrgen\nnot a key"),
@@ -259,32 +234,6 @@ void TestSettingsFile::bytesHaveNoFileToBeSavedTo()
     QVERIFY(!file.readable());
     QVERIFY(!file.save());
     QCOMPARE(quillon::faultCount(), before + 1);
-}
-
-void TestSettingsFile::newFileIsForItsOwnerOnly()
-{
-    m_system.WriteSetting(path(), u"A"_s, u"k"_s, u"v"_s);
-    struct stat status {};
-    QCOMPARE(::stat(QFile::encodeName(path()).constData(), &status), 0);
-    QCOMPARE(static_cast<int>(status.st_mode & 0777), 0600);
-}
-
-void TestSettingsFile::fileIsFoundAndRenamedInAnotherCase()
-{
-    write(path(u"HEAD_Letter.dll"_s), "[Head]\r\nTo=a@b.c\r\n");
-    QCOMPARE(m_system.ReadSetting(path(u"head_letter.dll"_s), u"Head"_s, u"To"_s), u"a@b.c"_s);
-    m_system.WriteSetting(path(u"head_letter.dll"_s), u"Head"_s, u"CC"_s, u"d@e.f"_s);
-    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files), QStringList{u"head_letter.dll"_s});
-    QCOMPARE(read(path(u"head_letter.dll"_s)), QByteArray("[Head]\r\nTo=a@b.c\r\nCC=d@e.f\r\n"));
-}
-
-void TestSettingsFile::linkKeepsPointingToItsTarget()
-{
-    write(path(u"real.dll"_s), "[A]\r\nk=1\r\n");
-    QVERIFY(QFile::link(path(u"real.dll"_s), path()));
-    m_system.WriteSetting(path(), u"A"_s, u"k"_s, u"2"_s);
-    QVERIFY(QFileInfo(path()).isSymLink());
-    QCOMPARE(read(path(u"real.dll"_s)), QByteArray("[A]\r\nk=2\r\n"));
 }
 
 void TestSettingsFile::blanksAroundNamesDoNotCountThoseOfAValueDo()
@@ -397,20 +346,6 @@ void TestSettingsFile::escapesAreReadToTheLastOne()
     QFETCH(QString, stored);
     write(path(), "[A]\r\nk=" + stored.toUtf8() + "\r\n");
     QTEST(m_system.ReadSetting(path(), u"A"_s, u"k"_s), "value");
-}
-
-void TestSettingsFile::whatCouldNotBeReadIsNotWrittenEvenWhenThatWouldWork()
-{
-    QVERIFY(QDir().mkpath(path()));
-    SettingsFile file(path());
-    QVERIFY(!file.readable());
-    QVERIFY(QDir().rmdir(path()));
-    write(path(), "[A]\r\nk=1\r\n");
-    file.setValue(u"A"_s, u"l"_s, u"2"_s);
-    const int before = quillon::faultCount();
-    QVERIFY(!file.save());
-    QCOMPARE(quillon::faultCount(), before + 1);
-    QCOMPARE(read(path()), QByteArray("[A]\r\nk=1\r\n"));
 }
 
 QTEST_GUILESS_MAIN(TestSettingsFile)
