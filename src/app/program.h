@@ -4,6 +4,7 @@
 #include "core/globals.h"
 #include "quillon/forms/formregistry.h"
 #include "quillon/forms/qtprompts.h"
+#include "quillon/forms/readablepalette.h"
 #include "recipients/inputprompts.h"
 #include "records/forms/frmpuboptions.h"
 #include "sending/forms/formprogressview.h"
@@ -64,6 +65,7 @@ private:
     ProgramServices m_services;
     quillon::FormRegistry m_forms;
     quillon::QtPrompts m_asker;
+    quillon::ReadablePalette m_palette;
     quillon::HarmlessPrompts m_silence; ///< in force once the program ends
     quillon::Prompts *m_before;         ///< in force again when this object is gone
     InputPrompts m_recipients;

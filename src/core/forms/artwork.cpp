@@ -18,6 +18,8 @@ namespace corvane {
 
 namespace {
 
+constexpr float disabledShare = 0.35F;
+
 /// Paints a drawing in the palette's text colour at the moment of painting, so that a change of theme shows at once.
 class TintedEngine : public QIconEngine {
 public:
@@ -37,11 +39,14 @@ public:
         if (picture.isNull()) {
             return picture;
         }
-        const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
         const auto role = mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::ButtonText;
+        QColor color = QGuiApplication::palette().color(QPalette::Active, role);
+        if (mode == QIcon::Disabled) {
+            color.setAlphaF(disabledShare); // fainter than a disabled text, which is to be read
+        }
         QPainter painter(&picture);
         painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-        painter.fillRect(picture.rect(), QGuiApplication::palette().color(group, role));
+        painter.fillRect(picture.rect(), color);
         return picture;
     }
 
