@@ -24,11 +24,15 @@ const Command *CommandTable::command(const QString &item) const
     return found == m_commands.end() ? nullptr : &*found;
 }
 
-void CommandTable::setRichCommandsEnabled(bool enabled)
+void CommandTable::setEnabled(Command::Where where, bool enabled)
 {
-    m_rich = enabled;
+    if (enabled) {
+        m_places.insert(where);
+    } else {
+        m_places.remove(where);
+    }
     for (const Command &command : m_commands) {
-        if (command.where == Command::RichOnly) {
+        if (command.where == where) {
             enable(command);
         }
     }
@@ -63,7 +67,7 @@ void CommandTable::bind(const Command &command)
 
 void CommandTable::enable(const Command &command)
 {
-    const bool enabled = command.run && (command.where == Command::Anywhere || m_rich);
+    const bool enabled = command.run && m_places.contains(command.where);
     for (const QString &name : QStringList{command.item, command.tool}) {
         if (QAction *reaching = action(name)) {
             reaching->setEnabled(enabled);

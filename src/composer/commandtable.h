@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -16,7 +17,8 @@ namespace corvane {
 struct Command {
     enum Where {
         Anywhere,
-        RichOnly, ///< only while the rich editor's design view is shown
+        RichOnly,     ///< only while the rich editor's design view is shown
+        OnAttachment, ///< only while a row of the attachments is marked
     };
 
     QString item;              ///< menu item, or empty
@@ -38,8 +40,8 @@ public:
     [[nodiscard]] const std::vector<Command> &commands() const { return m_commands; }
     /// The command of that menu item, or nullptr.
     [[nodiscard]] const Command *command(const QString &item) const;
-    /// Enables or disables the commands that need the rich editor.
-    void setRichCommandsEnabled(bool enabled);
+    /// Enables or disables the commands that are for @p where only.
+    void setEnabled(Command::Where where, bool enabled);
 
 private:
     [[nodiscard]] QAction *action(const QString &name) const;
@@ -48,7 +50,7 @@ private:
 
     QMainWindow *m_form;
     std::vector<Command> m_commands;
-    bool m_rich = false;
+    QSet<int> m_places{Command::Anywhere}; ///< whose commands can be run now
 };
 
 } // namespace corvane

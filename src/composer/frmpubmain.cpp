@@ -1,6 +1,5 @@
 #include "composer/frmpubmain.h"
 
-#include "composer/accessiblenames.h"
 #include "composer/accountfields.h"
 #include "composer/attachmentlist.h"
 #include "composer/commandtable.h"
@@ -15,6 +14,7 @@
 #include "composer/mainicons.h"
 #include "composer/menuitemarray.h"
 #include "composer/popups.h"
+#include "composer/recipientcounts.h"
 #include "composer/richeditor.h"
 #include "composer/signatureinsertion.h"
 #include "composer/statushints.h"
@@ -120,9 +120,6 @@ void frmPubMain::prepareContent()
             combo->setCompleter(nullptr); // what stands in a field is what was typed or picked
         }
     }
-    findChild<QWidget *>(u"sst"_s)->setAccessibleName(quillon::say(viewsName));
-    findChild<QWidget *>(u"dhe"_s)->setAccessibleName(QString::fromUtf16(contentName));
-    findChild<QWidget *>(u"web"_s)->setAccessibleName(quillon::say(previewName));
     auto *priorities = new QActionGroup(this);
     for (const int item : {0, 1, 2}) {
         priorities->addAction(findChild<QAction *>(u"menosh(%1)"_s.arg(item)));
@@ -141,7 +138,7 @@ void frmPubMain::makeConcerns()
     m_views = new ContentViews({c.opt[8], c.opt[9], c.menor, c.menop, c.sst, c.formattingBar, c.utbContent},
                                [this](bool rich) {
                                    if (m_commands) {
-                                       m_commands->setRichCommandsEnabled(rich);
+                                       m_commands->setEnabled(Command::RichOnly, rich);
                                    }
                                });
     m_popUps = new PopUps(this, {c.colorPopUp, c.lstFilter});
@@ -154,8 +151,13 @@ void frmPubMain::makeConcerns()
                                           *m_message, *m_view, *m_edit, m_hooks.findSignature);
     m_placement = new WindowPlacement(this, m_globals);
     new GrowingBoxes(c.txt, c.attachments, c.header, centralWidget());
+    m_counts =
+        new RecipientCounts({c.txt, findChild<QLabel *>(u"lblSeen"_s), findChild<QWidget *>(u"sbtSeen"_s), c.menfb});
     m_commands = new CommandTable(
         this, mainCommands({m_hooks, m_globals, *m_message, *m_view, *m_edit, *m_layout, *m_views, *m_attachments}));
+    connect(c.attachments, &QListWidget::itemSelectionChanged, m_commands, [this] {
+        m_commands->setEnabled(Command::OnAttachment, !m_controls->attachments->selectedItems().isEmpty());
+    });
     new StatusHints(this, {statusBar(), c.panel[1], c.panel[2]},
                     {[this] { return m_hooks.sending(); }, [this](int panel) { clickPanel(panel); }});
 }
@@ -209,8 +211,8 @@ void frmPubMain::load()
 void frmPubMain::applyTexts()
 {
     quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
+    m_counts->adoptTips();
     quillon::QuillonFormTexts().ApplyMenuTexts(this, languageFolder() + u"/menus.dll"_s);
-    setAccessibleNames(this);
 }
 
 void frmPubMain::fillNewMessage()

@@ -23,6 +23,7 @@ class ContentViews;
 class EditCommands;
 class EncodingChoice;
 class PopUps;
+class RecipientCounts;
 class SignatureInsertion;
 class WindowPlacement;
 
@@ -93,6 +94,7 @@ private:
     SignatureInsertion *m_signatures = nullptr;
     std::unique_ptr<MainWindowMessage> m_message;
     std::unique_ptr<MainWindowView> m_view;
+    RecipientCounts *m_counts = nullptr;
     CommandTable *m_commands = nullptr;
     bool m_toldMinimised = false; ///< the hook knows already that the window is being minimised
 };

@@ -48,8 +48,7 @@ void GrowingBoxes::add(QAbstractScrollArea *box, int large)
     if (QLayout *layout = layoutOf(m_header->layout(), box)) {
         delete layout->replaceWidget(box, place, Qt::FindDirectChildrenOnly);
     }
-    box->setParent(m_ground);
-    box->setVisible(!m_header->isHidden());
+    place->stackUnder(box);
     box->installEventFilter(this);
     box->viewport()->installEventFilter(this);
     place->installEventFilter(this);
@@ -89,9 +88,32 @@ void GrowingBoxes::setHeight(Box &box, int twips)
     box.twips = twips;
     box.box->setVerticalScrollBarPolicy(twips == OneRow ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
     if (twips != OneRow) {
+        moveTo(box, m_ground);
         box.box->raise();
+    } else if (box.box->parentWidget() != m_header) {
+        moveTo(box, m_header);
+        // Back beside its place, where assistive tools read it after its label.
+        box.box->stackUnder(box.place);
+        box.place->stackUnder(box.box);
     }
     arrange(box);
+}
+
+void GrowingBoxes::moveTo(const Box &box, QWidget *parent) const
+{
+    if (box.box->parentWidget() == parent) {
+        return;
+    }
+    // A widget is hidden on its way, which would hand the focus to another one.
+    const bool focused = box.box->hasFocus();
+    if (focused) {
+        box.box->clearFocus();
+    }
+    box.box->setParent(parent);
+    box.box->setVisible(parent == m_header || !m_header->isHidden());
+    if (focused) {
+        box.box->setFocus();
+    }
 }
 
 void GrowingBoxes::measure()
@@ -111,8 +133,8 @@ void GrowingBoxes::measure()
 
 void GrowingBoxes::arrange(const Box &box) const
 {
-    box.box->setGeometry(
-        QRect(box.place->mapTo(m_ground, QPoint(0, 0)), QSize(box.place->width(), m_row * box.twips / OneRow)));
+    box.box->setGeometry(QRect(box.place->mapTo(box.box->parentWidget(), QPoint(0, 0)),
+                               QSize(box.place->width(), m_row * box.twips / OneRow)));
 }
 
 bool GrowingBoxes::eventFilter(QObject *watched, QEvent *event)
@@ -138,7 +160,9 @@ bool GrowingBoxes::eventFilter(QObject *watched, QEvent *event)
     case QEvent::ShowToParent:
         if (watched == m_header) {
             for (const Box &box : m_boxes) {
-                box.box->setVisible(!m_header->isHidden());
+                if (box.box->parentWidget() != m_header) {
+                    box.box->setVisible(!m_header->isHidden());
+                }
             }
         }
         break;

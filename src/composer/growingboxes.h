@@ -43,6 +43,8 @@ private:
 
     void add(QAbstractScrollArea *box, int large);
     void setHeight(Box &box, int twips);
+    /// A box of one row is the header's, where its label is; a higher one lies on the ground, over all else.
+    void moveTo(const Box &box, QWidget *parent) const;
     void measure();
     void arrange(const Box &box) const;
     [[nodiscard]] Box *find(const QWidget *box);

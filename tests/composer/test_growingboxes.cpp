@@ -6,6 +6,7 @@
 #include <QPlainTextEdit>
 #include <QTest>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -77,6 +78,8 @@ private Q_SLOTS:
     void onlyALargeBoxScrollsAndLiesOnTop();
     void theLayoutKeepsItsRows();
     void boxesFollowTheirPlaces();
+    void aBoxKeepsFocusAndCursorWhileItGrowsAndShrinks();
+    void boxesStandBesideTheirPlacesAgain();
     void boxesComeAndGoWithTheHeader();
     void aRowFollowsTheFont();
 };
@@ -128,6 +131,7 @@ void TestGrowingBoxes::onlyALargeBoxScrollsAndLiesOnTop()
         sample.growing->toggle(area);
         QCOMPARE(area->verticalScrollBarPolicy(), Qt::ScrollBarAsNeeded);
         QCOMPARE(sample.ground.childAt(area->geometry().center()), area->viewport());
+        QVERIFY(area->isVisible());
         sample.growing->toggle(area);
         QCOMPARE(area->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
     }
@@ -145,11 +149,14 @@ void TestGrowingBoxes::theLayoutKeepsItsRows()
     const int rowHeight = sample.row();
     QVERIFY(rowHeight >= 20);
     for (QAbstractScrollArea *area : sample.areas()) {
-        QCOMPARE(area->parentWidget(), &sample.ground);
+        QCOMPARE(area->parentWidget(), sample.header);
         sample.growing->toggle(area);
         QCoreApplication::processEvents();
+        QCOMPARE(area->parentWidget(), &sample.ground);
         QCOMPARE(sample.header->height(), header);
         QCOMPARE(sample.row(), rowHeight);
+        sample.growing->toggle(area);
+        QCOMPARE(area->parentWidget(), sample.header);
     }
 }
 
@@ -172,13 +179,54 @@ void TestGrowingBoxes::boxesFollowTheirPlaces()
     sample.ground.layout()->setEnabled(false);
     sample.header->move(sample.header->pos() + QPoint(7, 30));
     for (int i = 0; i < 4; ++i) {
-        QCOMPARE(sample.areas().at(i)->pos(), before.at(i) + QPoint(7, 30));
+        // A box in the header moves along with it.
+        const bool grown = sample.areas().at(i)->parentWidget() == &sample.ground;
+        QCOMPARE(grown, i == 1);
+        QCOMPARE(sample.areas().at(i)->pos(), before.at(i) + (grown ? QPoint(7, 30) : QPoint(0, 0)));
     }
+}
+
+void TestGrowingBoxes::aBoxKeepsFocusAndCursorWhileItGrowsAndShrinks()
+{
+    Sample sample;
+    sample.ground.activateWindow();
+    sample.boxes[1]->setPlainText(u"ann@example.com"_s);
+    sample.boxes[1]->setFocus();
+    QTRY_VERIFY(sample.boxes[1]->hasFocus());
+    sample.boxes[1]->moveCursor(QTextCursor::End);
+    for (int i = 0; i < 3; ++i) {
+        sample.growing->toggle(sample.boxes[1]);
+        QVERIFY(sample.boxes[1]->hasFocus());
+        QCOMPARE(sample.boxes[1]->textCursor().position(), 15);
+    }
+    sample.growing->toggle(sample.boxes[0]); // the focus stays where it is
+    QVERIFY(sample.boxes[1]->hasFocus());
+}
+
+void TestGrowingBoxes::boxesStandBesideTheirPlacesAgain()
+{
+    const Sample sample;
+    const auto order = [&sample] {
+        QList<qsizetype> found;
+        for (QAbstractScrollArea *area : sample.areas()) {
+            found.append(sample.header->children().indexOf(area));
+        }
+        return found;
+    };
+    const QList<qsizetype> before = order();
+    QVERIFY(std::is_sorted(before.begin(), before.end()));
+    for (const int box : {0, 3, 1, 1, 2, 3, 0, 0}) {
+        sample.growing->toggle(sample.areas().at(box));
+    }
+    const QList<qsizetype> after = order();
+    QCOMPARE(after.count(-1), 0);
+    QVERIFY(std::is_sorted(after.begin(), after.end()));
 }
 
 void TestGrowingBoxes::boxesComeAndGoWithTheHeader()
 {
     const Sample sample;
+    sample.growing->toggle(sample.boxes[1]);
     sample.header->hide();
     for (const QAbstractScrollArea *area : sample.areas()) {
         QVERIFY(!area->isVisible());

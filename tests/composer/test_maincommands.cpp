@@ -35,6 +35,7 @@ class TestMainCommands : public QObject {
 private Q_SLOTS:
     void theseMenuItemsCanBeChosenAndNoOthers();
     void theseButtonsCanBePressedAndNoOthers();
+    void removeAndOpenNeedAMarkedAttachment();
     void aHookThatIsNotSetIsAFaultByItsName();
     void theItemsOfDialogsOpenThem();
     void everyMenuItemIsACommandOrAnArraysBase();
@@ -57,11 +58,11 @@ void TestMainCommands::theseMenuItemsCanBeChosenAndNoOthers()
     const MainFixture main;
     QStringList enabled = enabledItems(main);
     enabled.sort();
-    QCOMPARE(enabled, (QStringList{u"menea"_s, u"menec"_s,     u"mened"_s,     u"menef"_s,     u"menel"_s,  u"menep"_s,
-                                   u"mener"_s, u"menet"_s,     u"meneu"_s,     u"menfb"_s,     u"menfs"_s,  u"menfu"_s,
-                                   u"menfx"_s, u"meniaa"_s,    u"meniac"_s,    u"meniaf"_s,    u"meniao"_s, u"meniar"_s,
-                                   u"menop"_s, u"menosh(0)"_s, u"menosh(1)"_s, u"menosh(2)"_s, u"menti"_s,  u"mentl"_s,
-                                   u"mentm"_s, u"mento"_s,     u"mentr"_s,     u"mentv"_s,     u"menve"_s}));
+    QCOMPARE(enabled, (QStringList{u"menea"_s,     u"menec"_s,     u"mened"_s,  u"menef"_s,  u"menel"_s, u"menep"_s,
+                                   u"mener"_s,     u"menet"_s,     u"meneu"_s,  u"menfb"_s,  u"menfs"_s, u"menfu"_s,
+                                   u"menfx"_s,     u"meniaa"_s,    u"meniac"_s, u"meniaf"_s, u"menop"_s, u"menosh(0)"_s,
+                                   u"menosh(1)"_s, u"menosh(2)"_s, u"menti"_s,  u"mentl"_s,  u"mentm"_s, u"mento"_s,
+                                   u"mentr"_s,     u"mentv"_s,     u"menve"_s}));
     for (const QString &name : {u"opt(8)"_s, u"cbb(4)"_s, u"cbb(5)"_s, u"menob"_s}) {
         // Not isEnabled(): a control in a hidden, enabled frame counts too.
         QVERIFY2(!main.get(name)->isEnabledTo(main.get(name)->parentWidget()), qPrintable(name));
@@ -78,8 +79,40 @@ void TestMainCommands::theseButtonsCanBePressedAndNoOthers()
         }
     }
     enabled.sort();
-    QCOMPARE(enabled, (QStringList{u"sbt(13)"_s, u"sbt(2)"_s, u"sbt(21)"_s, u"sbt(3)"_s, u"sbt(4)"_s, u"sbt(5)"_s,
-                                   u"sbtMain(0)"_s, u"sbtMain(1)"_s, u"sbtMain(2)"_s}));
+    QCOMPARE(enabled, (QStringList{u"sbt(13)"_s, u"sbt(2)"_s, u"sbt(21)"_s, u"sbt(4)"_s, u"sbtMain(0)"_s,
+                                   u"sbtMain(1)"_s, u"sbtMain(2)"_s, u"sbtSeen"_s}));
+}
+
+void TestMainCommands::removeAndOpenNeedAMarkedAttachment()
+{
+    MainFixture main;
+    auto *list = main.get<QListWidget>(u"lsv(0)"_s);
+    const QList<QAction *> items{main.item(u"meniao"_s), main.item(u"meniar"_s)};
+    const QList<QAbstractButton *> buttons{main.button(u"sbt(5)"_s), main.button(u"sbt(3)"_s)};
+    const auto enabled = [&] {
+        QList<bool> all;
+        for (const QAction *item : items) {
+            all.append(item->isEnabled());
+        }
+        for (const QAbstractButton *button : buttons) {
+            all.append(button->isEnabled());
+        }
+        return all;
+    };
+    const QList<bool> none(4, false);
+    const QList<bool> each(4, true);
+    QCOMPARE(enabled(), none);
+    const QString path = main.tree.path(u"a.txt"_s);
+    writeFile(path, "a");
+    main.prompts.expectFiles({path});
+    main.item(u"meniaa"_s)->trigger();
+    QCOMPARE(list->count(), 1);
+    QCOMPARE(enabled(), none); // there is a row, but it is not marked
+    list->item(0)->setSelected(true);
+    QCOMPARE(enabled(), each);
+    main.item(u"meniar"_s)->trigger();
+    QCOMPARE(list->count(), 0);
+    QCOMPARE(enabled(), none);
 }
 
 void TestMainCommands::aHookThatIsNotSetIsAFaultByItsName()
@@ -136,7 +169,7 @@ void TestMainCommands::everyButtonOfTheWindowIsACommand()
             QVERIFY2(inTable.count(button->objectName()) == 1, qPrintable(button->objectName()));
         }
     }
-    QCOMPARE(buttons, 28); // sbt(0) to sbt(24) and sbtMain(0) to sbtMain(2)
+    QCOMPARE(buttons, 29); // sbt(0) to sbt(24), sbtMain(0) to sbtMain(2), sbtSeen
 }
 
 void TestMainCommands::buttonsRunTheirMenuItems_data()
@@ -189,7 +222,7 @@ void TestMainCommands::theThreeButtonsOfTheHeaderOpenTheOptions()
             shown.append(form + u' ' + QString::number(tab));
         };
     });
-    for (const QString &name : {u"sbtMain(0)"_s, u"sbtMain(1)"_s, u"sbtMain(2)"_s}) {
+    for (const QString &name : {u"sbtMain(0)"_s, u"sbtMain(1)"_s, u"sbtMain(2)"_s, u"sbtSeen"_s}) {
         main.button(name)->click();
     }
     QCOMPARE(shown, (QStringList{u"frmPubOptions 1"_s, u"frmPubOptions 2"_s, u"frmPubOptions 2"_s}));
@@ -296,7 +329,7 @@ void TestMainCommands::whatReachesACommandIsEnabledWithIt()
                                {{}, {}, {u"alone"_s}, run(u"alone"_s)}});
     for (const bool on : {false, true, false}) {
         if (on || rich->isEnabled()) {
-            table.setRichCommandsEnabled(on);
+            table.setEnabled(Command::RichOnly, on);
         }
         QVERIFY(item->isEnabled() && tool->isEnabled() && button->isEnabled() && field->isEnabled());
         QVERIFY(alone->isEnabled() && !missing->isEnabled());

@@ -1,6 +1,7 @@
 #include "quillon/forms/formtexts.h"
 
 #include "quillon/files/settingsfile.h"
+#include "quillon/forms/accessiblenames.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -90,7 +91,11 @@ void QuillonFormTexts::ApplyControlTexts(QWidget *form, const QString &path) con
         if (texts.contains(section, name + u".tip"_s)) {
             setTip(control, texts.value(section, name + u".tip"_s));
         }
+        if (auto *widget = qobject_cast<QWidget *>(control); widget && texts.contains(section, name + u".name"_s)) {
+            widget->setAccessibleName(texts.value(section, name + u".name"_s));
+        }
     }
+    setAccessibleNames(form);
 }
 
 void QuillonFormTexts::ApplyMenuTexts(QWidget *form, const QString &path) const

@@ -93,6 +93,7 @@ QPalette withReadableTexts(const QPalette &palette)
     mend(P::Disabled, P::HighlightedText, {P::Highlight});
     for (const auto group : {P::Active, P::Inactive, P::Disabled}) {
         mend(group, P::PlaceholderText, {P::Base});
+        mend(group, P::Link, {P::Window});
     }
     return result;
 }

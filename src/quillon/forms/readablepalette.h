@@ -12,9 +12,9 @@ inline constexpr double readableContrast = 4.5;
 /// The contrast of two opaque colours, 1 to 21 (WCAG 2.1, "contrast ratio"); the order makes no difference.
 [[nodiscard]] double contrastRatio(const QColor &one, const QColor &other);
 
-/// @p palette with the texts that styles make too faint, those of disabled controls and the hints in empty ones, moved
-/// towards black or white until they have readableContrast on each ground that they may stand on. What is faint enough
-/// to be told from other text already, and readable, stays as it is.
+/// @p palette with the texts that styles make too faint, those of disabled controls, the hints in empty ones and links,
+/// moved towards black or white until they have readableContrast on each ground that they may stand on. What is faint
+/// enough to be told from other text already, and readable, stays as it is.
 [[nodiscard]] QPalette withReadableTexts(const QPalette &palette);
 
 /// Gives the application the palette of withReadableTexts(), and again whenever the desktop brings another one. One

@@ -105,7 +105,9 @@ void TestReadablePalette::faintTextsBecomeReadableAndStayTheFainter()
                             {P::Disabled, P::HighlightedText, {P::Highlight}},
                             {P::Active, P::PlaceholderText, {P::Base}},
                             {P::Inactive, P::PlaceholderText, {P::Base}},
-                            {P::Disabled, P::PlaceholderText, {P::Base}}};
+                            {P::Disabled, P::PlaceholderText, {P::Base}},
+                            {P::Active, P::Link, {P::Window}},
+                            {P::Inactive, P::Link, {P::Window}}};
     for (const Pair &pair : pairs) {
         const QColor text = better.color(pair.group, pair.text);
         QCOMPARE(text.alpha(), 255);
@@ -121,7 +123,7 @@ void TestReadablePalette::faintTextsBecomeReadableAndStayTheFainter()
         }
     }
     // Nothing else is changed.
-    for (const auto role : {P::Window, P::Base, P::Button, P::Highlight, P::Text, P::WindowText, P::Link}) {
+    for (const auto role : {P::Window, P::Base, P::Button, P::Highlight, P::Text, P::WindowText}) {
         QCOMPARE(better.color(P::Active, role), palette.color(P::Active, role));
     }
     QCOMPARE(better.color(P::Disabled, P::Base), palette.color(P::Disabled, P::Base));
@@ -180,7 +182,7 @@ void TestReadablePalette::whatIsNotMendedStaysTheDesktops()
     const P palette = QApplication::palette();
     QVERIFY(palette.isBrushSet(P::Disabled, P::Text));
     for (const auto group : {P::Active, P::Inactive, P::Disabled}) {
-        for (const auto role : {P::Window, P::Base, P::Button, P::Highlight, P::Link}) {
+        for (const auto role : {P::Window, P::Base, P::Button, P::Highlight, P::BrightText}) {
             QVERIFY(!palette.isBrushSet(group, role));
         }
     }

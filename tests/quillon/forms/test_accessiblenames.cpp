@@ -1,4 +1,4 @@
-#include "composer/accessiblenames.h"
+#include "quillon/forms/accessiblenames.h"
 
 #include <QCheckBox>
 #include <QLabel>
@@ -41,7 +41,7 @@ void TestAccessibleNames::aLabelsCaptionIsItsFieldsName()
     QLabel without(u"No buddy"_s, &form);
     QLabel label(caption, &form);
     label.setBuddy(&field);
-    corvane::setAccessibleNames(&form);
+    quillon::setAccessibleNames(&form);
     QTEST(field.accessibleName(), "name");
 }
 
@@ -56,7 +56,7 @@ void TestAccessibleNames::aButtonsNameIsItsCaptionAndItsTip()
     label.setBuddy(&labelled);
     QToolButton picture(&form);
     picture.setToolTip(u"Removes the && marked file."_s);
-    corvane::setAccessibleNames(&form);
+    quillon::setAccessibleNames(&form);
     QCOMPARE(actual.accessibleName(), u"Actual: Takes the account's sender"_s);
     QCOMPARE(labelled.accessibleName(), u"Date"_s);
     QCOMPARE(picture.accessibleName(), u"Removes the & marked file"_s);
@@ -68,7 +68,7 @@ void TestAccessibleNames::withoutALabelTheTipIsTheName()
     QWidget group(&form);
     QLineEdit deep(&group);
     deep.setToolTip(u"The source of the content. "_s);
-    corvane::setAccessibleNames(&form);
+    quillon::setAccessibleNames(&form);
     QCOMPARE(deep.accessibleName(), u"The source of the content"_s);
 }
 
@@ -81,7 +81,7 @@ void TestAccessibleNames::whatHasNoTipOrHasANameIsLeftAlone()
     QLineEdit named(&form);
     named.setToolTip(u"A tip."_s);
     named.setAccessibleName(u"Own name"_s);
-    corvane::setAccessibleNames(&form);
+    quillon::setAccessibleNames(&form);
     QCOMPARE(bare.accessibleName(), QString());
     QCOMPARE(named.accessibleName(), u"Own name"_s);
 }

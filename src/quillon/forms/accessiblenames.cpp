@@ -1,4 +1,4 @@
-#include "composer/accessiblenames.h"
+#include "quillon/forms/accessiblenames.h"
 
 #include <QAbstractButton>
 #include <QHash>
@@ -7,7 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace corvane {
+namespace quillon {
 
 namespace {
 
@@ -48,4 +48,4 @@ void setAccessibleNames(QWidget *form)
     }
 }
 
-} // namespace corvane
+} // namespace quillon
