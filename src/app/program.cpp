@@ -9,6 +9,8 @@
 #include "macros/forms/frmpubmacro.h"
 #include "macros/forms/frmpubmacrodetail.h"
 #include "macros/macrocatalogue.h"
+#include "message/documentflow.h"
+#include "message/forms/frmpubtemplates.h"
 #include "quillon/forms/windowservices.h"
 #include "quillon/hook.h"
 #include "recipients/forms/frmpubprompt.h"
@@ -82,6 +84,8 @@ void Program::addForms()
         return new frmPubMacro(m_globals, m_forms, {[this] { loadMacroMenu(); }, helpOn(u"macros-manager.htm"_s)});
     });
     m_forms.add(macroDetailForm, [this] { return new frmPubMacroDetail(helpOn(u"macro-editor.htm"_s)); });
+    m_forms.add(templatesForm,
+                [this] { return new frmPubTemplates(m_globals, m_main->flow(), helpOn(u"templates-manager.htm"_s)); });
     m_forms.add(promptsForm, [this] {
         return new frmPubPrompt(m_globals, m_recipients.entries(), helpOn(u"prompts-manager.htm"_s));
     });
@@ -101,6 +105,7 @@ void Program::makeMainWindow()
     hooks.showProgress = [this] { return showProgress(); };
     hooks.loadLists = [this] { loadLists(); };
     hooks.checkAccount = [this] { checkAccount(); };
+    hooks.rememberRecipients = [this] { rememberRecipients(); };
     hooks.readPrompts = [this] { m_recipients.upsReadPrompts(); };
     hooks.minimised = [this] { m_tray->minimised(); };
     hooks.closed = m_services.quit;
@@ -188,6 +193,14 @@ void Program::showForm(const QString &form, int tab)
     }
 }
 
+void Program::rememberRecipients()
+{
+    const Message &message = m_main->message();
+    m_recipients.upsSavePrompts(message.text(Message::Field::To), message.text(Message::Field::CC),
+                                message.text(Message::Field::BCC));
+    m_recipients.upsReadPrompts();
+}
+
 bool Program::insertIntoSignature(const QString &macro)
 {
     QWidget *options = m_forms.isLoaded(optionsForm) ? m_forms.form(optionsForm) : nullptr;
@@ -213,7 +226,7 @@ bool Program::showProgress()
 void Program::exit(bool stopScheduler)
 {
     exitProgram(m_globals, stopScheduler,
-                {[] { return false; },
+                {[this] { return m_main && m_main->flow().ConfirmSave(); },
                  [this](const QString &form) {
                      // From here on nobody is asked, also not by a form that closes.
                      quillon::setPrompts(&m_silence);

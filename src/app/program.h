@@ -53,6 +53,7 @@ private:
     /// Opens a page of the manual on the site.
     [[nodiscard]] std::function<void()> helpOn(const QString &page) const;
     void showForm(const QString &form, int tab);
+    void rememberRecipients();
     bool insertIntoSignature(const QString &macro);
     bool showProgress();
     void exit(bool stopScheduler);

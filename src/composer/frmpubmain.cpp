@@ -20,10 +20,13 @@
 #include "composer/statushints.h"
 #include "composer/ui_frmpubmain.h"
 #include "composer/windowplacement.h"
+#include "core/formnames.h"
 #include "core/texts.h"
+#include "message/documentflow.h"
 #include "quillon/forms/arraynames.h"
 #include "quillon/forms/formtexts.h"
 #include "quillon/forms/windowservices.h"
+#include "quillon/mail/htmltext.h"
 #include "quillon/system/platform.h"
 #include "records/recordfields.h"
 
@@ -151,10 +154,16 @@ void frmPubMain::makeConcerns()
                                           *m_message, *m_view, *m_edit, m_hooks.findSignature);
     m_placement = new WindowPlacement(this, m_globals);
     new GrowingBoxes(c.txt, c.attachments, c.header, centralWidget());
+    m_flow = std::make_unique<DocumentFlow>(
+        m_globals, *m_message, *m_view,
+        DocumentFlow::Hooks{
+            [this] { layOutNew(); },
+            [this] { return quillon::textOfHtml(m_controls->dhe->documentHtml(), quillon::HtmlExtras::LeftOut); },
+            [this] { m_hooks.showForm(templatesForm, noTab); }, m_hooks.rememberRecipients});
     m_counts =
         new RecipientCounts({c.txt, findChild<QLabel *>(u"lblSeen"_s), findChild<QWidget *>(u"sbtSeen"_s), c.menfb});
-    m_commands = new CommandTable(
-        this, mainCommands({m_hooks, m_globals, *m_message, *m_view, *m_edit, *m_layout, *m_views, *m_attachments}));
+    m_commands = new CommandTable(this, mainCommands({m_hooks, m_globals, *m_message, *m_view, *m_flow, *m_edit,
+                                                      *m_layout, *m_views, *m_attachments}));
     connect(c.attachments, &QListWidget::itemSelectionChanged, m_commands, [this] {
         m_commands->setEnabled(Command::OnAttachment, !m_controls->attachments->selectedItems().isEmpty());
     });
@@ -220,6 +229,30 @@ void frmPubMain::fillNewMessage()
     m_view->mblnReady = false;
     m_encodings->fill(m_globals.text.GetEncodingList());
     m_hooks.loadLists();
+    fillChoices();
+    fillFonts();
+    m_signatures->addAutomatic(m_globals.settings, true, true); // the format is decided later
+    m_message->setFormat(formatOfNewMessages());
+    m_view->mblnReady = true;
+}
+
+void frmPubMain::layOutNew()
+{
+    fillChoices();
+    const Message::Format format = formatOfNewMessages();
+    m_message->setFormat(format);
+    fillFonts();
+    for (const auto field : {Message::Field::To, Message::Field::CC, Message::Field::BCC, Message::Field::PlainContent,
+                             Message::Field::RichContent, Message::Field::Subject, Message::Field::Source}) {
+        m_message->setText(field, QString());
+    }
+    m_message->setAttachmentPaths({});
+    const bool rich = m_message->format() == Message::Format::Rich;
+    m_signatures->addAutomatic(m_globals.settings, !rich, rich);
+}
+
+void frmPubMain::fillChoices()
+{
     ResetMessageOptions();
     m_message->setText(Message::Field::Encoding, EncodingDisplayName());
     if (const QString &account = m_globals.settings.text(Setting::DefaultAccount); !account.isEmpty()) {
@@ -228,11 +261,11 @@ void frmPubMain::fillNewMessage()
     for (const auto choice : {Message::Choice::Sender, Message::Choice::ReplyReceiver, Message::Choice::Date}) {
         m_message->setActual(choice, true);
     }
-    fillFonts();
-    m_signatures->addAutomatic(m_globals.settings);
-    const bool rich = m_globals.settings.is(Setting::Format, formatRich);
-    m_message->setFormat(rich ? Message::Format::Rich : Message::Format::Plain);
-    m_view->mblnReady = true;
+}
+
+Message::Format frmPubMain::formatOfNewMessages() const
+{
+    return m_globals.settings.is(Setting::Format, formatRich) ? Message::Format::Rich : Message::Format::Plain;
 }
 
 void frmPubMain::fillFonts()

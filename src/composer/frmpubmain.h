@@ -20,6 +20,7 @@ class AttachmentList;
 class CommandTable;
 class ContentLayout;
 class ContentViews;
+class DocumentFlow;
 class EditCommands;
 class EncodingChoice;
 class PopUps;
@@ -46,6 +47,8 @@ public:
 
     [[nodiscard]] Message &message() { return *m_message; }
     [[nodiscard]] Window &view() { return *m_view; }
+    /// New, Open, Save and the question before a change is lost.
+    [[nodiscard]] DocumentFlow &flow() { return *m_flow; }
     [[nodiscard]] const CommandTable &commands() const { return *m_commands; }
     /// The display name of the encoding that is set as the default; see EncodingChoice::displayName().
     QString EncodingDisplayName();
@@ -74,6 +77,10 @@ private:
     void insertMacro(const QString &macro);
     void applyTexts();
     void fillNewMessage();
+    /// What New puts into the window that is in use; the flow looks after title and marks.
+    void layOutNew();
+    void fillChoices();
+    [[nodiscard]] Message::Format formatOfNewMessages() const;
     void fillFonts();
     void applyStartup();
     void clickPanel(int panel);
@@ -95,6 +102,7 @@ private:
     std::unique_ptr<MainWindowMessage> m_message;
     std::unique_ptr<MainWindowView> m_view;
     RecipientCounts *m_counts = nullptr;
+    std::unique_ptr<DocumentFlow> m_flow;
     CommandTable *m_commands = nullptr;
     bool m_toldMinimised = false; ///< the hook knows already that the window is being minimised
 };

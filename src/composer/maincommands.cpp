@@ -7,6 +7,7 @@
 #include "core/datatree.h"
 #include "core/formnames.h"
 #include "core/texts.h"
+#include "message/documentflow.h"
 #include "quillon/system/platform.h"
 
 #include <QFileInfo>
@@ -54,10 +55,11 @@ template <typename Hook, typename... Arguments> Run from(const Hook &hook, Argum
 
 std::vector<Command> fileCommands(const CommandTargets &t)
 {
+    DocumentFlow *flow = &t.flow;
     return {
-        {u"menfn"_s, u"tlbNew"_s, {}, {}},
-        {u"menfo"_s, u"tlbOpen"_s, {}, {}},
-        {u"menfa"_s, u"tlbSave"_s, {}, {}},
+        {u"menfn"_s, u"tlbNew"_s, {}, [flow] { flow->New(); }},
+        {u"menfo"_s, u"tlbOpen"_s, {}, [flow] { flow->Open(); }},
+        {u"menfa"_s, u"tlbSave"_s, {}, [flow] { flow->SaveAsTemplate(); }},
         {u"menfs"_s, u"tlbSend"_s, {}, from(t.hooks.send)},
         {u"menfb"_s, u"tlbOBO"_s, {u"sbtSeen"_s}, turnCheckMark},
         {u"menfc"_s, u"tlbSchedule"_s, {}, {}},
@@ -136,6 +138,7 @@ std::vector<Command> formatCommands(const CommandTargets &t)
 std::vector<Command> toolCommands(const CommandTargets &t)
 {
     const ApplicationGlobals *globals = &t.globals;
+    DocumentFlow *flow = &t.flow;
     return {
         {u"mentr"_s, {}, {}, turnCheckMark},
         {u"mentsk"_s, {}, {u"sbt(0)"_s}, {}},
@@ -144,7 +147,7 @@ std::vector<Command> toolCommands(const CommandTargets &t)
         {u"menta"_s, u"tlbContacts"_s, {}, {}},
         {u"mentv"_s, {}, {}, [globals] { viewLog(*globals); }},
         {u"mentl"_s, {}, {}, [globals] { globals->system.OpenTarget(globals->paths.logs, maximised); }},
-        {u"mentt"_s, u"tlbTemplate"_s, {}, {}},
+        {u"mentt"_s, u"tlbTemplate"_s, {}, [flow] { flow->manage(); }},
         {u"menti"_s, {}, {}, from(t.hooks.showForm, promptsForm, noTab)},
         {u"mentm"_s, u"tlbMacro"_s, {}, from(t.hooks.showForm, macrosForm, noTab)},
         {u"mento"_s, u"tlbOptions"_s, {}, from(t.hooks.showForm, optionsForm, noTab)},

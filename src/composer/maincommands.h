@@ -10,6 +10,7 @@ namespace corvane {
 class ContentLayout;
 class ContentViews;
 class AttachmentList;
+class DocumentFlow;
 class EditCommands;
 
 /// What the commands work on.
@@ -18,6 +19,7 @@ struct CommandTargets {
     const ApplicationGlobals &globals;
     Message &message;
     Window &window;
+    DocumentFlow &flow;
     EditCommands &edit;
     ContentLayout &layout;
     ContentViews &views;

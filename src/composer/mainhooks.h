@@ -23,6 +23,9 @@ struct MainHooks {
     std::function<bool()> sending;      ///< the status line tells of a run: no hint takes its place
     std::function<bool()> showProgress; ///< a click on the status bar; true: it was used
 
+    /// Adds the recipients of To, CC and BCC to the input prompts, and reads those again.
+    std::function<void()> rememberRecipients;
+
     // Steps of the loading, in this order.
     std::function<void()> loadLists;    ///< accounts, senders, signatures, macros
     std::function<void()> checkAccount; ///< the question whether to set up an account

@@ -65,15 +65,17 @@ void SignatureInsertion::insert(const QString &caption)
     }
 }
 
-void SignatureInsertion::addAutomatic(const SettingsMemory &settings)
+void SignatureInsertion::addAutomatic(const SettingsMemory &settings, bool plain, bool rich)
 {
     const QString &name = settings.text(Setting::DefaultSignature);
     if (!settings.isNotFalse(Setting::AutoAddSignature) || name.trimmed().isEmpty()) {
         return;
     }
-    // The format is decided later, so both bodies are filled.
-    if (const SignatureText signature = m_find(name); signature.found) {
+    const SignatureText signature = m_find(name);
+    if (signature.found && plain) {
         m_message.setText(Field::PlainContent, plainTextOf(signature));
+    }
+    if (signature.found && rich) {
         m_message.setText(Field::RichContent, signature.text);
     }
 }

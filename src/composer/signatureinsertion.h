@@ -29,8 +29,9 @@ public:
 
     /// Makes an item for each name; that of the default says so. Without names the menu is disabled.
     void setMenu(const QStringList &names, const QString &defaultName);
-    /// Makes the default signature the content of a message that is being filled at the start, if it is to be added.
-    void addAutomatic(const SettingsMemory &settings);
+    /// Makes the default signature the content of a new message, if it is to be added: the plain body, the rich, or
+    /// both.
+    void addAutomatic(const SettingsMemory &settings, bool plain, bool rich);
 
 private:
     void insert(const QString &caption);

@@ -8,6 +8,8 @@ inline constexpr char16_t newMessageTitleText[] = u"Corvane - New Message";
 inline constexpr char16_t titleStart[] = u"Corvane - ";
 inline constexpr char16_t editTitleWord[] = u"Edit";
 inline constexpr char16_t previewTitleWord[] = u"Preview";
+inline constexpr char16_t managingTitle[] = u"Templates Manager"; ///< of the dialog, which says by it what it is for
+inline constexpr char16_t noTemplateMarkText[] = u"NT_NT_NNTT";   ///< a name that nobody gives by accident
 inline constexpr char16_t nameOfNamelessTemplate[] = u"New Template";
 
 namespace headkeys {

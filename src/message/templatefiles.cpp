@@ -7,11 +7,16 @@
 #include "quillon/mail/encodinglist.h"
 #include "quillon/mail/subjectcodec.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
 
 #include <algorithm>
+#include <cerrno>
+#include <optional>
+#include <unistd.h>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -70,6 +75,21 @@ QString existingAttachments(const Message &message)
     QStringList paths = message.attachmentPaths();
     paths.removeIf([](const QString &path) { return !QFileInfo::exists(path); });
     return paths.join(u'|');
+}
+
+/// A second name for a file, or a copy where the file system knows no such thing; false when there is no file, or the
+/// name cannot be had.
+bool giveName(const QString &path, const QString &newPath)
+{
+    if (!QFile::exists(path) || QFile::exists(newPath)) {
+        return false;
+    }
+    if (::link(QFile::encodeName(path).constData(), QFile::encodeName(newPath).constData()) == 0) {
+        return true;
+    }
+    const std::optional<QByteArray> content =
+        QFileInfo(newPath).dir().exists() && errno != ENAMETOOLONG ? quillon::readWholeFile(path) : std::nullopt;
+    return content && quillon::writeWholeFile(newPath, *content);
 }
 
 /// The code of the encoding whose display name is chosen; empty when the list does not offer it.
@@ -214,6 +234,29 @@ void LoadTemplate(const ApplicationGlobals &globals, const QString &name, Messag
     const QString content = quillon::existingPath(contentPath(globals, name));
     message.setText(plain ? Field::PlainContent : Field::RichContent,
                     QFile::exists(content) ? globals.lines.ReadTextFile(content) : QString());
+}
+
+void deleteTemplate(const ApplicationGlobals &globals, const QString &name)
+{
+    globals.lines.DeleteLineByKey(globals.paths.templatesFile, name, QString(), 0);
+    QFile::remove(quillon::existingPath(headPath(globals, name)));
+    QFile::remove(quillon::existingPath(contentPath(globals, name)));
+}
+
+void renameTemplate(const ApplicationGlobals &globals, const QString &name, const QString &newName)
+{
+    QStringList moved;
+    for (const auto path : {headPath, contentPath}) {
+        const QString present = quillon::existingPath(path(globals, name));
+        if (giveName(present, path(globals, newName))) {
+            moved.append(present);
+        }
+    }
+    globals.lines.MoveLineToEnd(globals.paths.templatesFile, name, newName);
+    // Only now: a name that the list holds has its files at every moment.
+    for (const QString &path : std::as_const(moved)) {
+        QFile::remove(path);
+    }
 }
 
 } // namespace corvane

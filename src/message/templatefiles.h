@@ -33,4 +33,12 @@ void writeTemplate(const ApplicationGlobals &globals, const QString &name, bool 
 /// the message.
 void LoadTemplate(const ApplicationGlobals &globals, const QString &name, Message &message);
 
+/// Takes the template off the list and deletes its files; one that fails to go leaves nothing else undone.
+void deleteTemplate(const ApplicationGlobals &globals, const QString &name);
+
+/// Puts @p newName at the end of the list in place of @p name, and the files under that name. A file that cannot have
+/// it, or would take the place of another one, keeps its old name; the list is changed all the same. Ended at any
+/// moment, the list names a template that has its files.
+void renameTemplate(const ApplicationGlobals &globals, const QString &name, const QString &newName);
+
 } // namespace corvane

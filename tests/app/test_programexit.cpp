@@ -12,6 +12,8 @@ private Q_SLOTS:
     void exitInTheMenuOfTheTrayIsTheSame_data();
     void exitInTheMenuOfTheTrayIsTheSame();
     void exitClosesTheHelpWindowAndNoOther();
+    void aChangedMessageIsAskedForBeforeTheExit_data();
+    void aChangedMessageIsAskedForBeforeTheExit();
     void exitAsksNobodyAnyMore();
     void exitWhileADialogWaitsEndsIt();
     void theCloseBoxGoesToTheTrayAndComesBackWhereItStood();
@@ -89,6 +91,31 @@ void TestProgramExit::exitClosesTheHelpWindowAndNoOther()
     p.item(u"menfu"_s)->trigger();
     QVERIFY(!help.isVisible());
     QVERIFY(other.isVisible());
+}
+
+void TestProgramExit::aChangedMessageIsAskedForBeforeTheExit_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::newRow("menfx") << u"menfx"_s;
+    QTest::newRow("menfu") << u"menfu"_s;
+}
+
+void TestProgramExit::aChangedMessageIsAskedForBeforeTheExit()
+{
+    QFETCH(const QString, item);
+    ProgramFixture p;
+    p.run();
+    p.main()->message().setText(Message::Field::Subject, u"May"_s);
+    const qsizetype before = p.steps().size();
+    p.prompts.expectBox(u"SAVE_MAIL_PROMPT"_s, quillon::YesNoCancelBox, quillon::BoxAnswer::Cancel);
+    p.item(item)->trigger();
+    QCOMPARE(p.steps().size(), before); // all stays: the window, the companion
+    QVERIFY(p.mainIsVisible());
+    p.prompts.expectBox(u"SAVE_MAIL_PROMPT"_s, quillon::YesNoCancelBox, quillon::BoxAnswer::Yes)
+        .expectInput(u"INPUT_NAME"_s, u"May"_s, u"May"_s);
+    p.item(item)->trigger();
+    QCOMPARE(p.count(u"quit"_s), 1);
+    QVERIFY(QFile::exists(p.tree.globals.paths.templates + u"/head_May.dll"_s));
 }
 
 void TestProgramExit::exitAsksNobodyAnyMore()

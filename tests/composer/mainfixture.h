@@ -36,6 +36,9 @@ public:
         hooks.findSignature = [this](const QString &name) { return corvane::signatureText(globals(), name); };
         hooks.showForm = [this](const QString &form, int tab) {
             shown.append(form + QStringLiteral(" tab ") + QString::number(tab));
+            if (whenShown) {
+                whenShown(form);
+            }
         };
         hooks.optionsOpen = [this] { return optionsOpen; };
         hooks.sending = [this] { return sending; };
@@ -43,6 +46,7 @@ public:
         hooks.loadLists = [] {};
         hooks.checkAccount = [] {};
         hooks.readPrompts = [] {};
+        hooks.rememberRecipients = [this] { ++remembered; };
         hooks.minimised = [this] { ++minimised; };
         hooks.closed = [this] { ++closed; };
         if (prepare) {
@@ -91,8 +95,10 @@ public:
     int sends = 0;
     QList<bool> exits;
     QStringList shown; ///< forms, each as "frmPubOptions tab 1"
+    std::function<void(const QString &form)> whenShown;
     bool optionsOpen = false;
     bool sending = false;
+    int remembered = 0;
     int minimised = 0;
     int closed = 0;
     std::unique_ptr<corvane::frmPubMain> window;

@@ -123,6 +123,14 @@ void QuillonLines::ReplaceLine(const QString &path, const QString &key, const QS
     }
 }
 
+void QuillonLines::MoveLineToEnd(const QString &path, const QString &line, const QString &newLine) const
+{
+    LineFile file(path);
+    file.removeIf([&line](const QString &present) { return present == line; });
+    file.append(newLine);
+    file.save();
+}
+
 bool QuillonLines::LineExists(const QString &path, const QString &line) const
 {
     return ReadLines(path).contains(line);

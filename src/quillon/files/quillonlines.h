@@ -23,6 +23,8 @@ public:
     /// field changes.
     void ReplaceLine(const QString &path, const QString &key, const QString &newLine, const QString &delimiter,
                      int field) const;
+    /// Removes all lines that equal @p line and adds @p newLine at the end, with one rewrite.
+    void MoveLineToEnd(const QString &path, const QString &line, const QString &newLine) const;
     /// True if exactly this line is in the file.
     [[nodiscard]] bool LineExists(const QString &path, const QString &line) const;
     /// The first line that begins with @p key, or empty. @p mode is always -1.
