@@ -24,6 +24,7 @@ private Q_SLOTS:
     void aMailWithAllPartsIsWrittenToTheOctet();
     void blanksAroundACharsetDoNotCount();
     void onlyWhatDoesNotFitItsCharsetIsUtf8();
+    void aDocumentNamesTheCharsetThatItTravelsIn();
 };
 
 void TestMailEncoder::sizeIsExact()
@@ -275,6 +276,23 @@ void TestMailEncoder::onlyWhatDoesNotFitItsCharsetIsUtf8()
     QCOMPARE(charsets(u"€"_s), "utf-8 iso-8859-1"_ba);
     QCOMPARE(charsets(u"<style>€</style>ü"_s), "iso-8859-1 utf-8"_ba);
     QCOMPARE(charsets(QString(QChar(0xD800))), "utf-8 iso-8859-1"_ba);
+}
+
+void TestMailEncoder::aDocumentNamesTheCharsetThatItTravelsIn()
+{
+    const auto document = [this](const QString &html) {
+        MailMessage mail = message();
+        mail.Format = MailMessage::Html;
+        mail.Charset = u"iso-8859-1"_s;
+        mail.Content = html;
+        const QByteArray octets = encode(mail).replace("=\r\n", "");
+        return octets.mid(octets.indexOf("<meta"), octets.indexOf("</i>") - octets.indexOf("<meta"));
+    };
+    QCOMPARE(document(u"<meta charset=x><i>ü</i>"_s), "<meta charset=3Diso-8859-1><i>=FC"_ba);
+    QCOMPARE(document(u"<meta charset=x><i>€</i>"_s), "<meta charset=3Diso-8859-1><i>&#8364;"_ba.replace("=3D", "="));
+    // What stands in a script or a style takes no references, so that the whole document moves.
+    QCOMPARE(document(u"<meta charset=x><style>€</style><i>ü</i>"_s),
+             "<meta charset=3Dutf-8><style>=E2=82=AC</style><i>=C3=BC"_ba);
 }
 
 QTEST_GUILESS_MAIN(TestMailEncoder)

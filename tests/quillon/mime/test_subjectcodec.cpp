@@ -22,6 +22,8 @@ private Q_SLOTS:
     void anyOfferedCharsetGivesTheSubjectBack();
     void encodedFormIsOneLineOfPrintableAscii();
     void plainSubjectStaysReadable();
+    void onlyWhatALineOfAFileKeepsStaysAsItIs_data();
+    void onlyWhatALineOfAFileKeepsStaysAsItIs();
     void plainTextThatWasNeverEncodedStays();
     void plainTextThatWasNeverEncodedStays_data();
     void loneSurrogateBecomesTheReplacementCharacter();
@@ -129,6 +131,33 @@ void TestSubjectCodec::encodedFormIsOneLineOfPrintableAscii()
 void TestSubjectCodec::plainSubjectStaysReadable()
 {
     QCOMPARE(SubjectCodec().Encode(u"Invoice no. 5 = paid?"_s, u"utf-8"_s), u"Invoice no. 5 = paid?"_s);
+}
+
+void TestSubjectCodec::onlyWhatALineOfAFileKeepsStaysAsItIs_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("stays");
+    QTest::newRow("empty") << QString() << true;
+    QTest::newRow("first and last of ASCII") << u"!~"_s << true;
+    QTest::newRow("blanks within") << u"a  b"_s << true;
+    QTest::newRow("half a mark") << u"a= ?"_s << true;
+    QTest::newRow("blank at the front") << u" a"_s << false;
+    QTest::newRow("blank at the end") << u"a "_s << false;
+    QTest::newRow("one blank") << u" "_s << false;
+    QTest::newRow("mark of a word") << u"a=?"_s << false;
+    QTest::newRow("last control") << u"a\u001Fb"_s << false;
+    QTest::newRow("delete") << u"a\u007Fb"_s << false;
+    QTest::newRow("other letter") << u"aüb"_s << false;
+}
+
+void TestSubjectCodec::onlyWhatALineOfAFileKeepsStaysAsItIs()
+{
+    QFETCH(QString, text);
+    const SubjectCodec codec;
+    const QString encoded = codec.Encode(text, u"utf-8"_s);
+    QTEST(encoded == text, "stays");
+    QCOMPARE(encoded.trimmed(), encoded);
+    QCOMPARE(codec.Decode(encoded, u"utf-8"_s), text);
 }
 
 void TestSubjectCodec::plainTextThatWasNeverEncodedStays_data()
