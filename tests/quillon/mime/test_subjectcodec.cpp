@@ -237,6 +237,9 @@ void TestSubjectCodec::firstWordKeepsToItsRoom()
     for (qsizetype room = 30; room <= 75; ++room) {
         const QList<QByteArray> words = encodedWords(text, "UTF-8", room);
         QVERIFY(words.first().size() <= room);
+        for (qsizetype i = 1; i + 1 < words.size(); ++i) { // the others have a line of their own
+            QVERIFY2(words[i].size() > 69, words[i].constData());
+        }
         QCOMPARE(decodedOneByOne(words), text);
     }
 }
@@ -263,6 +266,9 @@ void TestSubjectCodec::decoderTakesWhatOtherMailersWrite_data()
     QTest::newRow("touching") << u"=?UTF-8?Q?a?==?UTF-8?Q?b?="_s << u"ab"_s;
     QTest::newRow("two charsets") << u"=?UTF-8?Q?a?= =?koi8-r?Q?=C1?="_s << u"aа"_s;
     QTest::newRow("language tag") << u"=?US-ASCII*EN?Q?Keith_Moore?="_s << u"Keith Moore"_s;
+    const QString longest = u"us-ascii*"_s + QString(50, u'x');
+    QTest::newRow("longest language tag") << u"=?%1?Q?a?="_s.arg(longest) << u"a"_s;
+    QTest::newRow("longer language tag") << u"=?%1x?Q?a?="_s.arg(longest) << u"=?%1x?Q?a?="_s.arg(longest);
     QTest::newRow("no padding") << u"=?UTF-8?B?w7w?="_s << u"ü"_s;
     QTest::newRow("mark before a word") << u"=?=?UTF-8?Q?a?="_s << u"=?a"_s;
 }

@@ -19,6 +19,7 @@ private Q_SLOTS:
     void onlyARegularFileIsRead_data();
     void onlyARegularFileIsRead();
     void moreThanWasToldIsNotMoreThanAll();
+    void afterAFaultNothingIsTaken();
 };
 
 namespace {
@@ -153,6 +154,23 @@ void TestSmtpLimits::moreThanWasToldIsNotMoreThanAll()
     QCOMPARE(body.percent(), 0);
     QVERIFY(!body.next().isEmpty());
     QCOMPARE(body.percent(), 90);
+}
+
+void TestSmtpLimits::afterAFaultNothingIsTaken()
+{
+    SmtpReplyParser parser;
+    parser.feed("web\r\n250 ok\r\n");
+    QVERIFY(!parser.next());
+    const QString fault = parser.fault();
+    QVERIFY(!fault.isEmpty() && !parser.hasPending());
+    parser.feed("250 ok\r\n");
+    QVERIFY(!parser.hasPending());
+    QVERIFY(!parser.next());
+    QCOMPARE(parser.fault(), fault);
+    parser.clear();
+    parser.feed("250 ok\r\n");
+    QCOMPARE(parser.next().value_or(SmtpReply()).Code, 250);
+    QCOMPARE(parser.fault(), QString());
 }
 
 QTEST_GUILESS_MAIN(TestSmtpLimits)
