@@ -13,7 +13,7 @@ Certificates::Certificates()
          u"-days"_s, u"2"_s, u"-subj"_s, u"/CN=Throw-away authority"_s, u"-keyout"_s, u"authority.key"_s, u"-out"_s,
          u"authority.pem"_s});
     makeServer(u"localhost"_s, u"DNS:localhost,IP:127.0.0.1"_s);
-    makeServer(u"elsewhere"_s, u"DNS:elsewhere.example"_s);
+    makeServer(u"elsewhere"_s, u"DNS:elsewhere.example,DNS:*.wild.example,DNS:part*.some.example"_s);
 }
 
 void Certificates::makeServer(const QString &name, const QString &alternatives)

@@ -17,7 +17,8 @@ public:
     [[nodiscard]] QString fault() const { return m_fault; }
 
     [[nodiscard]] QSslCertificate authority() const { return load("authority.pem"); }
-    /// PEM files of the certificate for "localhost" and 127.0.0.1, and of one for "elsewhere.example".
+    /// PEM files of the certificate for "localhost" and 127.0.0.1, and of one for "elsewhere.example", for all
+    /// names right below "wild.example", and for those below "some.example" that begin with "part".
     [[nodiscard]] QString localhostFile() const { return m_folder.filePath(QStringLiteral("localhost.pem")); }
     [[nodiscard]] QString localhostKeyFile() const { return m_folder.filePath(QStringLiteral("localhost.key")); }
     [[nodiscard]] QString elsewhereFile() const { return m_folder.filePath(QStringLiteral("elsewhere.pem")); }

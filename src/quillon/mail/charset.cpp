@@ -51,7 +51,8 @@ public:
 
     [[nodiscard]] bool isOpen() const { return m_handle != reinterpret_cast<iconv_t>(-1); }
 
-    /// Nothing when an octet is invalid, a character is missing in the target, or one was only approximated.
+    /// Nothing when an octet is invalid or a character is missing in the target. Whether one was only approximated
+    /// shows when the result is decoded.
     std::optional<QByteArray> convert(const char *input, qsizetype size)
     {
         iconv(m_handle, nullptr, nullptr, nullptr, nullptr);
@@ -73,9 +74,6 @@ public:
                 out = output.data() + used;
                 outLeft = static_cast<size_t>(output.size() - used);
                 continue;
-            }
-            if (result > 0) {
-                return std::nullopt;
             }
             if (flushing) {
                 output.truncate(out - output.data());
@@ -116,23 +114,15 @@ Converter *decoderFor(const QByteArray &charset)
     return isCharsetName(charset) ? converter('<' + charset, wideCharset(), charset.constData()) : nullptr;
 }
 
-/// The charset that many readers use when a mail names the first one; its octets have to mean the same there.
+/// The charset that many readers use when a mail names the first one; its octets have to mean the same there. The
+/// Windows sets that are read for ISO 8859 and TIS-620 differ only in place of C1 controls, which are never written.
 struct Twin {
     const char *name;
     const char *readAs;
 };
 constexpr std::array twins{
-    Twin{"iso-8859-1", "windows-1252"},
-    Twin{"iso-8859-9", "windows-1254"},
-    Twin{"iso-8859-11", "cp874"},
-    Twin{"tis-620", "cp874"},
-    Twin{"gb2312", "gbk"},
-    Twin{"shift_jis", "cp932"},
-
-    Twin{"euc-jp", "euc-jp-ms"},
-    Twin{"euc-kr", "uhc"},
-    Twin{"big5", "cp950"},
-    Twin{"big5", "big5-hkscs"},
+    Twin{"gb2312", "gbk"}, Twin{"shift_jis", "cp932"}, Twin{"euc-jp", "euc-jp-ms"},
+    Twin{"euc-kr", "uhc"}, Twin{"big5", "cp950"},      Twin{"big5", "big5-hkscs"},
 };
 
 /// Characters whose octets readers of one charset take for different characters, by the tables that they follow: the
@@ -171,11 +161,6 @@ bool isSingleByte(const QByteArray &charset)
 {
     return charset.startsWith("iso-8859-") || charset.startsWith("windows-") || charset.startsWith("koi8-") ||
            charset.startsWith("cp125") || charset == "tis-620" || charset == "us-ascii";
-}
-
-bool isAscii(const QString &text)
-{
-    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
 }
 
 bool decodesTo(const QByteArray &bytes, const QByteArray &charset, const QString &text)
@@ -219,9 +204,6 @@ std::optional<QByteArray> encodeStrictly(const QString &text, const QByteArray &
     if (isUtf8(name)) {
         return withoutLoneSurrogates(text).toUtf8();
     }
-    if (name == "us-ascii") {
-        return isAscii(text) ? std::optional(text.toLatin1()) : std::nullopt;
-    }
     Converter *const encoder = encoderFor(name);
     if (encoder == nullptr || !isUndisputed(text, name)) {
         return std::nullopt;
@@ -245,11 +227,12 @@ std::optional<QString> decodeStrictly(QByteArrayView bytes, const QByteArray &ch
     if (isUtf8(name)) {
         QStringDecoder decoder(QStringConverter::Utf8, QStringConverter::Flag::ConvertInitialBom);
         QString text = decoder(bytes);
-        // A character that is cut off at the end shows only when the decoder is asked whether it waits for more.
-        const QString rest = decoder(QByteArrayView("", 1));
-        if (decoder.hasError() || rest != QString(1, QChar(u'\0'))) {
+        // A character that is cut off at the end shows as an error only when something else follows it.
+        text += decoder(QByteArrayView("", 1));
+        if (decoder.hasError()) {
             return std::nullopt;
         }
+        text.chop(1);
         return text;
     }
     // Most who say Shift_JIS mean the vendors' table; what is written here reads the same in both.

@@ -288,7 +288,7 @@ QList<QByteArray> encodedWords(const QString &text, const QByteArray &charset, q
     }
     const QString valid = withoutLoneSurrogates(text);
     const std::optional<QByteArray> whole = encodeStrictly(valid, charset);
-    if (whole && charset.size() + wordOverhead + leastRoomOfStates <= longestEncodedWord) {
+    if (whole) {
         const bool useQ = sizeInQ(*whole) <= sizeInB(*whole);
         if (auto words = WordWriter(valid, charset, useQ, firstRoom).words()) {
             return *words;

@@ -86,7 +86,7 @@ QString encodingList()
 QList<EncodingEntry> offeredEncodings(const QString &list)
 {
     QList<EncodingEntry> offered;
-    const QStringList texts = list.split(betweenEntries, Qt::SkipEmptyParts);
+    const QStringList texts = list.split(betweenEntries);
     for (const QString &text : texts) {
         if (auto entry = EncodingEntry::parse(text); entry && entry->isOffered()) {
             offered.append(*std::move(entry));

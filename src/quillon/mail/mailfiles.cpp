@@ -37,8 +37,7 @@ QByteArray typeOf(const QString &path, const QByteArray &start)
         !byName.isDefault() && (start.isEmpty() || isGeneric(byContent) || byName.inherits(byContent.name()));
     const QByteArray type = (nameDecides ? byName : byContent).name().toLatin1();
     // Their content must not be coded in Base64 (RFC 2046), and an empty file has a type of no registry.
-    if (type.startsWith("message/") || type.startsWith("multipart/") || type.startsWith("inode/") ||
-        type == "application/x-zerosize") {
+    if (type.startsWith("message/") || type.startsWith("multipart/") || type == "application/x-zerosize") {
         return "application/octet-stream";
     }
     return type;

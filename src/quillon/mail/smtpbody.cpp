@@ -122,7 +122,7 @@ QByteArray SmtpBody::stuffed(const char *octets, qsizetype length)
 
 int SmtpBody::percent() const
 {
-    return m_total <= 0 ? 100 : static_cast<int>(std::clamp<qint64>(m_given * 100 / m_total, 0, 100));
+    return m_total <= 0 ? 100 : static_cast<int>(std::min<qint64>(m_given * 100 / m_total, 100));
 }
 
 } // namespace quillon

@@ -20,8 +20,6 @@ bool isCollapsible(QChar c)
 
 void TextLines::explicitBreak()
 {
-    m_blank = false;
-    m_cell = false;
     m_breaks = std::min(m_breaks + 1, mostBreaks);
 }
 
@@ -60,7 +58,7 @@ void TextLines::addCollapsed(QStringView text)
 qsizetype TextLines::addWordsOfLine(QStringView text)
 {
     const qsizetype begin = m_text.size();
-    bool blank = m_blank && !m_text.endsWith(u' ');
+    bool blank = m_blank;
     m_text.resize(begin + text.size() + 1);
     QChar *const start = m_text.data();
     QChar *to = start + begin;
@@ -115,8 +113,6 @@ QString TextLines::finished()
 
 void TextLines::wantBreaks(int count)
 {
-    m_blank = false;
-    m_cell = false;
     m_breaks = std::max(m_breaks, count);
 }
 

@@ -204,14 +204,21 @@ void TestCharset::statefulCharsetEndsInItsInitialState()
 
 void TestCharset::utf8TakesEveryText()
 {
-    QCOMPARE(encodeStrictly(QString(QChar(0xDC00)) + u"😀"_s, "utf-8"), std::optional<QByteArray>("\xEF\xBF\xBD😀"));
-    QCOMPARE(decodeStrictly("\xEF\xBB\xBFx", "utf-8"), std::optional<QString>(u"\uFEFFx"_s));
+    for (const char *name : {"utf-8", "utf8", "UTF-8", "Utf8"}) {
+        QCOMPARE(encodeStrictly(QString(QChar(0xDC00)) + u"😀"_s, name), std::optional<QByteArray>("\xEF\xBF\xBD😀"));
+        QCOMPARE(encodeStrictly(u"\u0085\uE000"_s, name), std::optional<QByteArray>("\xC2\x85\xEE\x80\x80"));
+        QCOMPARE(decodeStrictly("\xEF\xBB\xBFx", name), std::optional<QString>(u"\uFEFFx"_s));
+        QCOMPARE(decodeStrictly(QByteArrayView("a\0", 2), name), std::optional(QString(u"a"_s + QChar(0))));
+        QCOMPARE(decodeStrictly("", name), std::optional(QString()));
+    }
 }
 
 void TestCharset::brokenOctetsAreRefused()
 {
-    QVERIFY(!decodeStrictly("a\xC3", "utf-8"));
-    QVERIFY(!decodeStrictly("\xFFz", "utf-8"));
+    for (const char *octets :
+         {"a\xC3", "\xE2\x82", "\xF0\x9F\x98", "\xEF\xBB", "\xFFz", "\x80", "\xC3z", "\xED\xA0\x80"}) {
+        QVERIFY2(!decodeStrictly(octets, "utf-8"), QByteArray(octets).toHex());
+    }
     QVERIFY(!decodeStrictly("\xFF", "euc-jp"));
     QVERIFY(!decodeStrictly("a", "x-nothing"));
 }

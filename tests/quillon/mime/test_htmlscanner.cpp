@@ -71,6 +71,11 @@ void TestHtmlScanner::piecesAreWhatABrowserSees_data()
     row("quote within a value", u"<a b=z'>u"_s, {u"start a: <a b=z'>"_s, u"text: u"_s});
     row("open quote", u"<a b='x>y"_s, {u"start a: <a b='x>y"_s});
     row("open tag", u"a<b c"_s, {u"text: a"_s, u"start b: <b c"_s});
+    row("open name", u"a<b"_s, {u"text: a"_s, u"start b: <b"_s});
+    row("open name of an end", u"a</b"_s, {u"text: a"_s, u"end b: </b"_s});
+    row("less-than at the end", u"a<"_s, {u"text: a"_s, u"text: <"_s});
+    row("begin of an end at the end", u"a</"_s, {u"text: a"_s, u"markup: </"_s});
+    row("begin of markup at the end", u"a<!"_s, {u"text: a"_s, u"markup: <!"_s});
     for (const QString &element : {u"script"_s, u"style"_s, u"title"_s, u"textarea"_s, u"xmp"_s, u"noframes"_s}) {
         row(element.toLatin1().constData(), u"<%1>a<b></%2></%1x></%1>c"_s.arg(element, element.chopped(1)),
             {u"start %1: <%1>"_s.arg(element), u"raw %1: a<b></%2></%1x>"_s.arg(element, element.chopped(1)),
@@ -108,6 +113,7 @@ void TestHtmlScanner::attributesAreThoseABrowserFinds_data()
     QTest::newRow("open at the end, bare") << u"<a b=cd"_s << QStringList{u"b=cd"_s};
     QTest::newRow("open at the end, name") << u"<a bc"_s << QStringList{u"bc="_s};
     QTest::newRow("open at the end, quoted") << u"<a b='cd"_s << QStringList{u"b='cd'"_s};
+    QTest::newRow("open quote ends with its tag") << u"<a =\" b='c\" d>e'"_s << QStringList{u"=\"="_s, u"b='c\" d'"_s};
     QTest::newRow("other quote inside") << u"<a b='\"' c=\"'\">"_s << QStringList{u"b='\"'"_s, u"c='''"_s};
 }
 

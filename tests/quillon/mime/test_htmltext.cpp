@@ -14,6 +14,8 @@ class TestHtmlText : public QObject {
 private Q_SLOTS:
     void textVersionIsReadable();
     void textVersionIsReadable_data();
+    void eachElementBreaksTheTextAsItsKindDoes_data();
+    void eachElementBreaksTheTextAsItsKindDoes();
     void brokenDocumentsGiveWhatABrowserShows();
     void brokenDocumentsGiveWhatABrowserShows_data();
     void entitiesAreDecoded();
@@ -106,6 +108,7 @@ void TestHtmlText::textVersionIsReadable_data()
     QTest::newRow("text area") << u"<textarea>a &lt;\n  b</textarea>"_s << u"a <\r\n  b\r\n"_s;
     QTest::newRow("blanks between elements") << u"a <b> b</b>\t\f<i>\r\nc</i>d"_s << u"a b cd\r\n"_s;
     QTest::newRow("no-break and other blanks") << u"&nbsp;a&nbsp; b &nbsp;c&nbsp;"_s << u" a b  c\r\n"_s;
+    QTest::newRow("blanks behind a no-break space") << u"a b&nbsp; c &nbsp; d"_s << u"a b c  d\r\n"_s;
     QTest::newRow("no-break spaces") << u"a&nbsp;&nbsp;b"_s << u"a  b\r\n"_s;
 }
 
@@ -114,6 +117,41 @@ void TestHtmlText::textVersionIsReadable()
     QFETCH(QString, html);
     QFETCH(QString, text);
     QCOMPARE(textOfHtml(html), text);
+}
+
+void TestHtmlText::eachElementBreaksTheTextAsItsKindDoes_data()
+{
+    QTest::addColumn<QString>("element");
+    QTest::addColumn<QString>("behind"); // what stands between a text and that of the element
+    QTest::addColumn<QString>("after");  // between the element's and the next
+    const auto rows = [](const QString &behind, const QString &after, const QString &elements) {
+        for (const QString &element : elements.split(u' ')) {
+            QTest::newRow(qPrintable(element)) << element << behind << after;
+        }
+    };
+    const QString line = u"\r\n"_s;
+    const QString empty = u"\r\n\r\n"_s;
+    rows(line, line,
+         u"address article aside caption center dd div dt fieldset figcaption footer form header main nav option "
+         "section tr"_s);
+    rows(empty, empty, u"dl figure h1 h2 h3 h4 h5 h6 listing p pre table"_s);
+    rows(empty + u"  "_s, empty, u"dir menu ol ul"_s);
+    rows(u"\r\n\r\n> "_s, empty, u"blockquote"_s);
+    rows(line + u"- "_s, line, u"li"_s);
+    rows(u" | "_s, QString(), u"td th"_s);
+    rows(line, QString(), u"br"_s);
+    rows(line + QString(40, u'-') + line, QString(), u"hr"_s);
+    rows(QString(), QString(), u"a img b span font body html blink addresses ins"_s);
+}
+
+void TestHtmlText::eachElementBreaksTheTextAsItsKindDoes()
+{
+    QFETCH(QString, element);
+    QFETCH(QString, behind);
+    QFETCH(QString, after);
+    const QString expected = u'x' + behind + u'y' + after + u"z\r\n"_s;
+    QCOMPARE(textOfHtml(u"x<%1>y</%1>z"_s.arg(element)), expected);
+    QCOMPARE(textOfHtml(u"x<%1>y</%1>z"_s.arg(element.toUpper())), expected);
 }
 
 void TestHtmlText::brokenDocumentsGiveWhatABrowserShows_data()

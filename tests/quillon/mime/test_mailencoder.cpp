@@ -24,6 +24,9 @@ private Q_SLOTS:
     void aMailWithAllPartsIsWrittenToTheOctet();
     void blanksAroundACharsetDoNotCount();
     void onlyWhatDoesNotFitItsCharsetIsUtf8();
+    void aDocumentNamesTheCharsetThatItTravelsIn();
+    void aTextInBase64EndsWithItsLastLine();
+    void theTextVersionHasNoHalfCharacters();
 };
 
 void TestMailEncoder::sizeIsExact()
@@ -275,6 +278,45 @@ void TestMailEncoder::onlyWhatDoesNotFitItsCharsetIsUtf8()
     QCOMPARE(charsets(u"€"_s), "utf-8 iso-8859-1"_ba);
     QCOMPARE(charsets(u"<style>€</style>ü"_s), "iso-8859-1 utf-8"_ba);
     QCOMPARE(charsets(QString(QChar(0xD800))), "utf-8 iso-8859-1"_ba);
+}
+
+void TestMailEncoder::aDocumentNamesTheCharsetThatItTravelsIn()
+{
+    const auto document = [this](const QString &html) {
+        MailMessage mail = message();
+        mail.Format = MailMessage::Html;
+        mail.Charset = u"iso-8859-1"_s;
+        mail.Content = html;
+        const QByteArray octets = encode(mail).replace("=\r\n", "");
+        return octets.mid(octets.indexOf("<meta"), octets.indexOf("</i>") - octets.indexOf("<meta"));
+    };
+    QCOMPARE(document(u"<meta charset=x><i>ü</i>"_s), "<meta charset=3Diso-8859-1><i>=FC"_ba);
+    QCOMPARE(document(u"<meta charset=x><i>€</i>"_s), "<meta charset=3Diso-8859-1><i>&#8364;"_ba.replace("=3D", "="));
+    // What stands in a script or a style takes no references, so that the whole document moves.
+    QCOMPARE(document(u"<meta charset=x><style>€</style><i>ü</i>"_s),
+             "<meta charset=3Dutf-8><style>=E2=82=AC</style><i>=C3=BC"_ba);
+}
+
+void TestMailEncoder::aTextInBase64EndsWithItsLastLine()
+{
+    MailMessage mail = message();
+    mail.Format = MailMessage::Html;
+    mail.Content = u"日本語"_s;
+    const QByteArray octets = encode(mail);
+    QCOMPARE(octets.count("Content-Transfer-Encoding: base64"), 2);
+    QCOMPARE(octets.count("\r\n\r\n" + u"日本語"_s.toUtf8().toBase64() + "\r\n--"), 1);
+    QCOMPARE(octets.count("\r\n\r\n" + u"日本語\r\n"_s.toUtf8().toBase64() + "\r\n--"), 1);
+}
+
+void TestMailEncoder::theTextVersionHasNoHalfCharacters()
+{
+    for (const QString &charset : {u"utf-8"_s, u"iso-8859-1"_s}) {
+        MailMessage mail = message();
+        mail.Format = MailMessage::Html;
+        mail.Charset = charset;
+        mail.Content = u"half a pair: "_s + QChar(0xD800);
+        QCOMPARE(encode(mail).count("half a pair: =EF=BF=BD"), charset == u"utf-8" ? 2 : 1);
+    }
 }
 
 QTEST_GUILESS_MAIN(TestMailEncoder)

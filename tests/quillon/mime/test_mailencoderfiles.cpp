@@ -34,6 +34,10 @@ private Q_SLOTS:
     void referencesNameLocalPaths_data();
     void referencesNameLocalPaths();
     void onlyPicturesSoundsAndFilmsAreShownInPlace();
+    void aReferenceFindsTheFileInEitherForm_data();
+    void aReferenceFindsTheFileInEitherForm();
+    void anAttachmentWithoutAPrintableNameHasThatOfItsFile_data();
+    void anAttachmentWithoutAPrintableNameHasThatOfItsFile();
 };
 
 void TestMailEncoderFiles::localPicturesBecomeRelatedPartsOnce()
@@ -216,6 +220,52 @@ void TestMailEncoderFiles::onlyPicturesSoundsAndFilmsAreShownInPlace()
     for (const char *type : {"", "text/html", "application/pdf", "imagery/x", "x-image/png"}) {
         QVERIFY2(!isShownInPlace(type), type);
     }
+}
+
+void TestMailEncoderFiles::aReferenceFindsTheFileInEitherForm_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("reference");
+    QTest::newRow("as it is") << u"a%20b.png"_s << u"%1/a%20b.png"_s;
+    QTest::newRow("decoded") << u"a b.png"_s << u"%1/a%20b.png"_s;
+    QTest::newRow("URL decoded") << u"a b.png"_s << u"file://%1/a%20b.png"_s;
+    QTest::newRow("URL as it is") << u"a%20b.png"_s << u"file://%1/a%20b.png"_s;
+}
+
+void TestMailEncoderFiles::aReferenceFindsTheFileInEitherForm()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, reference);
+    const QTemporaryDir folder;
+    QVERIFY(QFile::copy(write(u"source.png"_s, png), folder.filePath(file)));
+    MailMessage mail = message();
+    mail.Format = MailMessage::Html;
+    mail.Content = u"<img src='"_s + QString(reference).replace(u"%1"_s, folder.path()) + u"'>"_s;
+    const QByteArray octets = encode(mail);
+    QCOMPARE(octets.count("Content-ID: <"), 1);
+    QCOMPARE(octets.count("cid:part1."), 1);
+}
+
+void TestMailEncoderFiles::anAttachmentWithoutAPrintableNameHasThatOfItsFile_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("told");
+    QTest::newRow("none") << QString() << "a.png"_ba;
+    QTest::newRow("blanks") << u" \t\r\n"_s << "a.png"_ba;
+    QTest::newRow("controls") << u"\u0001\u007F\u0080"_s << "a.png"_ba;
+    QTest::newRow("blanks and controls") << u" \u0001 "_s << "a.png"_ba;
+    QTest::newRow("name") << u" \u0001b "_s << "b"_ba;
+}
+
+void TestMailEncoderFiles::anAttachmentWithoutAPrintableNameHasThatOfItsFile()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, told);
+    MailMessage mail = message();
+    mail.Attachments.Add({name, write(u"a.png"_s, png)});
+    const QByteArray octets = encode(mail);
+    QCOMPARE(octets.count("Content-Type: image/png; name=\"" + told + "\"\r\n"), 1);
+    QCOMPARE(octets.count("Content-Disposition: attachment; filename=\"" + told + "\"\r\n"), 1);
 }
 
 QTEST_GUILESS_MAIN(TestMailEncoderFiles)

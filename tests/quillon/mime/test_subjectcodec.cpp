@@ -22,6 +22,8 @@ private Q_SLOTS:
     void anyOfferedCharsetGivesTheSubjectBack();
     void encodedFormIsOneLineOfPrintableAscii();
     void plainSubjectStaysReadable();
+    void onlyWhatALineOfAFileKeepsStaysAsItIs_data();
+    void onlyWhatALineOfAFileKeepsStaysAsItIs();
     void plainTextThatWasNeverEncodedStays();
     void plainTextThatWasNeverEncodedStays_data();
     void loneSurrogateBecomesTheReplacementCharacter();
@@ -131,6 +133,33 @@ void TestSubjectCodec::plainSubjectStaysReadable()
     QCOMPARE(SubjectCodec().Encode(u"Invoice no. 5 = paid?"_s, u"utf-8"_s), u"Invoice no. 5 = paid?"_s);
 }
 
+void TestSubjectCodec::onlyWhatALineOfAFileKeepsStaysAsItIs_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("stays");
+    QTest::newRow("empty") << QString() << true;
+    QTest::newRow("first and last of ASCII") << u"!~"_s << true;
+    QTest::newRow("blanks within") << u"a  b"_s << true;
+    QTest::newRow("half a mark") << u"a= ?"_s << true;
+    QTest::newRow("blank at the front") << u" a"_s << false;
+    QTest::newRow("blank at the end") << u"a "_s << false;
+    QTest::newRow("one blank") << u" "_s << false;
+    QTest::newRow("mark of a word") << u"a=?"_s << false;
+    QTest::newRow("last control") << u"a\u001Fb"_s << false;
+    QTest::newRow("delete") << u"a\u007Fb"_s << false;
+    QTest::newRow("other letter") << u"aüb"_s << false;
+}
+
+void TestSubjectCodec::onlyWhatALineOfAFileKeepsStaysAsItIs()
+{
+    QFETCH(QString, text);
+    const SubjectCodec codec;
+    const QString encoded = codec.Encode(text, u"utf-8"_s);
+    QTEST(encoded == text, "stays");
+    QCOMPARE(encoded.trimmed(), encoded);
+    QCOMPARE(codec.Decode(encoded, u"utf-8"_s), text);
+}
+
 void TestSubjectCodec::plainTextThatWasNeverEncodedStays_data()
 {
     QTest::addColumn<QString>("text");
@@ -208,6 +237,9 @@ void TestSubjectCodec::firstWordKeepsToItsRoom()
     for (qsizetype room = 30; room <= 75; ++room) {
         const QList<QByteArray> words = encodedWords(text, "UTF-8", room);
         QVERIFY(words.first().size() <= room);
+        for (qsizetype i = 1; i + 1 < words.size(); ++i) { // the others have a line of their own
+            QVERIFY2(words[i].size() > 69, words[i].constData());
+        }
         QCOMPARE(decodedOneByOne(words), text);
     }
 }
@@ -234,6 +266,9 @@ void TestSubjectCodec::decoderTakesWhatOtherMailersWrite_data()
     QTest::newRow("touching") << u"=?UTF-8?Q?a?==?UTF-8?Q?b?="_s << u"ab"_s;
     QTest::newRow("two charsets") << u"=?UTF-8?Q?a?= =?koi8-r?Q?=C1?="_s << u"aа"_s;
     QTest::newRow("language tag") << u"=?US-ASCII*EN?Q?Keith_Moore?="_s << u"Keith Moore"_s;
+    const QString longest = u"us-ascii*"_s + QString(50, u'x');
+    QTest::newRow("longest language tag") << u"=?%1?Q?a?="_s.arg(longest) << u"a"_s;
+    QTest::newRow("longer language tag") << u"=?%1x?Q?a?="_s.arg(longest) << u"=?%1x?Q?a?="_s.arg(longest);
     QTest::newRow("no padding") << u"=?UTF-8?B?w7w?="_s << u"ü"_s;
     QTest::newRow("mark before a word") << u"=?=?UTF-8?Q?a?="_s << u"=?a"_s;
 }

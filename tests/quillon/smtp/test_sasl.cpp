@@ -14,6 +14,7 @@ class TestSasl : public QObject {
 private Q_SLOTS:
     void everyMechanismProvesItselfToTheLibrarysServer_data();
     void everyMechanismProvesItselfToTheLibrarysServer();
+    void theServiceThatIsAskedForIsNamed();
     void aWrongPasswordIsRefused_data();
     void aWrongPasswordIsRefused();
     void plainAndLoginCarryUtf8();
@@ -137,6 +138,16 @@ void TestSasl::everyMechanismProvesItselfToTheLibrarysServer()
     const Outcome outcome = converse(mechanism, u"pässwort"_s);
     QVERIFY(outcome.Server);
     QVERIFY(outcome.Client);
+}
+
+void TestSasl::theServiceThatIsAskedForIsNamed()
+{
+    const auto client = SaslClient::start("DIGEST-MD5", u"user"_s, u"password"_s, u"mail.example.org"_s);
+    QVERIFY(client && !client->speaksFirst());
+    const auto answer = client->step("realm=\"r\",nonce=\"n\",qop=\"auth\",charset=utf-8,algorithm=md5-sess");
+    QVERIFY(answer);
+    QVERIFY2(answer->contains("digest-uri=\"smtp/mail.example.org\""), answer->constData());
+    QVERIFY2(answer->contains("username=\"user\""), answer->constData());
 }
 
 void TestSasl::aWrongPasswordIsRefused_data()

@@ -21,6 +21,7 @@ private Q_SLOTS:
     void theParametersOfMailStandInOrder();
     void theFirstFaultIsTold_data();
     void theFirstFaultIsTold();
+    void whoeverSendsMayBeARecipientToo();
     void aHostGoesInOneForm_data();
     void aHostGoesInOneForm();
 };
@@ -218,6 +219,15 @@ void TestSmtpEnvelope::theFirstFaultIsTold()
     QVERIFY(envelope.Failure);
     QCOMPARE(envelope.Failure->Text, sentence);
     QVERIFY(envelope.Commands.isEmpty() && envelope.Recipients.isEmpty());
+}
+
+void TestSmtpEnvelope::whoeverSendsMayBeARecipientToo()
+{
+    const QString self = u"self@b.c"_s;
+    const SmtpEnvelope envelope = SmtpEnvelope::plan(addressed(self, {u"a@b.c"_s, self, u"a@b.c"_s, self}), {});
+    QVERIFY(!envelope.Failure);
+    QCOMPARE(envelope.Recipients, (QStringList{u"a@b.c"_s, self}));
+    QCOMPARE(envelope.Commands, (QList<QByteArray>{"MAIL FROM:<self@b.c>", "RCPT TO:<a@b.c>", "RCPT TO:<self@b.c>"}));
 }
 
 void TestSmtpEnvelope::aHostGoesInOneForm_data()

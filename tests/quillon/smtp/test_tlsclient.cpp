@@ -23,6 +23,8 @@ private Q_SLOTS:
     void nothingIsEncryptedBeforeTheHandshakeIsOver();
     void aPeerIsVerified_data();
     void aPeerIsVerified();
+    void onlyAWholeLabelStandsForAnyName_data();
+    void onlyAWholeLabelStandsForAnyName();
     void theSystemsAuthoritiesCountWithoutOthers();
     void anOldVersionIsNoTls();
     void garbageInTheHandshakeFails();
@@ -142,6 +144,28 @@ void TestTlsClient::aPeerIsVerified()
     client.write("secret");
     peer->converse(client);
     QCOMPARE(peer->Heard, fault.isEmpty() ? QByteArray("secret") : QByteArray());
+}
+
+void TestTlsClient::onlyAWholeLabelStandsForAnyName_data()
+{
+    QTest::addColumn<QString>("host");
+    QTest::addColumn<bool>("verified");
+    QTest::newRow("any label") << u"mail.wild.example"_s << true;
+    QTest::newRow("two labels") << u"a.mail.wild.example"_s << false;
+    QTest::newRow("no label") << u"wild.example"_s << false;
+    QTest::newRow("begin of a label") << u"party.some.example"_s << false;
+}
+
+void TestTlsClient::onlyAWholeLabelStandsForAnyName()
+{
+    // RFC 9525, 6.3: a wildcard is the whole of the leftmost label or nothing.
+    QFETCH(QString, host);
+    QFETCH(bool, verified);
+    MemoryServer peer(m_certificates.elsewhereFile(), m_certificates.elsewhereKeyFile());
+    peer.begin();
+    TlsClient client(host, 465);
+    peer.converse(client);
+    QCOMPARE(client.state(), verified ? TlsClient::State::Ready : TlsClient::State::Failed);
 }
 
 void TestTlsClient::theSystemsAuthoritiesCountWithoutOthers()

@@ -32,6 +32,7 @@ private Q_SLOTS:
     void promptsThatNobodyAnswersAreDeclined();
     void registryWithoutAFileIsSilent();
     void promptsWithNobodyThereAreFaults();
+    void aServiceThatIsTakenBackLeavesTheOneBefore();
 
 private:
     /// A process whose executable bears that very name, working on the data below @p dataHome.
@@ -267,6 +268,35 @@ void TestSystem::promptsWithNobodyThereAreFaults()
     QCOMPARE(quillon::prompts().input({u"K"_s, u"T"_s, u"default"_s}), QString());
     QCOMPARE(m_system.ChooseColor(), -1L);
     QCOMPARE(quillon::faultCount(), before + 3);
+}
+
+namespace {
+
+/// What became of the services of a kind, put in force with @p set and asked for with @p present.
+template <typename Service, typename Set, typename Present> void checkExchange(Set set, Present present)
+{
+    Service *const standard = &present();
+    Service first;
+    Service second;
+    QCOMPARE(set(nullptr), nullptr);
+    QCOMPARE(&present(), standard);
+    QCOMPARE(set(&first), nullptr); // the default is told as nobody, so that it can be put back as what was told
+    QCOMPARE(&present(), &first);
+    QCOMPARE(set(&second), &first);
+    QCOMPARE(&present(), &second);
+    QCOMPARE(set(nullptr), &second);
+    QCOMPARE(&present(), standard);
+    QCOMPARE(set(nullptr), nullptr);
+    QCOMPARE(&present(), standard);
+}
+
+} // namespace
+
+void TestSystem::aServiceThatIsTakenBackLeavesTheOneBefore()
+{
+    checkExchange<quillon::Clock>(quillon::setSystemClock, quillon::systemClock);
+    checkExchange<quillon::Processes>(quillon::setProcesses, quillon::processes);
+    checkExchange<quillon::DesktopOpener>(quillon::setDesktopOpener, quillon::desktopOpener);
 }
 
 QTEST_GUILESS_MAIN(TestSystem)
