@@ -105,6 +105,7 @@ void Program::makeMainWindow()
     hooks.showProgress = [this] { return showProgress(); };
     hooks.loadLists = [this] { loadLists(); };
     hooks.checkAccount = [this] { checkAccount(); };
+    hooks.prompts = [this] { return m_recipients.entries(); };
     hooks.rememberRecipients = [this] { rememberRecipients(); };
     hooks.readPrompts = [this] { m_recipients.upsReadPrompts(); };
     hooks.minimised = [this] { m_tray->minimised(); };

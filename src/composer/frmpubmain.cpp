@@ -14,6 +14,7 @@
 #include "composer/mainicons.h"
 #include "composer/menuitemarray.h"
 #include "composer/popups.h"
+#include "composer/recipientcompletion.h"
 #include "composer/recipientcounts.h"
 #include "composer/richeditor.h"
 #include "composer/signatureinsertion.h"
@@ -89,9 +90,7 @@ void frmPubMain::prepareControls()
     };
     hiddenChild(new QComboBox(this), u"cbb(3)"_s);
     hiddenChild(new RichEditor(this), u"dheTmp"_s);
-    auto *filter = new QListWidget(this);
-    filter->setFocusPolicy(Qt::NoFocus); // typing goes on in the box that it belongs to
-    hiddenChild(filter, u"lstFilter"_s);
+    hiddenChild(new QListView(this), u"lstFilter"_s);
     auto *palette = new QFrame(this);
     palette->setFrameShape(QFrame::StyledPanel);
     palette->setAutoFillBackground(true);
@@ -153,6 +152,9 @@ void frmPubMain::makeConcerns()
     m_signatures = new SignatureInsertion(findChild<QMenu *>(u"menis"_s), findChild<QAction *>(u"menissa(0)"_s),
                                           *m_message, *m_view, *m_edit, m_hooks.findSignature);
     m_placement = new WindowPlacement(this, m_globals);
+    for (QPlainTextEdit *box : c.txt) {
+        new RecipientCompletion(box, c.lstFilter, {m_hooks.prompts, [this] { return m_view->mblnReady; }});
+    }
     new GrowingBoxes(c.txt, c.attachments, c.header, centralWidget());
     m_flow = std::make_unique<DocumentFlow>(
         m_globals, *m_message, *m_view,

@@ -30,7 +30,7 @@ MainControls::MainControls(QMainWindow *window)
       utbSource(form->findChild<QPlainTextEdit *>(u"utbSource"_s)), sst(form->findChild<QTabWidget *>(u"sst"_s)),
       dhe(form->findChild<RichEditor *>(u"dhe"_s)), header(form->findChild<QWidget *>(u"fra(0)"_s)),
       formattingBar(form->findChild<QWidget *>(u"fra(3)"_s)), colorPopUp(form->findChild<QWidget *>(u"fra(4)"_s)),
-      lstFilter(form->findChild<QListWidget *>(u"lstFilter"_s)), menfb(form->findChild<QAction *>(u"menfb"_s)),
+      lstFilter(form->findChild<QListView *>(u"lstFilter"_s)), menfb(form->findChild<QAction *>(u"menfb"_s)),
       mentr(form->findChild<QAction *>(u"mentr"_s)), menop(form->findChild<QAction *>(u"menop"_s)),
       menor(form->findChild<QAction *>(u"menor"_s)), menve(form->findChild<QAction *>(u"menve"_s)),
       tlbExpand(form->findChild<QAction *>(u"tlbExpand"_s))

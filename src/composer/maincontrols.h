@@ -10,6 +10,7 @@ class QComboBox;
 class QDateEdit;
 class QLabel;
 class QLineEdit;
+class QListView;
 class QListWidget;
 class QMainWindow;
 class QPlainTextEdit;
@@ -45,7 +46,7 @@ struct MainControls {
     QWidget *header;        ///< fra(0)
     QWidget *formattingBar; ///< fra(3)
     QWidget *colorPopUp;    ///< fra(4)
-    QListWidget *lstFilter;
+    QListView *lstFilter;
     QAction *menfb;
     QAction *mentr;
     QAction *menop;

@@ -17,6 +17,7 @@ MainHooks requireAll(MainHooks hooks)
     quillon::requireHook(hooks.optionsOpen, u"MainHooks::optionsOpen"_s);
     quillon::requireHook(hooks.sending, u"MainHooks::sending"_s);
     quillon::requireHook(hooks.showProgress, u"MainHooks::showProgress"_s);
+    quillon::requireHook(hooks.prompts, u"MainHooks::prompts"_s);
     quillon::requireHook(hooks.rememberRecipients, u"MainHooks::rememberRecipients"_s);
     quillon::requireHook(hooks.loadLists, u"MainHooks::loadLists"_s);
     quillon::requireHook(hooks.checkAccount, u"MainHooks::checkAccount"_s);

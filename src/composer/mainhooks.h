@@ -3,6 +3,7 @@
 #include "records/signaturerecords.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
@@ -23,6 +24,7 @@ struct MainHooks {
     std::function<bool()> sending;      ///< the status line tells of a run: no hint takes its place
     std::function<bool()> showProgress; ///< a click on the status bar; true: it was used
 
+    std::function<QStringList()> prompts; ///< the earlier recipients that are offered while typing
     /// Adds the recipients of To, CC and BCC to the input prompts, and reads those again.
     std::function<void()> rememberRecipients;
 

@@ -46,6 +46,7 @@ public:
         hooks.loadLists = [] {};
         hooks.checkAccount = [] {};
         hooks.readPrompts = [] {};
+        hooks.prompts = [this] { return prompted; };
         hooks.rememberRecipients = [this] { ++remembered; };
         hooks.minimised = [this] { ++minimised; };
         hooks.closed = [this] { ++closed; };
@@ -98,6 +99,7 @@ public:
     std::function<void(const QString &form)> whenShown;
     bool optionsOpen = false;
     bool sending = false;
+    QStringList prompted; ///< the earlier recipients
     int remembered = 0;
     int minimised = 0;
     int closed = 0;

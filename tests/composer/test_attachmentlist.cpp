@@ -119,7 +119,7 @@ void TestAttachmentList::sizesAreRoundedKilobytes()
 void TestAttachmentList::cancelChangesNothingAndLeavesPopUps()
 {
     MainFixture main;
-    auto *filter = main.get<QListWidget>(u"lstFilter"_s);
+    auto *filter = main.get<QListView>(u"lstFilter"_s);
     ExpectedPrompts asked;
     asked.expectFiles({}).expectFolder(QString(), u"Select Folder"_s);
     filter->show();
@@ -133,7 +133,7 @@ void TestAttachmentList::cancelChangesNothingAndLeavesPopUps()
 void TestAttachmentList::completedActionHidesPopUps()
 {
     MainFixture main;
-    auto *filter = main.get<QListWidget>(u"lstFilter"_s);
+    auto *filter = main.get<QListView>(u"lstFilter"_s);
     ExpectedPrompts asked;
     asked.expectFiles({file(main, u"a"_s)});
     filter->show();
@@ -279,7 +279,7 @@ void TestAttachmentList::aLinkToADriveIsRefusedToo()
     MainFixture main;
     const QString link = main.tree.path(u"link"_s);
     QVERIFY(QFile::link(u"/"_s, link));
-    auto *filter = main.get<QListWidget>(u"lstFilter"_s);
+    auto *filter = main.get<QListView>(u"lstFilter"_s);
     filter->show();
     QStringList drives = {link};
     if (QStorageInfo(u"/proc"_s).rootPath() == u"/proc") {
@@ -325,7 +325,7 @@ void TestAttachmentList::filesThatAreListedAlreadyHidePopUpsToo()
     MainFixture main;
     const QString a = file(main, u"a"_s);
     addFiles(main, {a});
-    auto *filter = main.get<QListWidget>(u"lstFilter"_s);
+    auto *filter = main.get<QListView>(u"lstFilter"_s);
     main.message().pblnChanged = false;
     for (const QString &command : {u"meniaa"_s, u"meniaf"_s}) {
         filter->show();

@@ -119,10 +119,10 @@ void TestMainCommands::removeAndOpenNeedAMarkedAttachment()
 void TestMainCommands::aHookThatIsNotSetIsAFaultByItsName()
 {
     TemporaryTree tree;
-    const QStringList names = {
-        u"send"_s,      u"exitProgram"_s,  u"findSmtpRecord"_s, u"insertIntoSignature"_s, u"findSignature"_s,
-        u"showForm"_s,  u"optionsOpen"_s,  u"sending"_s,        u"showProgress"_s,        u"rememberRecipients"_s,
-        u"loadLists"_s, u"checkAccount"_s, u"readPrompts"_s,    u"minimised"_s,           u"closed"_s};
+    const QStringList names = {u"send"_s,          u"exitProgram"_s, u"findSmtpRecord"_s,     u"insertIntoSignature"_s,
+                               u"findSignature"_s, u"showForm"_s,    u"optionsOpen"_s,        u"sending"_s,
+                               u"showProgress"_s,  u"prompts"_s,     u"rememberRecipients"_s, u"loadLists"_s,
+                               u"checkAccount"_s,  u"readPrompts"_s, u"minimised"_s,          u"closed"_s};
     for (const QString &name : names) {
         QTest::ignoreMessage(QtWarningMsg, qPrintable(u"hook not set: MainHooks::"_s + name));
     }
