@@ -1,5 +1,5 @@
 // The measurements of the program's own parts, one a call:
-//   corvane_bench transport|encoding|program|macros|prompts
+//   corvane_bench transport|encoding|program|macros|prompts|typing
 //   '{"port":…,"count":…,"starttls":…,"authority":…,"document":…}'
 // Prints the result as one line of JSON.
 
@@ -45,7 +45,7 @@ int main(int argc, char **argv)
     task.authority = wanted.value("authority"_L1).toString();
     task.document = wanted.value("document"_L1).toString();
 
-    const bool whole = measurement == "program";
+    const bool whole = measurement == "program" || measurement == "typing";
     const std::unique_ptr<QCoreApplication> application(whole ? new QApplication(argc, argv)
                                                               : new QCoreApplication(argc, argv));
     if (!task.authority.isEmpty()) {
@@ -56,14 +56,16 @@ int main(int argc, char **argv)
         result = measureTransport(task);
     } else if (measurement == "encoding") {
         result = measureEncoding(task);
-    } else if (whole) {
+    } else if (measurement == "program") {
         result = measureProgram(task);
+    } else if (measurement == "typing") {
+        result = measureTyping(task);
     } else if (measurement == "macros") {
         result = measureMacros();
     } else if (measurement == "prompts") {
         result = measurePrompts();
     } else {
-        std::fputs("usage: corvane_bench transport|encoding|program|macros|prompts [JSON]\n", stderr);
+        std::fputs("usage: corvane_bench transport|encoding|program|macros|prompts|typing [JSON]\n", stderr);
         return 2;
     }
     std::puts(QJsonDocument(result).toJson(QJsonDocument::Compact).constData());

@@ -29,6 +29,10 @@ QJsonObject measureMacros();
 /// Saving 1000 recipients beside 100,000 that are remembered: {"seconds"}.
 QJsonObject measurePrompts();
 
+/// Typing into To beside 100,000 earlier recipients: {"memory": KB of their list, "median" and "worst": milliseconds of
+/// a key; the same as "lines…" and "oneLine…" into a text of 1 MB that was pasted, in lines or as one}.
+QJsonObject measureTyping(const BenchTask &task);
+
 /// The i-th recipient, from 1.
 QString benchName(int i);
 QString benchAddress(int i);

@@ -1,22 +1,12 @@
-#include "composer/frmpubmain.h"
-#include "core/datatree.h"
-#include "core/settings.h"
-#include "core/texts.h"
-#include "macros/macrocatalogue.h"
-#include "measures.h"
+#include "benchwindow.h"
 #include "quillon/forms/formregistry.h"
-#include "quillon/system/prompts.h"
-#include "records/accountrecords.h"
 #include "sending/forms/formprogressview.h"
 #include "sending/forms/frmpubprogress.h"
 #include "sending/sendrun.h"
 
 #include <QAbstractButton>
 #include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
@@ -25,36 +15,6 @@ namespace {
 
 constexpr double nanosecondsPerSecond = 1e9;
 constexpr int settled = 100; ///< mails after which the memory has to stay as it is
-
-/// Boxes are answered at once, as nobody sits here. A run that shows any but its closing box has gone wrong.
-class NobodyThere : public quillon::HarmlessPrompts {
-public:
-    quillon::BoxAnswer box(const quillon::BoxRequest &request) override
-    {
-        if (request.Style != quillon::InformationBox) {
-            qFatal("%s", qPrintable(request.Text));
-        }
-        closing = request.Text;
-        return quillon::BoxAnswer::Ok;
-    }
-    void showModalForm(const QString &form, int) override { qFatal("%s was shown", qPrintable(form)); }
-
-    QString closing;
-};
-
-/// The resident memory of this process in KB.
-double memory()
-{
-    QFile status(u"/proc/self/status"_s);
-    if (status.open(QIODevice::ReadOnly)) {
-        for (QByteArray line = status.readLine(); !line.isEmpty(); line = status.readLine()) {
-            if (line.startsWith("VmRSS:")) {
-                return line.mid(6).chopped(3).trimmed().toDouble();
-            }
-        }
-    }
-    qFatal("the memory of this process is not told");
-}
 
 /// The real dialog, with a look at the clock and the memory when a mail's turn comes.
 class WatchedProgress : public FormProgressView {
@@ -81,7 +41,7 @@ public:
             last = (seconds() - m_before) / stretch;
         }
         if (i == settled + 1) {
-            memoryEarly = memory();
+            memoryEarly = residentMemory();
         }
     }
 
@@ -95,25 +55,6 @@ private:
     QElapsedTimer m_timer;
     double m_before = 0;
 };
-
-void makeAccount(const ApplicationGlobals &globals, const BenchTask &task)
-{
-    const QStringList fields{u"127.0.0.1"_s,
-                             QString::number(task.port),
-                             task.starttls ? u"T"_s : u"N"_s,
-                             task.starttls ? u"Y"_s : u"N"_s,
-                             u"ada"_s,
-                             u"secret"_s,
-                             u"Ada King"_s,
-                             u"ada@x.example"_s,
-                             u"Ada's desk"_s,
-                             u"ada@x.example"_s,
-                             u"/SAEND"_s};
-    QFile file(globals.paths.smtpFile);
-    if (!file.open(QIODevice::WriteOnly) || file.write(fields.join(u'\t').toUtf8() + "\r\n") < 0) {
-        qFatal("the account was not written");
-    }
-}
 
 void fill(frmPubMain &main, const BenchTask &task)
 {
@@ -150,50 +91,20 @@ void runToItsEnd(SendRun &run)
 
 QJsonObject measureProgram(const BenchTask &task)
 {
-    const QTemporaryDir folder;
-    for (const QString &name : {u"user"_s, u"shared"_s}) {
-        QDir(folder.path()).mkpath(name);
-    }
-    ApplicationGlobals globals;
-    globals.programFolder = QStringLiteral(PROGRAM_FOLDER);
-    qputenv("XDG_DATA_HOME", QFile::encodeName(folder.filePath(u"user"_s)));
-    qputenv("XDG_DATA_DIRS", QFile::encodeName(folder.filePath(u"shared"_s)));
-    globals.paths = dataPathsBelow(folder.filePath(u"user"_s), folder.filePath(u"shared"_s));
-    setLanguageFolder(globals.programFolder);
-    PrepareDataFolder(globals);
-    prepareSettings(globals);
-    seedMacros(globals);
-    makeAccount(globals, task);
-
-    NobodyThere nobody;
-    quillon::setPrompts(&nobody);
+    BenchWindow bench(task);
+    frmPubMain &main = *bench.main;
     quillon::FormRegistry forms;
-    MainHooks hooks;
-    hooks.send = [] {};
-    hooks.exitProgram = [](bool) {};
-    hooks.findSmtpRecord = [&globals](const QString &text) { return FindSmtpRecord(globals, text); };
-    hooks.insertIntoSignature = [](const QString &) { return false; };
-    hooks.findSignature = [&globals](const QString &name) { return signatureText(globals, name); };
-    hooks.showForm = [](const QString &, int) {};
-    hooks.optionsOpen = hooks.sending = [] { return false; };
-    hooks.showProgress = [] { return false; };
-    hooks.loadLists = hooks.checkAccount = hooks.readPrompts = hooks.minimised = hooks.closed = [] {};
-    frmPubMain main(globals, std::move(hooks));
-    main.load();
-    main.show();
     forms.add(u"frmPubProgress"_s, [] { return new frmPubProgress({[] {}, [] {}, [] {}}); });
     fill(main, task);
 
     WatchedProgress progress(forms);
-    InputPrompts prompts(globals);
-    SendRun run({globals, main.message(), main.view(), progress, prompts});
+    SendRun run({bench.globals, main.message(), main.view(), progress, bench.recipients});
     QElapsedTimer timer;
     timer.start();
     runToItsEnd(run);
     const auto taken = static_cast<double>(timer.nsecsElapsed());
-    const double memoryLate = memory();
-    quillon::setPrompts(nullptr);
-    if (nobody.closing.isEmpty()) {
+    const double memoryLate = residentMemory();
+    if (bench.nobody.closing.isEmpty()) {
         qFatal("the run did not come to its end");
     }
     return {{u"seconds"_s, taken / nanosecondsPerSecond},

@@ -30,6 +30,33 @@ bool hasLines(const QString &text)
     return text.trimmed().contains(u'\n') || text.trimmed().contains(u'\r');
 }
 
+/// A line of a megabyte would be laid out anew, as a whole, at every key: behind a comma a line end parts entries as
+/// well as a blank does.
+QString inShortLines(const QString &text)
+{
+    constexpr qsizetype longLine = 8000;
+    constexpr qsizetype shortLine = 4000;
+    if (text.size() <= longLine) {
+        return text;
+    }
+    QString lines;
+    lines.reserve(text.size() + text.size() / shortLine);
+    qsizetype length = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar letter = text.at(i);
+        lines.append(letter);
+        length = letter == u'\n' ? 0 : length + 1;
+        if (letter == u',' && length >= shortLine) {
+            lines.append(u'\n');
+            length = 0;
+            if (i + 1 < text.size() && text.at(i + 1) == u' ') {
+                ++i;
+            }
+        }
+    }
+    return lines;
+}
+
 } // namespace
 
 QString linesAsEntries(const QString &text)
@@ -67,7 +94,7 @@ void RecipientBox::insertFromMimeData(const QMimeData *source)
     if (hasLines(text)) {
         insertEntries(linesAsEntries(text));
     } else {
-        insertPlainText(text);
+        insertPlainText(inShortLines(text));
     }
 }
 
@@ -99,7 +126,7 @@ void RecipientBox::insertEntries(const QString &entries)
     if (!before.isEmpty() && !before.endsWith(u',')) {
         cursor.insertText(separator);
     }
-    cursor.insertText(entries);
+    cursor.insertText(inShortLines(entries));
     if (!after.isEmpty() && !after.startsWith(u',')) {
         cursor.insertText(separator);
     }

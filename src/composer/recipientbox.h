@@ -8,7 +8,8 @@ namespace corvane {
 [[nodiscard]] QString linesAsEntries(const QString &text);
 
 /// A box for recipients: one row high in the layout, several lines of text; Tab moves on. Several lines that are
-/// pasted, and all that is dropped, become entries parted by ", "; a single line is pasted as it is.
+/// pasted, and all that is dropped, become entries parted by ", "; a single line is pasted as it is. What
+/// is very long comes in lines that end behind a comma.
 class RecipientBox : public QPlainTextEdit {
     Q_OBJECT
 

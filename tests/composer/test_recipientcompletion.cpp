@@ -1,6 +1,7 @@
 #include "composer/promptfilter.h"
 #include "composer/recipientbox.h"
 #include "composer/recipientcompletion.h"
+#include "core/recipiententry.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -104,6 +105,8 @@ private Q_SLOTS:
     void severalLinesBecomeEntries_data();
     void severalLinesBecomeEntries();
     void aSingleLineIsPastedAsItIs();
+    void aVeryLongTextComesInLines_data();
+    void aVeryLongTextComesInLines();
     void pastedEntriesAreSeparatedFromWhatStandsThere();
     void linksToAddressesAreTaken();
 };
@@ -422,6 +425,41 @@ void TestRecipientCompletion::aSingleLineIsPastedAsItIs()
     QApplication::clipboard()->setText(u"example.com"_s);
     s.boxes[0]->paste();
     QCOMPARE(s.boxes[0]->toPlainText(), u"ann@example.com"_s);
+}
+
+void TestRecipientCompletion::aVeryLongTextComesInLines_data()
+{
+    QTest::addColumn<QString>("separator");
+    QTest::newRow("lines") << u"\n"_s;
+    QTest::newRow("one line") << u", "_s;
+    QTest::newRow("one line without blanks") << u","_s;
+}
+
+void TestRecipientCompletion::aVeryLongTextComesInLines()
+{
+    QFETCH(const QString, separator);
+    QStringList entries;
+    for (int i = 0; i < 5000; ++i) {
+        entries.append(u"Recipient <user%1@example.org>"_s.arg(i));
+    }
+    Sample s;
+    QApplication::clipboard()->setText(entries.join(separator));
+    s.boxes[0]->paste();
+    const QString text = s.boxes[0]->toPlainText();
+    QCOMPARE(splitRecipients(text), entries);
+    for (const QString &line : text.split(u'\n')) {
+        QVERIFY(line.size() < 4100);
+    }
+    QVERIFY(text.count(u'\n') < 60); // and no shorter than that
+    // What has no comma stays as it is, and so does what is of usual length.
+    s.boxes[0]->clear();
+    QApplication::clipboard()->setText(QString(9000, u'x'));
+    s.boxes[0]->paste();
+    QCOMPARE(s.boxes[0]->toPlainText(), QString(9000, u'x'));
+    s.boxes[0]->clear();
+    QApplication::clipboard()->setText(entries.first(200).join(u", "_s));
+    s.boxes[0]->paste();
+    QCOMPARE(s.boxes[0]->toPlainText(), entries.first(200).join(u", "_s));
 }
 
 void TestRecipientCompletion::pastedEntriesAreSeparatedFromWhatStandsThere()
