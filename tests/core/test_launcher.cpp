@@ -1,11 +1,9 @@
-#include "core/instancelock.h"
 #include "core/launcher.h"
 #include "quillon/system/platform.h"
 #include "quillon/system/quillonregistry.h"
 #include "support/testprocesses.h"
 #include "support/treefixture.h"
 
-#include <QProcess>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -29,10 +27,6 @@ private Q_SLOTS:
     }
 
     void switchIsTheWholeCommandLineInEitherCase();
-    void secondInstanceOfTheSameDataIsSeen();
-    void lockIsFreedWhenItsHolderIsGone();
-    void lockIsOfOneFolderHoweverItIsWritten();
-    void startedProgramsDoNotHoldTheLock();
     void positionIsRestoredUnlessTheSettingChangesMeanwhile();
     void handOverGoesInItsOrder();
     void emptyStartupDoesNotCountAsLast();
@@ -81,47 +75,6 @@ void TestLauncher::switchIsTheWholeCommandLineInEitherCase()
     QVERIFY(!isSwitch({u"/D"_s, u"/D"_s}));
     QVERIFY(!isSwitch({u"/DX"_s}));
     QVERIFY(!isSwitch({u"-D"_s}));
-}
-
-void TestLauncher::secondInstanceOfTheSameDataIsSeen()
-{
-    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_tree->path()));
-    const InstanceLock first(u"/data/one"_s);
-    QVERIFY(!first.otherInstanceRuns());
-    QVERIFY(InstanceLock(u"/data/one"_s).otherInstanceRuns());
-    QVERIFY(!InstanceLock(u"/data/two"_s).otherInstanceRuns());
-}
-
-void TestLauncher::lockIsFreedWhenItsHolderIsGone()
-{
-    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_tree->path()));
-    {
-        const InstanceLock first(u"/data/one"_s);
-    }
-    QVERIFY(!InstanceLock(u"/data/one"_s).otherInstanceRuns());
-}
-
-void TestLauncher::lockIsOfOneFolderHoweverItIsWritten()
-{
-    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_tree->path()));
-    const InstanceLock first(u"/data/one"_s);
-    QVERIFY(InstanceLock(u"/data/./two/..//one/"_s).otherInstanceRuns());
-    QVERIFY(!InstanceLock(u"/data/One"_s).otherInstanceRuns());
-}
-
-void TestLauncher::startedProgramsDoNotHoldTheLock()
-{
-    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_tree->path()));
-    QProcess companion; // goes on until its input is closed
-    {
-        const InstanceLock first(u"/data/one"_s);
-        companion.start(u"/bin/cat"_s, {});
-        QVERIFY(companion.waitForStarted());
-    }
-    QCOMPARE(companion.state(), QProcess::Running);
-    QVERIFY(!InstanceLock(u"/data/one"_s).otherInstanceRuns());
-    companion.closeWriteChannel();
-    QVERIFY(companion.waitForFinished());
 }
 
 void TestLauncher::positionIsRestoredUnlessTheSettingChangesMeanwhile()

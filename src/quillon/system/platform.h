@@ -52,4 +52,7 @@ void setOsMajorVersion(int version);
 /// The data root below a per-user application data folder.
 [[nodiscard]] QString dataRootBelow(const QString &userFolder);
 
+/// Where a path leads to, links followed; a part that is not there stands as it is.
+[[nodiscard]] QString realPath(const QString &path);
+
 } // namespace quillon

@@ -62,7 +62,7 @@ QList<pid_t> matching(const QString &executable, const QString &dataRoot)
         if (::stat(folder.toLatin1().constData(), &status) != 0 || status.st_uid != ::getuid()) {
             continue;
         }
-        if (executableOf(folder) == executable && QDir::cleanPath(dataRootOf(folder)) == QDir::cleanPath(dataRoot)) {
+        if (executableOf(folder) == executable && realPath(dataRootOf(folder)) == realPath(dataRoot)) {
             found.append(static_cast<pid_t>(name.toInt()));
         }
     }
