@@ -26,6 +26,7 @@ private Q_SLOTS:
     void aRunEndsBeforeTheCompanionDoes();
     void theEndOfTheSessionWhileTheExitWaitsIsNoSecondOne();
     void theEndOfTheSessionWhileTheWindowLoadsIsTheEnd();
+    void theEndOfTheSessionWhileTheExitAsksIsTheEnd();
     void theEndOfTheSessionUnloadsTheForms();
     void theEndOfTheSessionIsNotVetoed();
     void theEndOfTheSessionBeforeTheWindowIsTheEnd();
@@ -267,6 +268,21 @@ void TestProgramExit::theEndOfTheSessionWhileTheWindowLoadsIsTheEnd()
     QVERIFY(!p.mainIsVisible());
     QVERIFY(!p.isLoaded(progressForm));
     QVERIFY(!p.isLoaded(optionsForm));
+}
+
+void TestProgramExit::theEndOfTheSessionWhileTheExitAsksIsTheEnd()
+{
+    ProgramFixture p;
+    p.run();
+    p.main()->message().setText(Message::Field::Subject, u"unsaved"_s);
+    p.prompts.expectBox(u"SAVE_MAIL_PROMPT"_s, quillon::YesNoCancelBox, quillon::BoxAnswer::Cancel, {}, [&] {
+        p.item(u"menfx"_s)->trigger(); // asks no second time
+        p.program->endBySystem();
+    });
+    p.item(u"menfx"_s)->trigger();
+    QCOMPARE(p.count(u"quit"_s), 1);
+    QCOMPARE(p.count(u"end"_s), 1); // the companion goes on
+    QVERIFY(!p.mainIsVisible());
 }
 
 void TestProgramExit::theEndOfTheSessionUnloadsTheForms()
