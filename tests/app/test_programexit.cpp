@@ -231,6 +231,7 @@ void TestProgramExit::aRunEndsBeforeTheCompanionDoes()
     QTRY_VERIFY(silent.hasPendingConnections());
     std::unique_ptr<QTcpSocket> peer(silent.nextPendingConnection());
     p.processes.takesItsTime = true;
+    p.prompts.expectBox(u"SAVE_MAIL_PROMPT"_s, quillon::YesNoCancelBox, quillon::BoxAnswer::No);
     p.item(u"menfx"_s)->trigger();
     QTRY_COMPARE(peer->state(), QAbstractSocket::UnconnectedState);
     QVERIFY(!p.isLoaded(progressForm));
