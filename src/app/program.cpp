@@ -3,7 +3,6 @@
 #include "composer/frmpubmain.h"
 #include "core/formnames.h"
 #include "core/forms/frmpubsplash.h"
-#include "core/launcher.h"
 #include "core/site.h"
 #include "core/texts.h"
 #include "macros/forms/frmpubmacro.h"
@@ -29,6 +28,7 @@
 #include <QMenu>
 #include <QPixmap>
 #include <QPlainTextEdit>
+#include <QScopedValueRollback>
 #include <QTimer>
 
 #include <utility>
@@ -45,7 +45,7 @@ constexpr int maximised = 3;
 } // namespace
 
 Program::Program(const QString &programFolder, bool stopOnFault, ProgramServices services)
-    : m_stopOnFault(stopOnFault), m_services(std::move(services)), m_asker(m_forms),
+    : m_companion(m_globals, stopOnFault), m_services(std::move(services)), m_asker(m_forms),
       m_before(quillon::setPrompts(m_services.prompts ? m_services.prompts : &m_asker)), m_recipients(m_globals),
       m_progress(m_forms)
 {
@@ -122,13 +122,16 @@ void Program::makeMainWindow()
 
 void Program::handOverFromSplash()
 {
+    if (m_leaving) {
+        return;
+    }
     makeMainWindow();
-    handOver(m_globals, m_stopOnFault,
+    handOver(m_globals, m_companion,
              {[this] {
                   m_main->load();
                   // Not shown at all where it starts in the tray: a window that was first shown minimised may be
                   // minimised again by the window manager when it comes from there.
-                  if (!m_main->isMinimized() || !m_tray->minimised()) {
+                  if (!m_leaving && (!m_main->isMinimized() || !m_tray->minimised())) {
                       m_main->show();
                   }
               },
@@ -137,7 +140,7 @@ void Program::handOverFromSplash()
                   m_progress.hide();
               },
               [this](int milliseconds) { m_main->findChild<QTimer *>(u"timPos"_s)->start(milliseconds); },
-              [this] { m_forms.unload(splashForm); }});
+              [this] { m_forms.unload(splashForm); }, [this] { return m_leaving; }});
 }
 
 void Program::loadLists()
@@ -226,20 +229,58 @@ bool Program::showProgress()
 
 void Program::exit(bool stopScheduler)
 {
-    exitProgram(m_globals, stopScheduler,
-                {[this] { return m_main && m_main->flow().ConfirmSave(); },
-                 [this](const QString &form) {
-                     // From here on nobody is asked, also not by a form that closes.
-                     quillon::setPrompts(&m_silence);
-                     m_forms.unload(form);
-                 },
-                 [this] { closeHelp(); }, [this] { m_tray->takeDown(); }, [this] { end(); }});
+    if (m_asked || m_leaving) {
+        return; // the question stands already, or has had its answer
+    }
+    const QScopedValueRollback asked(m_asked, true);
+    if (!m_main->flow().ConfirmSave()) {
+        leave(stopScheduler);
+    }
+}
+
+void Program::leave(bool stopScheduler)
+{
+    if (m_leaving) {
+        return; // the event loop goes on while the companion ends
+    }
+    m_leaving = true;
+    fallSilent();
+    m_exit.start(
+        carryOutLeave(stopScheduler, {[] { return false; }, // whoever is to be asked was asked before
+                                      [this](const QString &form) { m_forms.unload(form); }, [this] { closeHelp(); },
+                                      [this] {
+                                          if (m_tray) {
+                                              m_tray->takeDown();
+                                          }
+                                      },
+                                      [this] { end(); }}));
+}
+
+quillon::Task<> Program::carryOutLeave(bool stopScheduler, ExitSteps steps)
+{
+    co_await exitProgram(m_companion, stopScheduler, std::move(steps));
+}
+
+void Program::endBySystem()
+{
+    leave(false);
+}
+
+void Program::fallSilent()
+{
+    quillon::setPrompts(&m_silence);
+    if (m_main) {
+        m_run->end();
+        m_main->setEnabled(false);
+    }
 }
 
 void Program::end()
 {
-    quillon::setPrompts(&m_silence);
-    m_run->end();
+    if (!m_main) {
+        m_services.quit();
+        return;
+    }
     m_main->Tag = u"EXITWITHMENU"_s;
     m_main->close();
 }
@@ -249,12 +290,7 @@ bool Program::eventFilter(QObject *watched, QEvent *event)
     if (event->type() != QEvent::Quit || watched != qApp) {
         return QObject::eventFilter(watched, event);
     }
-    // The session ends: the close box's way into the tray would stand in its way.
-    if (m_main) {
-        end();
-    } else {
-        m_services.quit();
-    }
+    endBySystem(); // the close box's way into the tray would stand in the session's way
     return true;
 }
 

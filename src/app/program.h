@@ -1,10 +1,13 @@
 #pragma once
 
 #include "app/programservices.h"
+#include "core/companion.h"
 #include "core/globals.h"
+#include "core/launcher.h"
 #include "quillon/forms/formregistry.h"
 #include "quillon/forms/qtprompts.h"
 #include "quillon/forms/readablepalette.h"
+#include "quillon/sequence/sequence.h"
 #include "recipients/inputprompts.h"
 #include "records/forms/frmpuboptions.h"
 #include "sending/forms/formprogressview.h"
@@ -32,6 +35,12 @@ public:
     /// Prepares the data and shows the splash, which hands over to the main window.
     void start();
 
+    /// Ends the program as a session's end does: nobody is asked, and the companion runs on. While it ends already,
+    /// nothing more comes of it.
+    void endBySystem();
+    /// Whether it is ending, or has ended; an event loop that was not there yet to be ended is then not to be begun.
+    [[nodiscard]] bool isEnding() const { return m_leaving; }
+
     /// All forms but the main window.
     [[nodiscard]] quillon::FormRegistry &forms() { return m_forms; }
     /// The main window; nullptr until the splash hands over.
@@ -56,13 +65,18 @@ private:
     void rememberRecipients();
     bool insertIntoSignature(const QString &macro);
     bool showProgress();
+    /// The user's way out, who is asked for an unsaved message and may stay.
     void exit(bool stopScheduler);
-    /// Lets the main window go and the process end; a run under way unwinds and nobody is asked anything more.
+    void leave(bool stopScheduler);
+    quillon::Task<> carryOutLeave(bool stopScheduler, ExitSteps steps);
+    /// From here on nothing begins any more, and nobody is asked: a run under way unwinds.
+    void fallSilent();
+    /// Lets the main window go, and the process end.
     void end();
     void closeHelp() const;
 
     ApplicationGlobals m_globals;
-    bool m_stopOnFault;
+    Companion m_companion;
     ProgramServices m_services;
     quillon::FormRegistry m_forms;
     quillon::QtPrompts m_asker;
@@ -75,6 +89,9 @@ private:
     std::unique_ptr<TrayIcon> m_tray;
     std::unique_ptr<SendRun> m_run;
     bool m_refilling = false; ///< what changes in the main window is no doing of the user's
+    bool m_asked = false;     ///< whether to leave an unsaved message
+    bool m_leaving = false;
+    quillon::Sequence m_exit; // last, since what it ends with uses the others
 };
 
 } // namespace corvane

@@ -8,6 +8,7 @@
 #include "quillon/forms/qtopener.h"
 #include "quillon/system/platform.h"
 #include "quillon/system/quillonsystem.h"
+#include "quillon/system/terminationsignals.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -36,9 +37,12 @@ int runProgram(const QString &programFolder, const QStringList &arguments)
     quillon::setStopOnFault(stopOnFault);
 
     const quillon::QtOpener opener;
+    const quillon::TerminationSignals signals;
     Program program(programFolder, stopOnFault, desktopServices());
+    QObject::connect(&signals, &quillon::TerminationSignals::received, &program, &Program::endBySystem);
     program.start();
-    return QApplication::exec();
+    // Showing the splash may handle events too, among them one that ends the program.
+    return program.isEnding() ? 0 : QApplication::exec();
 }
 
 } // namespace corvane

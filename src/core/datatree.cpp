@@ -1,10 +1,12 @@
 #include "core/datatree.h"
 
+#include "core/moveover.h"
 #include "core/recipiententry.h"
 #include "core/settings.h"
 #include "core/texts.h"
 #include "quillon/fault.h"
 #include "quillon/files/safefile.h"
+#include "quillon/files/settingsfile.h"
 #include "quillon/mail/subjectcodec.h"
 #include "quillon/system/platform.h"
 
@@ -14,6 +16,7 @@
 #include <QLocale>
 
 #include <fcntl.h>
+#include <functional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -102,36 +105,6 @@ void keepPrivate(const QString &path)
     changeMode(quillon::existingPath(path), [](mode_t) { return fileMode; });
 }
 
-/// Copies a folder over another, file by file, each whole or not at all. A link to a folder is not followed.
-void copyFolder(const QString &from, const QString &to)
-{
-    createFolder(to);
-    const QFileInfoList entries = QDir(from).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-    for (const QFileInfo &entry : entries) {
-        const QString target = to + u'/' + entry.fileName();
-        if (entry.isDir() && !entry.isSymLink()) {
-            copyFolder(entry.filePath(), target);
-        } else if (entry.isFile()) {
-            if (const auto bytes = quillon::readWholeFile(entry.filePath())) {
-                quillon::writeWholeFile(target, *bytes);
-            }
-        }
-    }
-}
-
-void moveOver(const ApplicationGlobals &globals)
-{
-    const DataPaths &paths = globals.paths;
-    const QString old = quillon::dataRootBelow(paths.shared);
-    if (paths.shared.isEmpty() || !QFileInfo(old).isDir() ||
-        QFileInfo(old).canonicalFilePath() == QFileInfo(paths.root).canonicalFilePath() ||
-        !isStillToBeDone(globals, Setting::DataMovedOver)) {
-        return;
-    }
-    copyFolder(old, paths.root);
-    markDone(globals, Setting::DataMovedOver);
-}
-
 void clearLeftovers(const QString &folder)
 {
     const QStringList names = QDir(folder).entryList({u".corvane-write-*"_s}, QDir::Files | QDir::Hidden);
@@ -152,39 +125,58 @@ QStringList headFiles(const DataPaths &paths)
     return files;
 }
 
-void upgradeSender(const ApplicationGlobals &globals, const QString &file)
+/// Changes one key of a template's head. False when that could not be kept; a file that cannot be read is passed over,
+/// since it will be no more readable at the next start.
+bool convertKey(const QString &path, const QString &key,
+                const std::function<QString(const quillon::SettingsFile &)> &to)
 {
+    quillon::SettingsFile file(path);
     const QString section = u"Head"_s;
-    const QString sender = globals.system.ReadSetting(file, section, u"Sender"_s).trimmed();
-    if (IsRecipientEntry(sender)) {
-        return;
+    const QString value = to(file);
+    if (!file.readable() || value == file.value(section, key)) {
+        return true;
     }
-    const QString account = globals.system.ReadSetting(file, section, u"SMTP Account"_s);
-    globals.system.WriteSetting(file, section, u"Sender"_s, toRecipientEntry(sender, account));
+    file.setValue(section, key, value);
+    return file.save();
 }
 
-void upgradeSubject(const ApplicationGlobals &globals, const QString &file)
+bool upgradeSender(const QString &path)
 {
-    const QString section = u"Head"_s;
-    const QString subject = globals.system.ReadSetting(file, section, u"Subject"_s).trimmed();
-    const quillon::SubjectCodec codec;
-    if (codec.Decode(subject, u"utf-8"_s) != subject) {
-        return; // encoded already, by a conversion whose end could not be noted down
-    }
-    globals.system.WriteSetting(file, section, u"Subject"_s, codec.Encode(subject, u"utf-8"_s));
+    return convertKey(path, u"Sender"_s, [](const quillon::SettingsFile &head) {
+        const QString present = head.value(u"Head"_s, u"Sender"_s);
+        const QString sender = present.trimmed();
+        const QString account = head.value(u"Head"_s, u"SMTP Account"_s);
+        // Done already, by a conversion whose end could not be noted down, also where the account is no address.
+        const bool isDone = IsRecipientEntry(sender) || sender.endsWith(u" <"_s + account + u'>');
+        return isDone ? present : toRecipientEntry(sender, account);
+    });
 }
 
-void convertOnce(const ApplicationGlobals &globals, MarkSetting mark,
-                 void (*convert)(const ApplicationGlobals &, const QString &))
+bool upgradeSubject(const QString &path)
+{
+    return convertKey(path, u"Subject"_s, [](const quillon::SettingsFile &head) {
+        const QString present = head.value(u"Head"_s, u"Subject"_s);
+        const quillon::SubjectCodec codec;
+        // One that is encoded already was so by a conversion whose end could not be noted down.
+        const bool isDone = codec.Decode(present.trimmed(), u"utf-8"_s) != present.trimmed();
+        return isDone ? present : codec.Encode(present.trimmed(), u"utf-8"_s);
+    });
+}
+
+void convertOnce(const ApplicationGlobals &globals, MarkSetting mark, bool (*convert)(const QString &path))
 {
     if (!isStillToBeDone(globals, mark)) {
         return;
     }
+    // Templates that are still to be moved over will want it too.
+    bool done = !isMoveOverUnfinished(globals);
     const QStringList files = headFiles(globals.paths);
     for (const QString &file : files) {
-        convert(globals, file);
+        done = convert(file) && done;
     }
-    markDone(globals, mark);
+    if (done) {
+        markDone(globals, mark);
+    }
 }
 
 } // namespace
@@ -195,11 +187,11 @@ DataPaths dataPathsBelow(const QString &userFolder, const QString &sharedFolder)
     paths.user = userFolder;
     paths.shared = sharedFolder;
     paths.root = quillon::dataRootBelow(userFolder);
-    paths.data = paths.root + u"/data"_s;
-    paths.signs = paths.data + u"/signs"_s;
-    paths.templates = paths.data + u"/templates"_s;
-    paths.logs = paths.root + u"/logs"_s;
-    paths.zips = paths.data + u"/zips"_s;
+    paths.data = quillon::existingFolder(paths.root + u"/data"_s);
+    paths.signs = quillon::existingFolder(paths.data + u"/signs"_s);
+    paths.templates = quillon::existingFolder(paths.data + u"/templates"_s);
+    paths.logs = quillon::existingFolder(paths.root + u"/logs"_s);
+    paths.zips = quillon::existingFolder(paths.data + u"/zips"_s);
     paths.templatesFile = paths.templates + u"/templates.dll"_s;
     paths.sendersFile = paths.data + u"/senders.dll"_s;
     paths.signsFile = paths.signs + u"/signs.dll"_s;
@@ -229,7 +221,7 @@ void PrepareDataFolder(ApplicationGlobals &globals)
     for (const QString &file : files) {
         createFile(file);
     }
-    moveOver(globals);
+    moveOldDataOver(globals);
     for (const QString &folder : folders) {
         setAttributesNormal(folder);
     }

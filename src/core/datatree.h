@@ -15,7 +15,8 @@ void PrepareDataFolder(ApplicationGlobals &globals);
 /// that were kept unencoded.
 void UpgradeOldData(const ApplicationGlobals &globals);
 
-/// The paths of the data tree below a user's and a shared application data folder.
+/// The paths of the data tree below a user's and a shared application data folder. A folder that is there in another
+/// case is the one.
 [[nodiscard]] DataPaths dataPathsBelow(const QString &userFolder, const QString &sharedFolder);
 
 /// The file of the sending log of that moment's month.

@@ -4,10 +4,12 @@
 
 namespace corvane {
 
-/// The test for another instance: a lock in the user's runtime folder, one for each data root, which the system frees
-/// when the process that holds it dies.
+/// The test for another instance: a lock on a file beside the data root, wherever that really lies, which the system
+/// frees when the process that holds it dies. So there is one program for each tree, from whatever session it was
+/// started. Where that file system has no locks, or cannot be written to, the lock is in the user's runtime folder.
 class InstanceLock {
 public:
+    /// Makes the folder that is to hold @p dataRoot, if need be.
     explicit InstanceLock(const QString &dataRoot);
     ~InstanceLock();
     InstanceLock(const InstanceLock &) = delete;

@@ -8,8 +8,6 @@
 #include "quillon/system/platform.h"
 #include "quillon/system/quillonregistry.h"
 
-#include <QFileInfo>
-
 using namespace Qt::StringLiterals;
 
 namespace corvane {
@@ -17,10 +15,7 @@ namespace corvane {
 namespace {
 
 constexpr int positionInterval = 6000;
-constexpr int minimised = 6;
 constexpr int firstSystemWithoutAccountManager = 6;
-
-const QString companion = u"CorvaneS.exe"_s;
 
 } // namespace
 
@@ -42,38 +37,32 @@ void prepareProgram(ApplicationGlobals &globals)
     }
 }
 
-void restartCompanion(const ApplicationGlobals &globals, bool stopOnFault)
-{
-    globals.system.EndProcess(companion);
-    const QString path = globals.programFolder + u'/' + companion;
-    if (!QFileInfo(path).isFile()) {
-        return;
-    }
-    globals.system.OpenTarget(path, minimised, stopOnFault ? QStringList{u"/D"_s} : QStringList());
-}
-
-void handOver(ApplicationGlobals &globals, bool stopOnFault, HandOver steps)
+void handOver(ApplicationGlobals &globals, Companion &companion, HandOver steps)
 {
     quillon::requireHook(steps.showMainWindow, u"HandOver::showMainWindow"_s);
     quillon::requireHook(steps.createHiddenProgress, u"HandOver::createHiddenProgress"_s);
     quillon::requireHook(steps.setPositionTimer, u"HandOver::setPositionTimer"_s);
     quillon::requireHook(steps.unloadSplash, u"HandOver::unloadSplash"_s);
+    quillon::requireHook(steps.isEnding, u"HandOver::isEnding"_s);
     // The setting is read twice on purpose: it may change while the main window loads.
     const auto startsAsLast = [&] { return globals.settings.is(Setting::Startup, startupLast); };
     if (startsAsLast()) {
         globals.RestoringFromLast = true;
     }
     steps.showMainWindow();
+    if (steps.isEnding()) {
+        return;
+    }
     steps.createHiddenProgress();
     steps.setPositionTimer(positionInterval);
-    restartCompanion(globals, stopOnFault);
+    companion.restart();
     if (startsAsLast()) {
         globals.RestoringFromLast = false;
     }
     steps.unloadSplash();
 }
 
-bool exitProgram(const ApplicationGlobals &globals, bool stopScheduler, ExitSteps steps)
+quillon::Task<bool> exitProgram(Companion &companion, bool stopScheduler, ExitSteps steps)
 {
     quillon::requireHook(steps.saveCancelled, u"ExitSteps::saveCancelled"_s);
     quillon::requireHook(steps.unloadForm, u"ExitSteps::unloadForm"_s);
@@ -81,19 +70,17 @@ bool exitProgram(const ApplicationGlobals &globals, bool stopScheduler, ExitStep
     quillon::requireHook(steps.removeTrayIcon, u"ExitSteps::removeTrayIcon"_s);
     quillon::requireHook(steps.unloadMainWindow, u"ExitSteps::unloadMainWindow"_s);
     if (steps.saveCancelled()) {
-        return false;
+        co_return false;
     }
     for (const QString &form :
          {optionsForm, senderForm, contactsForm, templatesForm, progressForm, aboutForm, splashForm, scheduleForm}) {
         steps.unloadForm(form);
     }
     steps.closeHelp();
-    if (stopScheduler) {
-        globals.system.EndProcess(companion);
-    }
+    co_await companion.takeLeave(stopScheduler);
     steps.removeTrayIcon();
     steps.unloadMainWindow();
-    return true;
+    co_return true;
 }
 
 } // namespace corvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/companion.h"
 #include "core/globals.h"
 
 #include <QStringList>
@@ -21,13 +22,12 @@ struct HandOver {
     std::function<void()> createHiddenProgress;
     std::function<void(int milliseconds)> setPositionTimer;
     std::function<void()> unloadSplash;
+    std::function<bool()> isEnding; ///< whether the program's end began while the main window loaded
 };
 
-/// Brings the main window up and restarts the companion, in this order.
-void handOver(ApplicationGlobals &globals, bool stopOnFault, HandOver steps);
-
-/// Ends a running companion and starts it again from the program's folder; one that is missing is no fault.
-void restartCompanion(const ApplicationGlobals &globals, bool stopOnFault);
+/// Brings the main window up and restarts the companion, in this order; where that one takes its time to end, its start
+/// comes behind the other steps. Nothing follows once the program is ending.
+void handOver(ApplicationGlobals &globals, Companion &companion, HandOver steps);
 
 /// What the exit needs of the windows; every step is required.
 struct ExitSteps {
@@ -38,7 +38,7 @@ struct ExitSteps {
     std::function<void()> unloadMainWindow; ///< with the tag that lets it go
 };
 
-/// The one way out of the program. False when the user stayed.
-bool exitProgram(const ApplicationGlobals &globals, bool stopScheduler, ExitSteps steps);
+/// The one way out of the program. False when the user stayed. The companion outlives the task.
+quillon::Task<bool> exitProgram(Companion &companion, bool stopScheduler, ExitSteps steps);
 
 } // namespace corvane

@@ -87,12 +87,12 @@ bool isStillToBeDone(const ApplicationGlobals &globals, MarkSetting mark)
     return file.readable() && valueIn(file, row) != row.standard;
 }
 
-void markDone(const ApplicationGlobals &globals, MarkSetting mark)
+bool markDone(const ApplicationGlobals &globals, MarkSetting mark)
 {
     quillon::SettingsFile file(globals.paths.optionsFile);
     const SettingRow &row = settingRow(mark.key);
     putSetting(file, row, row.standard.toString());
-    file.save();
+    return file.save();
 }
 
 bool proxyInUse(const ApplicationGlobals &globals)

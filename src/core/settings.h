@@ -43,7 +43,8 @@ void putSetting(quillon::SettingsFile &file, const SettingRow &row, const QStrin
 /// Whether a mark has another word in the file than that of what is done. A file that cannot be read tells nothing:
 /// what it may say was done long ago must not be done again over the user's data.
 [[nodiscard]] bool isStillToBeDone(const ApplicationGlobals &globals, MarkSetting mark);
-void markDone(const ApplicationGlobals &globals, MarkSetting mark);
+/// False when it could not be written.
+bool markDone(const ApplicationGlobals &globals, MarkSetting mark);
 
 /// Whether proxies are in use.
 [[nodiscard]] bool proxyInUse(const ApplicationGlobals &globals);

@@ -2,6 +2,8 @@
 
 #include "quillon/archive/zipbuilder.h"
 #include "quillon/fault.h"
+#include "quillon/text/lineends.h"
+#include "sending/sendingtexts.h"
 
 #include <QDir>
 #include <QFile>
@@ -15,6 +17,7 @@ namespace {
 
 constexpr int levels = 9;
 constexpr int lastNumber = 9999;
+constexpr qsizetype namedAtMost = 5;
 
 const QString emptyFolderMark = u"you-got-an-empty-folder.txt"_s;
 
@@ -55,7 +58,42 @@ void attach(quillon::MailMessage &message, const QString &path)
     attachment.Path = path;
 }
 
-quillon::Task<> attachFolder(const ApplicationGlobals &globals, QString folder, quillon::MailMessage &message)
+QString words(quillon::ZipBuilder::Why reason)
+{
+    using Why = quillon::ZipBuilder::Why;
+    switch (reason) {
+    case Why::LinkToFolder:
+        return QString::fromUtf16(logtexts::linkToFolder);
+    case Why::LinkToNothing:
+        return QString::fromUtf16(logtexts::linkToNothing);
+    case Why::Pipe:
+        return QString::fromUtf16(logtexts::pipe);
+    case Why::Socket:
+        return QString::fromUtf16(logtexts::socket);
+    case Why::Device:
+        return QString::fromUtf16(logtexts::device);
+    case Why::Unreadable:
+        break;
+    }
+    return QString::fromUtf16(logtexts::unreadable);
+}
+
+/// The first few by their names, the others by their number; empty when there is none.
+QString toldLeftOut(const QList<quillon::ZipBuilder::LeftOut> &leftOut)
+{
+    QStringList told;
+    for (const auto &[name, reason] : leftOut.first(qMin<qsizetype>(leftOut.size(), namedAtMost))) {
+        // The folder itself, gone since its row was seen, has no name within it.
+        told.append(name.isEmpty() ? words(reason) : u'"' + quillon::onOneLine(name) + u"\" "_s + words(reason));
+    }
+    if (leftOut.size() > namedAtMost) {
+        told.append(QString::fromUtf16(logtexts::andMore).arg(leftOut.size() - namedAtMost));
+    }
+    return told.isEmpty() ? QString() : QString::fromUtf16(logtexts::leftOut).arg(told.join(u", "_s));
+}
+
+/// Gives what the log tells of the folder behind its path.
+quillon::Task<QString> attachFolder(const ApplicationGlobals &globals, QString folder, quillon::MailMessage &message)
 {
     if (QDir(folder).isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System)) {
         globals.lines.AppendLine(folder + u'/' + emptyFolderMark, QString());
@@ -68,7 +106,8 @@ quillon::Task<> attachFolder(const ApplicationGlobals &globals, QString folder, 
         pattern += u"/*"_s;
         zip.AddPattern(pattern);
     }
-    co_await zip.Build();
+    const bool isBuilt = co_await zip.Build();
+    co_return isBuilt ? toldLeftOut(zip.leftOut()) : QString();
 }
 
 } // namespace
@@ -82,12 +121,11 @@ quillon::Task<QString> ResolveAttachments(const ApplicationGlobals &globals, QSt
         const QFileInfo info(path);
         if (info.isFile()) {
             attach(message, path);
+            taken.append(path);
         } else if (info.isDir()) {
-            co_await attachFolder(globals, path, message);
-        } else {
-            continue;
+            const QString leftOut = co_await attachFolder(globals, path, message);
+            taken.append(path + leftOut);
         }
-        taken.append(path);
     }
     co_return taken.join(u"; "_s);
 }

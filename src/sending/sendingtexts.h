@@ -39,6 +39,15 @@ inline constexpr char16_t sendingMethod[] = u"Sending Method";
 inline constexpr char16_t manual[] = u"Manual";
 inline constexpr char16_t automatic[] = u"Automatic";
 inline constexpr char16_t attachments[] = u"Attachments";
+/// Behind a folder's path: what of it is not in its archive, and why.
+inline constexpr char16_t leftOut[] = u" (left out: %1)";
+inline constexpr char16_t andMore[] = u"%1 more";
+inline constexpr char16_t linkToFolder[] = u"link to a folder";
+inline constexpr char16_t linkToNothing[] = u"link to nothing";
+inline constexpr char16_t pipe[] = u"pipe";
+inline constexpr char16_t socket[] = u"socket";
+inline constexpr char16_t device[] = u"device";
+inline constexpr char16_t unreadable[] = u"cannot be read";
 inline constexpr char16_t subject[] = u"Subject";
 inline constexpr char16_t content[] = u"Content: \r\n";
 inline constexpr char16_t yes[] = u"Yes";

@@ -1,5 +1,8 @@
 #include "programfixture.h"
 
+#include <QTcpServer>
+#include <QTcpSocket>
+
 using namespace Qt::StringLiterals;
 using namespace corvane;
 
@@ -19,6 +22,12 @@ private Q_SLOTS:
     void theCloseBoxGoesToTheTrayAndComesBackWhereItStood();
     void theCloseBoxWithoutATrayMinimises();
     void theTrayIsGoneAfterTheExit();
+    void theWindowLivesWhileTheCompanionEnds();
+    void aRunEndsBeforeTheCompanionDoes();
+    void theEndOfTheSessionWhileTheExitWaitsIsNoSecondOne();
+    void theEndOfTheSessionWhileTheWindowLoadsIsTheEnd();
+    void theEndOfTheSessionWhileTheExitAsksIsTheEnd();
+    void theEndOfTheSessionUnloadsTheForms();
     void theEndOfTheSessionIsNotVetoed();
     void theEndOfTheSessionBeforeTheWindowIsTheEnd();
     void anotherObjectsQuitIsNotTheSessions();
@@ -184,6 +193,111 @@ void TestProgramExit::theTrayIsGoneAfterTheExit()
     QVERIFY(!p.mainIsVisible());
 }
 
+void TestProgramExit::theWindowLivesWhileTheCompanionEnds()
+{
+    ProgramFixture p;
+    p.run();
+    p.processes.takesItsTime = true;
+    const qsizetype before = p.steps().size();
+    p.item(u"menfx"_s)->trigger();
+    QCOMPARE(p.steps().sliced(before), QStringList{p.endOfCompanion()});
+    QVERIFY(p.mainIsVisible());
+    bool ticked = false;
+    QTimer::singleShot(0, p.main(), [&] { ticked = true; });
+    QTRY_VERIFY(ticked);
+    // Whatever the user does now begins nothing.
+    p.item(u"menfx"_s)->trigger();
+    p.item(u"menfu"_s)->trigger();
+    QVERIFY(!p.main()->isEnabled());
+    QCOMPARE(p.steps().size(), before + 1);
+    p.processes.endings.constLast().settle();
+    QTRY_COMPARE(p.steps().sliced(before), (QStringList{p.endOfCompanion(), u"quit"_s}));
+    QVERIFY(!p.mainIsVisible());
+}
+
+void TestProgramExit::aRunEndsBeforeTheCompanionDoes()
+{
+    ProgramFixture p;
+    QTcpServer silent;
+    QVERIFY(silent.listen(QHostAddress::LocalHost));
+    p.addAccount("127.0.0.1\t" + QByteArray::number(silent.serverPort()) +
+                 "\tN\tN\t\t\tAnn Lee\tann@example.com\t\t\t/SAEND");
+    p.start();
+    p.handOver();
+    p.main()->message().setText(Message::Field::To, u"bob@example.com"_s);
+    p.main()->message().setText(Message::Field::Subject, u"s"_s);
+    p.main()->message().setText(Message::Field::PlainContent, u"c"_s);
+    p.item(u"menfs"_s)->trigger();
+    QTRY_VERIFY(silent.hasPendingConnections());
+    std::unique_ptr<QTcpSocket> peer(silent.nextPendingConnection());
+    p.processes.takesItsTime = true;
+    p.prompts.expectBox(u"SAVE_MAIL_PROMPT"_s, quillon::YesNoCancelBox, quillon::BoxAnswer::No);
+    p.item(u"menfx"_s)->trigger();
+    QTRY_COMPARE(peer->state(), QAbstractSocket::UnconnectedState);
+    QVERIFY(!p.isLoaded(progressForm));
+    QCOMPARE(p.count(u"quit"_s), 0);
+    p.processes.endings.constLast().settle();
+    QTRY_COMPARE(p.count(u"quit"_s), 1);
+}
+
+void TestProgramExit::theEndOfTheSessionWhileTheExitWaitsIsNoSecondOne()
+{
+    ProgramFixture p;
+    p.run();
+    p.processes.takesItsTime = true;
+    p.item(u"menfx"_s)->trigger();
+    QEvent quit(QEvent::Quit);
+    QCoreApplication::sendEvent(qApp, &quit);
+    p.program->endBySystem();
+    QCOMPARE(p.count(u"quit"_s), 0);
+    p.processes.endings.constLast().settle();
+    QTRY_COMPARE(p.count(u"quit"_s), 1);
+    QCoreApplication::processEvents();
+    QCOMPARE(p.count(u"quit"_s), 1);
+}
+
+void TestProgramExit::theEndOfTheSessionWhileTheWindowLoadsIsTheEnd()
+{
+    ProgramFixture p;
+    p.prompts.expectBox(u"SMTP_NOT_OK"_s, quillon::YesNoBox, quillon::BoxAnswer::Yes, {},
+                        [&] { p.program->endBySystem(); });
+    p.start();
+    QVERIFY(!p.program->isEnding());
+    p.handOver();
+    QVERIFY(p.program->isEnding());
+    QCOMPARE(p.steps(), QStringList{u"quit"_s});
+    QVERIFY(!p.mainIsVisible());
+    QVERIFY(!p.isLoaded(progressForm));
+    QVERIFY(!p.isLoaded(optionsForm));
+}
+
+void TestProgramExit::theEndOfTheSessionWhileTheExitAsksIsTheEnd()
+{
+    ProgramFixture p;
+    p.run();
+    p.main()->message().setText(Message::Field::Subject, u"unsaved"_s);
+    p.prompts.expectBox(u"SAVE_MAIL_PROMPT"_s, quillon::YesNoCancelBox, quillon::BoxAnswer::Cancel, {}, [&] {
+        p.item(u"menfx"_s)->trigger(); // asks no second time
+        p.program->endBySystem();
+    });
+    p.item(u"menfx"_s)->trigger();
+    QCOMPARE(p.count(u"quit"_s), 1);
+    QCOMPARE(p.count(u"end"_s), 1); // the companion goes on
+    QVERIFY(!p.mainIsVisible());
+}
+
+void TestProgramExit::theEndOfTheSessionUnloadsTheForms()
+{
+    ProgramFixture p;
+    p.run();
+    p.form(optionsForm)->show();
+    p.program->endBySystem();
+    QVERIFY(!p.isLoaded(optionsForm));
+    QVERIFY(!p.isLoaded(progressForm));
+    QCOMPARE(p.count(u"quit"_s), 1);
+    QCOMPARE(p.count(u"end"_s), 1); // that of the start
+}
+
 void TestProgramExit::theEndOfTheSessionIsNotVetoed()
 {
     ProgramFixture p;
@@ -203,6 +317,8 @@ void TestProgramExit::theEndOfTheSessionBeforeTheWindowIsTheEnd()
     QEvent quit(QEvent::Quit);
     QCoreApplication::sendEvent(qApp, &quit);
     QCOMPARE(p.steps(), QStringList{u"quit"_s});
+    QVERIFY(!p.isLoaded(splashForm)); // so it hands nothing over any more
+    QVERIFY(!p.main());
 }
 
 void TestProgramExit::anotherObjectsQuitIsNotTheSessions()

@@ -7,9 +7,13 @@
 #include "support/testprocesses.h"
 
 #include <QApplication>
+#include <QDateTime>
+#include <QDirIterator>
 #include <QTest>
 #include <QThread>
 #include <QTimer>
+
+#include <csignal>
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
@@ -32,6 +36,9 @@ private Q_SLOTS:
     void aSecondInstanceEndsSilentlyAndTouchesNoFile();
     void theProgramRunsUntilItsEndAndFreesItsLock();
     void theSwitchStopsAtFaults();
+    void aRequestToEndWhileTheSplashShowsIsNotLost_data();
+    void aRequestToEndWhileTheSplashShowsIsNotLost();
+    void anEndBeforeTheEventLoopIsNotLost();
 
 private:
     /// Runs the program until its splash shows, lets @p look see, and ends it as a session's end does.
@@ -65,9 +72,21 @@ void TestRunProgram::aSecondInstanceEndsSilentlyAndTouchesNoFile()
 {
     const InstanceLock running(m_tree->globals.paths.root);
     QVERIFY(!running.otherInstanceRuns());
+    const auto everything = [this] {
+        QStringList found;
+        QDirIterator walk(m_tree->path(), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                          QDirIterator::Subdirectories);
+        while (walk.hasNext()) {
+            const QFileInfo info(walk.next());
+            found.append(info.filePath() + info.lastModified().toString(Qt::ISODateWithMs));
+        }
+        found.sort();
+        return found;
+    };
+    const QStringList before = everything();
+    QCOMPARE(before.filter(u"options.dll"_s), QStringList()); // there is no data that could be touched
     QCOMPARE(runProgram(m_tree->globals.programFolder, {u"/D"_s}), 0);
-    QCOMPARE(QDir(m_tree->userFolder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-             QStringList());
+    QCOMPARE(everything(), before);
     QVERIFY(!quillon::stopOnFault());
     QVERIFY(QApplication::topLevelWidgets().isEmpty());
 }
@@ -94,6 +113,56 @@ void TestRunProgram::theSwitchStopsAtFaults()
     QVERIFY(stops);
     QCOMPARE(runUntilTheSplash({u"/D"_s, u"more"_s}, [&] { stops = quillon::stopOnFault(); }), 0);
     QVERIFY(!stops);
+}
+
+void TestRunProgram::aRequestToEndWhileTheSplashShowsIsNotLost_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGINT") << SIGINT;
+}
+
+void TestRunProgram::aRequestToEndWhileTheSplashShowsIsNotLost()
+{
+    QFETCH(int, number);
+    struct sigaction before {};
+    ::sigaction(number, nullptr, &before);
+    QTimer watch;
+    connect(&watch, &QTimer::timeout, qApp, [&] {
+        watch.stop();
+        ::raise(number);
+        ::raise(number);
+    });
+    watch.start(0);
+    QStringList steps;
+    m_processes.told = [&steps](const QString &step) { steps.append(step); };
+    QCOMPARE(runProgram(m_tree->globals.programFolder, {}), 0);
+    m_processes.told = nullptr;
+    QCOMPARE(steps, QStringList()); // the companion, too, is left as it is
+    QVERIFY(!InstanceLock(m_tree->globals.paths.root).otherInstanceRuns());
+    ::sigaction(number, &before, nullptr);
+}
+
+void TestRunProgram::anEndBeforeTheEventLoopIsNotLost()
+{
+    /// Ends the program as a session's end does while the splash is being shown, when no loop is there yet.
+    class Early : public QObject {
+    public:
+        Early() { qApp->installEventFilter(this); }
+        bool eventFilter(QObject *watched, QEvent *event) override
+        {
+            if (event->type() == QEvent::Show && watched->objectName() == splashForm) {
+                loopLevel = QThread::currentThread()->loopLevel();
+                QEvent quit(QEvent::Quit);
+                QCoreApplication::sendEvent(qApp, &quit);
+            }
+            return false;
+        }
+        int loopLevel = -1;
+    };
+    Early early;
+    QCOMPARE(runProgram(m_tree->globals.programFolder, {}), 0);
+    QCOMPARE(early.loopLevel, 0);
 }
 
 QTEST_MAIN(TestRunProgram)

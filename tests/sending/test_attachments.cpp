@@ -5,7 +5,13 @@
 #include <QProcess>
 #include <QTest>
 
+#include <algorithm>
+#include <array>
+#include <linux/capability.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -33,6 +39,25 @@ QStringList archiveContent(const QString &path)
     return QString::fromUtf8(python.readAllStandardOutput()).split(QChar(0), Qt::SkipEmptyParts);
 }
 
+/// While it lives, the administrator's rights over all files are put aside, so that a file's mode counts.
+class OrdinaryRights {
+public:
+    OrdinaryRights()
+    {
+        ::syscall(SYS_capget, &m_header, m_before.data());
+        std::array<__user_cap_data_struct, 2> without = m_before;
+        without[0].effective &= ~((1U << CAP_DAC_OVERRIDE) | (1U << CAP_DAC_READ_SEARCH));
+        ::syscall(SYS_capset, &m_header, without.data());
+    }
+    ~OrdinaryRights() { ::syscall(SYS_capset, &m_header, m_before.data()); }
+    OrdinaryRights(const OrdinaryRights &) = delete;
+    OrdinaryRights &operator=(const OrdinaryRights &) = delete;
+
+private:
+    __user_cap_header_struct m_header{_LINUX_CAPABILITY_VERSION_3, 0};
+    std::array<__user_cap_data_struct, 2> m_before{};
+};
+
 } // namespace
 
 class TestAttachments : public QObject, protected TreeFixture {
@@ -58,6 +83,11 @@ private Q_SLOTS:
     void folderWithATrailingSlashIsNamedZip();
     void folderOfEmptyFoldersHasDirectoryEntries();
     void linksPipesAndOddNamesLeaveAValidArchive();
+    void whatIsLeftOutOfAFolderIsNamedWithItsReason();
+    void whatCannotBeReadIsNamed();
+    void ofManyLeftOutTheFirstAreNamedAndTheOthersCounted_data();
+    void ofManyLeftOutTheFirstAreNamedAndTheOthersCounted();
+    void deeperLevelsAreLeftOutWithoutAWord();
     void failedArchiveLeavesAnEntryThatIsMissing();
     void hiddenLeftoversGoAndFoldersOfTheTemporaryFolderStay();
     void folderThatHoldsAnythingIsNotEmpty();
@@ -201,6 +231,81 @@ void TestAttachments::linksPipesAndOddNamesLeaveAValidArchive()
                               "a")
                           .constData()),
              0); // a name that the folder's own clean-up cannot see
+}
+
+void TestAttachments::whatIsLeftOutOfAFolderIsNamedWithItsReason()
+{
+    QVERIFY(QDir().mkpath(path(u"mine/sub"_s)));
+    writeFile(path(u"mine/good"_s), "x");
+    QVERIFY(QFile::link(path(u"nowhere"_s), path(u"mine/a"_s)));
+    QVERIFY(QFile::link(u"/dev/null"_s, path(u"mine/b"_s)));
+    QCOMPARE(::mkfifo(QFile::encodeName(path(u"mine/c"_s)).constData(), 0600), 0);
+    QVERIFY(QFile::link(path(u"mine"_s), path(u"mine/sub/two\nlines"_s)));
+    sockaddr_un address{AF_UNIX, {}};
+    const QByteArray place = QFile::encodeName(path(u"mine/sub/s"_s));
+    QVERIFY(static_cast<size_t>(place.size()) < sizeof address.sun_path);
+    std::copy(place.begin(), place.end(), std::begin(address.sun_path));
+    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    QCOMPARE(::bind(socket, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
+    ::close(socket);
+    QVERIFY(QDir().mkpath(path(u"whole"_s)));
+    writeFile(path(u"whole/good"_s), "x");
+    QCOMPARE(resolve({path(u"mine"_s), path(u"whole"_s), path(u"mine/good"_s)}),
+             path(u"mine"_s) +
+                 u" (left out: \"a\" link to nothing, \"b\" device, \"c\" pipe, \"sub/s\" socket, \"sub/two lines\" "
+                 "link to a folder); "_s +
+                 path(u"whole"_s) + u"; "_s + path(u"mine/good"_s));
+    QCOMPARE(archiveContent(zip(u"mine.zip"_s)), (QStringList{u"good=x"_s, u"sub/"_s}));
+}
+
+void TestAttachments::whatCannotBeReadIsNamed()
+{
+    QVERIFY(QDir().mkpath(path(u"mine/closed"_s)));
+    writeFile(path(u"mine/good"_s), "x");
+    writeFile(path(u"mine/secret"_s), "x");
+    const QByteArray closed = QFile::encodeName(path(u"mine/closed"_s));
+    QCOMPARE(::chmod(closed.constData(), 0), 0);
+    QCOMPARE(::chmod(QFile::encodeName(path(u"mine/secret"_s)).constData(), 0), 0);
+    QString told;
+    {
+        const OrdinaryRights rights;
+        told = resolve({path(u"mine"_s)});
+    }
+    QCOMPARE(::chmod(closed.constData(), 0700), 0);
+    QCOMPARE(told, path(u"mine"_s) + u" (left out: \"closed/\" cannot be read, \"secret\" cannot be read)"_s);
+    QCOMPARE(archiveContent(zip(u"mine.zip"_s)), (QStringList{u"closed/"_s, u"good=x"_s}));
+}
+
+void TestAttachments::ofManyLeftOutTheFirstAreNamedAndTheOthersCounted_data()
+{
+    QTest::addColumn<int>("links");
+    QTest::addColumn<QString>("end");
+    QTest::newRow("4") << 4 << u"\"4\" link to nothing)"_s;
+    QTest::newRow("5") << 5 << u"\"5\" link to nothing)"_s;
+    QTest::newRow("6") << 6 << u"\"5\" link to nothing, 1 more)"_s;
+    QTest::newRow("9") << 9 << u"\"5\" link to nothing, 4 more)"_s;
+}
+
+void TestAttachments::ofManyLeftOutTheFirstAreNamedAndTheOthersCounted()
+{
+    QFETCH(int, links);
+    QFETCH(QString, end);
+    for (int i = 1; i <= links; ++i) {
+        QVERIFY(QFile::link(path(u"nowhere"_s), path(u"mine/"_s + QString::number(i))));
+    }
+    const QString told = resolve({path(u"mine"_s)});
+    QVERIFY2(told.startsWith(path(u"mine"_s) + u" (left out: \"1\" link to nothing, \"2\" link to nothing, "_s),
+             qPrintable(told));
+    QVERIFY2(told.endsWith(end), qPrintable(told));
+}
+
+void TestAttachments::deeperLevelsAreLeftOutWithoutAWord()
+{
+    const QString eight = path(u"mine/1/2/3/4/5/6/7/8"_s);
+    QVERIFY(QDir().mkpath(eight + u"/9"_s));
+    QVERIFY(QFile::link(u"/"_s, eight + u"/9/link"_s));
+    writeFile(eight + u"/9/file"_s, "x");
+    QCOMPARE(resolve({path(u"mine"_s)}), path(u"mine"_s));
 }
 
 void TestAttachments::failedArchiveLeavesAnEntryThatIsMissing()

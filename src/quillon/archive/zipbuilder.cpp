@@ -17,6 +17,7 @@
 #include <fcntl.h>
 #include <map>
 #include <memory>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -45,12 +46,15 @@ using Writer = std::unique_ptr<archive, WriteDeleter>;
 using Entry = std::unique_ptr<archive_entry, EntryDeleter>;
 
 /// Names of a folder in the order of their octets, "." and ".." left out. They are octets because a file system
-/// does not promise a text.
-std::vector<QByteArray> namesIn(const QByteArray &folder)
+/// does not promise a text. Nothing for one that cannot be read.
+std::optional<std::vector<QByteArray>> namesIn(const QByteArray &folder)
 {
     std::vector<QByteArray> names;
     const std::unique_ptr<DIR, DirDeleter> stream(::opendir(folder.constData()));
-    while (stream) {
+    if (!stream) {
+        return {};
+    }
+    for (;;) {
         const dirent *entry = ::readdir(stream.get());
         if (!entry) {
             break;
@@ -109,7 +113,8 @@ private:
 /// Fills an archive from folders.
 class Packer {
 public:
-    explicit Packer(archive *writer) : m_writer(writer), m_chunk(chunkSize, Qt::Uninitialized)
+    Packer(archive *writer, QList<ZipBuilder::LeftOut> &leftOut)
+        : m_writer(writer), m_leftOut(leftOut), m_chunk(chunkSize, Qt::Uninitialized)
     {
         m_sinceBreath.start();
     }
@@ -118,8 +123,12 @@ public:
     /// cannot be written to.
     Task<bool> addFolder(QByteArray folder, QString prefix, int levels)
     {
-        const std::vector<QByteArray> names = namesIn(folder);
-        for (const QByteArray &name : names) {
+        const std::optional<std::vector<QByteArray>> names = namesIn(folder);
+        if (!names) {
+            leaveOut(prefix, ZipBuilder::Why::Unreadable);
+            co_return true;
+        }
+        for (const QByteArray &name : *names) {
             if (needsBreath()) {
                 co_await breath();
             }
@@ -157,6 +166,35 @@ private:
         return unique;
     }
 
+    void leaveOut(const QString &name, ZipBuilder::Why reason)
+    {
+        reportFault(u"left out of the archive: '"_s + name + u'\'');
+        m_leftOut.append({name, reason});
+    }
+
+    /// Why that cannot be packed as a file.
+    static ZipBuilder::Why reasonAgainst(const QByteArray &path)
+    {
+        struct stat status {};
+        if (::stat(path.constData(), &status) != 0) {
+            const bool isLink = ::lstat(path.constData(), &status) == 0 && S_ISLNK(status.st_mode);
+            return isLink ? ZipBuilder::Why::LinkToNothing : ZipBuilder::Why::Unreadable;
+        }
+        switch (status.st_mode & S_IFMT) {
+        case S_IFDIR:
+            return ZipBuilder::Why::LinkToFolder; // a folder itself is walked
+        case S_IFIFO:
+            return ZipBuilder::Why::Pipe;
+        case S_IFSOCK:
+            return ZipBuilder::Why::Socket;
+        case S_IFCHR:
+        case S_IFBLK:
+            return ZipBuilder::Why::Device;
+        default:
+            return ZipBuilder::Why::Unreadable;
+        }
+    }
+
     bool addHeader(const QString &name, const struct stat &status)
     {
         const Entry entry(archive_entry_new());
@@ -175,7 +213,7 @@ private:
         const Descriptor file(::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
         struct stat status {};
         if (!file.isOpen() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
-            reportFault(u"left out of the archive: '"_s + name + u'\'');
+            leaveOut(name, reasonAgainst(path));
             co_return true;
         }
         if (!addHeader(name, status)) {
@@ -210,6 +248,7 @@ private:
     }
 
     archive *m_writer;
+    QList<ZipBuilder::LeftOut> &m_leftOut;
     QElapsedTimer m_sinceBreath;
     QByteArray m_chunk;
     QSet<QString> m_names;
@@ -224,6 +263,7 @@ void ZipBuilder::AddPattern(const QString &pattern)
 
 Task<bool> ZipBuilder::Build()
 {
+    m_leftOut.clear();
     std::map<QString, int> levelsOf;
     for (QString folder : std::as_const(m_patterns)) {
         int levels = 0;
@@ -239,7 +279,7 @@ Task<bool> ZipBuilder::Build()
                  archive_write_set_options(writer.get(), "zip:hdrcharset=UTF-8") == ARCHIVE_OK &&
                  partial.file().isOpen() && archive_write_open_fd(writer.get(), partial.file().number()) == ARCHIVE_OK;
     if (built) {
-        Packer packer(writer.get());
+        Packer packer(writer.get(), m_leftOut);
         for (const auto &[folder, levels] : levelsOf) {
             built = built && levels > 0;
             if (built) {

@@ -103,6 +103,24 @@ bool replaceThrough(const QString &folder, const QString &path, const QByteArray
     return written;
 }
 
+/// @p path itself when it is there, else one of that kind whose last part differs from it in case only.
+QString inPresentCase(const QString &path, QDir::Filters kind)
+{
+    struct stat status {};
+    if (path.isEmpty() || ::lstat(QFile::encodeName(path).constData(), &status) == 0) {
+        return path;
+    }
+    const QFileInfo info(path);
+    const QString wanted = info.fileName();
+    const QStringList names = QDir(info.path()).entryList(kind);
+    for (const QString &name : names) {
+        if (name.compare(wanted, Qt::CaseInsensitive) == 0) {
+            return info.path() + u'/' + name;
+        }
+    }
+    return path;
+}
+
 } // namespace
 
 void setTemporaryFolder(const QString &folder)
@@ -112,19 +130,12 @@ void setTemporaryFolder(const QString &folder)
 
 QString existingPath(const QString &path)
 {
-    struct stat status {};
-    if (path.isEmpty() || ::lstat(QFile::encodeName(path).constData(), &status) == 0) {
-        return path;
-    }
-    const QFileInfo info(path);
-    const QString wanted = info.fileName();
-    const QStringList names = QDir(info.path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
-    for (const QString &name : names) {
-        if (name.compare(wanted, Qt::CaseInsensitive) == 0) {
-            return info.path() + u'/' + name;
-        }
-    }
-    return path;
+    return inPresentCase(path, QDir::Files | QDir::Hidden | QDir::System);
+}
+
+QString existingFolder(const QString &path)
+{
+    return inPresentCase(path, QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot);
 }
 
 std::optional<QByteArray> readWholeFile(const QString &path, qint64 limit)

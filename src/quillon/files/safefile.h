@@ -16,6 +16,9 @@ void setTemporaryFolder(const QString &folder);
 /// it exists as it stands or when there is no such file. A folder is never matched under another case.
 [[nodiscard]] QString existingPath(const QString &path);
 
+/// The same for a folder, and a file is never matched.
+[[nodiscard]] QString existingFolder(const QString &path);
+
 /// The whole file. A missing file gives an empty array and is no fault; anything else that cannot be read (a folder,
 /// a pipe, no permission) gives nullopt and is a fault, and so does a file of more than @p limit octets, of which no
 /// octet is read.

@@ -2,6 +2,9 @@
 
 #include "quillon/fault.h"
 
+#include <QDir>
+#include <QFileInfo>
+
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -104,6 +107,17 @@ void setOsMajorVersion(int version)
 QString dataRootBelow(const QString &userFolder)
 {
     return userFolder + u"/Lanthorn/Corvane"_s;
+}
+
+QString realPath(const QString &path)
+{
+    const QFileInfo info(QDir::cleanPath(path));
+    const QString real = info.canonicalFilePath();
+    if (!real.isEmpty() || info.path() == info.filePath()) {
+        return real.isEmpty() ? info.filePath() : real;
+    }
+    const QString folder = realPath(info.path());
+    return folder + (folder.endsWith(u'/') ? u""_s : u"/"_s) + info.fileName();
 }
 
 } // namespace quillon

@@ -22,8 +22,8 @@ class Processes {
 public:
     virtual ~Processes() = default;
     /// Asks every process of this user to end whose executable has the file name @p executable and that works on the
-    /// data root @p dataRoot, and kills after a grace what is still there.
-    virtual void end(const QString &executable, const QString &dataRoot);
+    /// data root @p dataRoot, and kills after a grace of two seconds what is still there. Settled when they are gone.
+    virtual Pending<> end(const QString &executable, const QString &dataRoot);
     /// Starts a program of its own, detached, with nothing shown. False when it could not be started.
     virtual bool start(const QString &program, const QStringList &arguments);
 };
@@ -51,5 +51,8 @@ void setOsMajorVersion(int version);
 
 /// The data root below a per-user application data folder.
 [[nodiscard]] QString dataRootBelow(const QString &userFolder);
+
+/// Where a path leads to, links followed; a part that is not there stands as it is.
+[[nodiscard]] QString realPath(const QString &path);
 
 } // namespace quillon

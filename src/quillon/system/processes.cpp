@@ -1,6 +1,8 @@
 #include "quillon/fault.h"
 #include "quillon/system/platform.h"
 
+#include <QBasicTimer>
+#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
@@ -10,8 +12,8 @@
 #include <csignal>
 #include <sys/stat.h>
 #include <sys/types.h>
-#include <thread>
 #include <unistd.h>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -52,39 +54,79 @@ QString executableOf(const QString &processFolder)
     return QFileInfo(target).fileName();
 }
 
-QList<pid_t> matching(const QString &executable, const QString &dataRoot)
+/// Whether a process of this user has that executable and works on that data root.
+bool isThere(pid_t process, const QString &executable, const QString &realRoot)
+{
+    const QString folder = u"/proc/"_s + QString::number(process);
+    struct stat status {};
+    return ::stat(folder.toLatin1().constData(), &status) == 0 && status.st_uid == ::getuid() &&
+           executableOf(folder) == executable && realPath(dataRootOf(folder)) == realRoot;
+}
+
+QList<pid_t> matching(const QString &executable, const QString &realRoot)
 {
     QList<pid_t> found;
     const QStringList names = QDir(u"/proc"_s).entryList({u"[0-9]*"_s}, QDir::Dirs);
     for (const QString &name : names) {
-        const QString folder = u"/proc/"_s + name;
-        struct stat status {};
-        if (::stat(folder.toLatin1().constData(), &status) != 0 || status.st_uid != ::getuid()) {
-            continue;
-        }
-        if (executableOf(folder) == executable && QDir::cleanPath(dataRootOf(folder)) == QDir::cleanPath(dataRoot)) {
-            found.append(static_cast<pid_t>(name.toInt()));
+        const auto process = static_cast<pid_t>(name.toInt());
+        if (isThere(process, executable, realRoot)) {
+            found.append(process);
         }
     }
     return found;
 }
 
+/// Looks after processes that were asked to end until they are gone, and kills after the grace those that are not. It
+/// does so also when nobody waits for it any more, and goes by itself.
+class Ending : public QObject {
+public:
+    Ending(const QList<pid_t> &left, const QString &executable, const QString &realRoot, Pending<>::Settler done)
+        : QObject(QCoreApplication::instance()), m_left(left), m_executable(executable), m_realRoot(realRoot),
+          m_done(std::move(done))
+    {
+        m_look.start(lookMilliseconds, this);
+    }
+
+protected:
+    void timerEvent(QTimerEvent *event) override
+    {
+        Q_UNUSED(event)
+        m_left.removeIf([this](pid_t process) { return !isThere(process, m_executable, m_realRoot); });
+        if (!m_left.isEmpty() && !m_grace.hasExpired()) {
+            return;
+        }
+        for (const pid_t process : std::as_const(m_left)) {
+            ::kill(process, SIGKILL);
+        }
+        m_look.stop();
+        deleteLater();
+        m_done.settle();
+    }
+
+private:
+    QList<pid_t> m_left;
+    QString m_executable;
+    QString m_realRoot;
+    Pending<>::Settler m_done;
+    QDeadlineTimer m_grace{graceMilliseconds};
+    QBasicTimer m_look;
+};
+
 } // namespace
 
-void Processes::end(const QString &executable, const QString &dataRoot)
+Pending<> Processes::end(const QString &executable, const QString &dataRoot)
 {
-    QList<pid_t> left = matching(executable, dataRoot);
-    for (const pid_t process : left) {
+    const QString realRoot = realPath(dataRoot);
+    const QList<pid_t> found = matching(executable, realRoot);
+    if (found.isEmpty()) {
+        return Pending<>::settled();
+    }
+    for (const pid_t process : found) {
         ::kill(process, SIGTERM);
     }
-    const QDeadlineTimer deadline(graceMilliseconds);
-    while (!left.isEmpty() && !deadline.hasExpired()) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(lookMilliseconds));
-        left = matching(executable, dataRoot);
-    }
-    for (const pid_t process : std::as_const(left)) {
-        ::kill(process, SIGKILL);
-    }
+    Pending<> pending;
+    new Ending(found, executable, realRoot, pending.settler());
+    return pending;
 }
 
 bool Processes::start(const QString &program, const QStringList &arguments)

@@ -101,9 +101,9 @@ void QuillonSystem::OpenTarget(const QString &target, int style, const QStringLi
     OpenDocument(target, style);
 }
 
-void QuillonSystem::EndProcess(const QString &executable) const
+Pending<> QuillonSystem::EndProcess(const QString &executable) const
 {
-    processes().end(executable, dataRootBelow(GetSpecialFolder(userDataFolder)));
+    return processes().end(executable, dataRootBelow(GetSpecialFolder(userDataFolder)));
 }
 
 Pending<> QuillonSystem::WaitMilliseconds(qint64 milliseconds) const

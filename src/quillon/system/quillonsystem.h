@@ -38,8 +38,9 @@ public:
     /// Hands a path, a URL or a program to the system. Style 3 for pages and mail links, 6 for a program that starts
     /// minimised. @p arguments go to a program only.
     void OpenTarget(const QString &target, int style, const QStringList &arguments = {}) const;
-    /// Ends all of this user's processes whose executable has that file name and that work on the same data.
-    void EndProcess(const QString &executable) const;
+    /// Ends all of this user's processes whose executable has that file name and that work on the same data; settled
+    /// when they are gone, two seconds later at most, while the event loop goes on.
+    Pending<> EndProcess(const QString &executable) const;
     /// A pause: settled when it is over, while the event loop goes on; nothing shortens it.
     Pending<> WaitMilliseconds(qint64 milliseconds) const;
 };

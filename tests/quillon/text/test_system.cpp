@@ -26,7 +26,12 @@ private Q_SLOTS:
     void endProcessEndsThoseOfThatNameAndDataOnly();
     void endProcessKillsWhatDoesNotListen();
     void endProcessKnowsAReplacedProgramAndTheHomeFolder();
+    void endProcessLetsTheEventLoopGoOn();
+    void endProcessOfNoneIsOverAtOnce();
+    void endProcessGoesOnThoughNobodyWaits();
+    void endProcessKnowsDataThatIsReachedThroughALink();
     void onlyAProgramIsStartedAnythingElseIsOpened();
+    void aServiceThatIsTakenBackGivesWayToTheStandardOne();
     void registryKeepsValuesInItsFile();
     void registryLosesOnlyTheKeyThatIsDeleted();
     void promptsThatNobodyAnswersAreDeclined();
@@ -99,9 +104,9 @@ void TestSystem::endProcessEndsThoseOfThatNameAndDataOnly()
     const auto second = startAs(u"CorvaneS.exe"_s, mine, {u"sleep"_s, u"600"_s});
     const auto otherName = startAs(u"CorvaneT.exe"_s, mine, {u"sleep"_s, u"600"_s});
     const auto otherData = startAs(u"CorvaneS.exe"_s, m_folder->filePath(u"other"_s), {u"sleep"_s, u"600"_s});
-    m_system.EndProcess(u"CorvaneS.exe"_s);
-    QVERIFY(first->waitForFinished());
-    QVERIFY(second->waitForFinished());
+    waitFor(m_system.EndProcess(u"CorvaneS.exe"_s));
+    QTRY_COMPARE(first->state(), QProcess::NotRunning);
+    QTRY_COMPARE(second->state(), QProcess::NotRunning);
     QCOMPARE(otherName->state(), QProcess::Running);
     QCOMPARE(otherData->state(), QProcess::Running);
     otherName->kill();
@@ -118,8 +123,8 @@ void TestSystem::endProcessKillsWhatDoesNotListen()
         startAs(u"CorvaneS.exe"_s, mine,
                 {u"bash"_s, u"-c"_s, u"trap '' TERM; echo deaf; while :; do read -t 1 < /dev/zero; done"_s});
     QVERIFY(deaf->waitForReadyRead());
-    m_system.EndProcess(u"CorvaneS.exe"_s);
-    QVERIFY(deaf->waitForFinished());
+    waitFor(m_system.EndProcess(u"CorvaneS.exe"_s));
+    QTRY_COMPARE(deaf->state(), QProcess::NotRunning);
     QCOMPARE(deaf->exitStatus(), QProcess::CrashExit);
 }
 
@@ -130,9 +135,62 @@ void TestSystem::endProcessKnowsAReplacedProgramAndTheHomeFolder()
     const auto replaced = startAs(u"CorvaneS.exe"_s, home + u"//.local/share/"_s, {u"sleep"_s, u"600"_s});
     const auto atHome = startAs(u"CorvaneS.exe"_s, home, {u"sleep"_s, u"600"_s}, u"HOME"_s);
     QVERIFY(QFile::remove(replaced->program()));
-    m_system.EndProcess(u"CorvaneS.exe"_s);
-    QVERIFY(replaced->waitForFinished());
-    QVERIFY(atHome->waitForFinished());
+    waitFor(m_system.EndProcess(u"CorvaneS.exe"_s));
+    QTRY_COMPARE(replaced->state(), QProcess::NotRunning);
+    QTRY_COMPARE(atHome->state(), QProcess::NotRunning);
+}
+
+void TestSystem::endProcessLetsTheEventLoopGoOn()
+{
+    const QString mine = m_folder->filePath(u"mine"_s);
+    qputenv("XDG_DATA_HOME", QFile::encodeName(mine));
+    // Ends when it is told to by its input, and not by the request.
+    const auto deaf =
+        startAs(u"CorvaneS.exe"_s, mine, {u"bash"_s, u"-c"_s, u"trap '' TERM; echo deaf; read -r line"_s});
+    QVERIFY(deaf->waitForReadyRead());
+    quillon::Pending<> ended = m_system.EndProcess(u"CorvaneS.exe"_s);
+    QVERIFY(!ended.isSettled());
+    int ticks = 0;
+    QTimer timer;
+    connect(&timer, &QTimer::timeout, this, [&] {
+        if (++ticks == 5) {
+            deaf->closeWriteChannel();
+        }
+    });
+    timer.start(0);
+    waitFor(std::move(ended));
+    QVERIFY(ticks >= 5);
+    QTRY_COMPARE(deaf->state(), QProcess::NotRunning);
+    QCOMPARE(deaf->exitStatus(), QProcess::NormalExit);
+}
+
+void TestSystem::endProcessOfNoneIsOverAtOnce()
+{
+    QVERIFY(m_system.EndProcess(u"No such program.exe"_s).isSettled());
+}
+
+void TestSystem::endProcessGoesOnThoughNobodyWaits()
+{
+    const QString mine = m_folder->filePath(u"mine"_s);
+    qputenv("XDG_DATA_HOME", QFile::encodeName(mine));
+    const auto deaf =
+        startAs(u"CorvaneS.exe"_s, mine, {u"bash"_s, u"-c"_s, u"trap '' TERM; echo deaf; read -r line"_s});
+    QVERIFY(deaf->waitForReadyRead());
+    static_cast<void>(m_system.EndProcess(u"CorvaneS.exe"_s));
+    QTRY_COMPARE(deaf->state(), QProcess::NotRunning);
+    QCOMPARE(deaf->exitStatus(), QProcess::CrashExit);
+}
+
+void TestSystem::endProcessKnowsDataThatIsReachedThroughALink()
+{
+    const QString mine = m_folder->filePath(u"mine"_s);
+    QVERIFY(QDir().mkpath(mine + u"/Lanthorn/Corvane"_s));
+    QVERIFY(QFile::link(mine, m_folder->filePath(u"link"_s)));
+    qputenv("XDG_DATA_HOME", QFile::encodeName(mine));
+    const auto linked = startAs(u"CorvaneS.exe"_s, m_folder->filePath(u"link"_s), {u"sleep"_s, u"600"_s});
+    waitFor(m_system.EndProcess(u"CorvaneS.exe"_s));
+    QTRY_COMPARE(linked->state(), QProcess::NotRunning);
+    QCOMPARE(linked->exitStatus(), QProcess::CrashExit);
 }
 
 namespace {
@@ -193,6 +251,24 @@ void TestSystem::onlyAProgramIsStartedAnythingElseIsOpened()
     m_system.OpenTarget(program, 1, {});
     m_system.OpenTarget(folder, 1, {});
     QCOMPARE(quillon::faultCount(), before + 2);
+}
+
+void TestSystem::aServiceThatIsTakenBackGivesWayToTheStandardOne()
+{
+    class Stopped : public quillon::Clock {
+    public:
+        [[nodiscard]] QDateTime now() const override { return QDateTime(QDate(1999, 1, 2), QTime(3, 4)); }
+    };
+    quillon::Clock &standard = quillon::systemClock();
+    Stopped first;
+    Stopped second;
+    QVERIFY(!quillon::setSystemClock(&first));
+    QCOMPARE(quillon::setSystemClock(&second), &first);
+    QCOMPARE(quillon::systemClock().now().date().year(), 1999);
+    QCOMPARE(quillon::setSystemClock(nullptr), &second);
+    QCOMPARE(&quillon::systemClock(), &standard);
+    QVERIFY(quillon::systemClock().now().date().year() > 1999);
+    QVERIFY(!quillon::setSystemClock(nullptr));
 }
 
 void TestSystem::registryLosesOnlyTheKeyThatIsDeleted()
