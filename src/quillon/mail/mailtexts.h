@@ -123,6 +123,7 @@ inline constexpr OwnText addressInvalid{section, u"ADDRESS_INVALID",
                                         u"The mail cannot be made: \"%1\" is not a valid e-mail address."};
 inline constexpr OwnText fromInvalid{section, u"FROM_INVALID",
                                      u"The mail cannot be made: \"%1\" is not a valid sender address."};
+inline constexpr OwnText dateInvalid{section, u"DATE_INVALID", u"The mail cannot be made: \"%1\" is not a valid date."};
 inline constexpr OwnText fileNotAdded{section, u"FILE_NOT_ADDED", u"The file \"%1\" cannot be put into the mail: %2."};
 inline constexpr OwnText fileIsFolder{section, u"FILE_IS_FOLDER", u"it is a folder"};
 inline constexpr OwnText fileNotRegular{section, u"FILE_NOT_REGULAR", u"it is not a regular file"};
