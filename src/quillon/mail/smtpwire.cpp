@@ -199,10 +199,17 @@ void SmtpWire::noteSign()
 {
     if (!m_socks) {
         m_lastSign = Clock::now();
+        m_silentSince = m_lastSign;
     }
 }
 
 void SmtpWire::allowSilence(std::chrono::milliseconds time)
+{
+    m_silentSince = Clock::now();
+    allowMoreSilence(time);
+}
+
+void SmtpWire::allowMoreSilence(std::chrono::milliseconds time)
 {
     m_allowed = m_socket ? time : 0ms;
     if (m_allowed <= 0ms) {
@@ -347,7 +354,8 @@ void SmtpWire::onSilence()
         m_silence.start(left);
         return;
     }
-    const auto seconds = std::chrono::ceil<std::chrono::seconds>(m_allowed);
+    const auto before = std::chrono::round<std::chrono::seconds>(m_lastSign - m_silentSince);
+    const auto seconds = std::chrono::ceil<std::chrono::seconds>(m_allowed) + before;
     giveUp(say(mailtexts::noAnswer, QString::number(seconds.count())));
 }
 

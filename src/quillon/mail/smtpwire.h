@@ -62,6 +62,8 @@ public:
 
     /// How long the peer may be silent from now on; whatever comes or goes begins it anew. 0: for ever.
     void allowSilence(std::chrono::milliseconds time);
+    /// The same where an answer has been awaited for some time already, which counts when it is told how long.
+    void allowMoreSilence(std::chrono::milliseconds time);
 
     /// Gives the connection up. @p politely: with QUIT, whose answer a closer awaits in the background for a moment.
     void close(bool politely);
@@ -100,6 +102,7 @@ private:
     QTimer m_silence;
     std::chrono::milliseconds m_allowed{0}; // silence of the peer; 0: for ever
     Clock::time_point m_lastSign;           // of the peer, or the moment when it was given this time
+    Clock::time_point m_silentSince;        // as above, without the time that was given since
     Clock::time_point m_due;                // when m_silence goes off
     QString m_host;
     quint16 m_port = 0;
