@@ -10,6 +10,9 @@ namespace corvane {
 
 QString FindSmtpRecord(const ApplicationGlobals &globals, const QString &address)
 {
+    if (address.trimmed().isEmpty()) {
+        return {};
+    }
     const QString wanted = u'\t' + address.toLower() + u'\t';
     const QStringList lines = globals.lines.ReadLines(globals.paths.smtpFile);
     for (const QString &line : lines) {

@@ -7,7 +7,7 @@
 namespace corvane {
 
 /// The first line of smtp.dll in whose lower-cased text the lower-cased address stands with a tab on each side; empty
-/// if there is none.
+/// if there is none, and for an address of blanks, which would fit whatever account has an empty field.
 [[nodiscard]] QString FindSmtpRecord(const ApplicationGlobals &globals, const QString &address);
 
 /// Whether the stored default account can be used: server and port there, a user where one is needed, a valid sender

@@ -90,6 +90,9 @@ void fillReceipt(quillon::MailMessage &message, const FillContext &context)
     if (message.RequestReceipt) {
         message.ReceiptTo.Name = recordField(context.accountRecord, AccountReceiptName);
         message.ReceiptTo.Address = recordField(context.accountRecord, AccountReceiptAddress);
+        if (message.ReceiptTo.Address.trimmed().isEmpty()) {
+            message.ReceiptTo = message.From; // without a receiver the mail would ask for nothing
+        }
         context.log.entry(logtexts::receiptReceiver,
                           toRecipientEntry(message.ReceiptTo.Name, message.ReceiptTo.Address));
     }

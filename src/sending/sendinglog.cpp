@@ -36,8 +36,10 @@ void SendingLog::line(const QString &text) const
 
 void SendingLog::moment(QStringView heading) const
 {
-    entry(heading,
-          QLocale::system().toString(quillon::systemClock().now(), QString::fromUtf16(logtexts::momentFormat)));
+    const QDateTime now = quillon::systemClock().now();
+    // The month is named in the user's language; the digits are 0 to 9 in every one, as in all other lines.
+    entry(heading, QLocale::system().toString(now.date(), QString::fromUtf16(logtexts::monthFormat)) + u' ' +
+                       QLocale::c().toString(now, QString::fromUtf16(logtexts::momentFormat)));
 }
 
 QString mailDateText(const ApplicationGlobals &globals, const QDate &date, const QTime &time)

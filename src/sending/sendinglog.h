@@ -18,7 +18,8 @@ public:
     void entry(QStringView heading, const QString &value) const;
     /// A line as it stands.
     void line(const QString &text) const;
-    /// The heading and the present moment, "MMM DD YYYY HH:MM:SS" with the month of the user's locale.
+    /// The heading and the present moment, "MMM DD YYYY HH:MM:SS" with the month of the user's locale and the digits 0
+    /// to 9.
     void moment(QStringView heading) const;
 
 private:

@@ -15,7 +15,8 @@ namespace logtexts {
 
 inline constexpr char16_t begin[] = u"Begin";
 inline constexpr char16_t end[] = u"End";
-inline constexpr char16_t momentFormat[] = u"MMM dd yyyy HH:mm:ss";
+inline constexpr char16_t monthFormat[] = u"MMM";
+inline constexpr char16_t momentFormat[] = u"dd yyyy HH:mm:ss"; ///< behind the month
 inline constexpr char16_t error[] = u"Error";
 inline constexpr char16_t account[] = u"Account";
 inline constexpr char16_t sender[] = u"Sender";

@@ -202,6 +202,7 @@ private Q_SLOTS:
     void noMessageKeyIsUnknown();
     void questionsEndWithAQuestionMark();
     void textsBehindAValueGoOnInTheSentence();
+    void theNumberOfMailsStandsBehindAColon();
     void placeholderRowsEqualNoEntry();
     void theFilesAreUtf8WithCrLf();
     void siteSettingsLieBesideTheLanguageFiles();
@@ -263,6 +264,17 @@ void TestLanguage::textsBehindAValueGoOnInTheSentence()
                                 u"EXP_SUCCB", u"SENT_SUCCB", u"SENT_UNSUCCB"}) {
         const QString text = tips.value(messages, QString::fromUtf16(key));
         QVERIFY2(!text.isEmpty() && text.at(0).isLower(), qPrintable(text));
+    }
+}
+
+void TestLanguage::theNumberOfMailsStandsBehindAColon()
+{
+    // It may be any number, so that no word beside it may depend on it.
+    const quillon::SettingsFile tips(program + u"/tips.dll"_s);
+    QVERIFY(tips.value(messages, u"SENT_SUCCA"_s).endsWith(u':'));
+    for (const char16_t *key : {u"SENT_SUCCB", u"SENT_UNSUCCB"}) {
+        const QString text = tips.value(messages, QString::fromUtf16(key));
+        QVERIFY2(!text.contains(u"mail"), qPrintable(text));
     }
 }
 

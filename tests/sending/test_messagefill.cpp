@@ -1,3 +1,4 @@
+#include "quillon/mail/encodedmail.h"
 #include "sending/messagefill.h"
 #include "sending/sendbench.h"
 #include "support/testclock.h"
@@ -29,6 +30,8 @@ private Q_SLOTS:
     void fieldsOfBlanksHaveNeitherEntryNorLine();
     void everyPriorityHasItsNumberAndItsName();
     void receiptWithoutANameIsTheBareAddress();
+    void receiptWithoutAnAddressGoesToTheSender_data();
+    void receiptWithoutAnAddressGoesToTheSender();
     void recipientsAreRememberedBetweenTheLinesOfCcAndBcc();
 
 private:
@@ -151,6 +154,36 @@ void TestMessageFill::receiptWithoutANameIsTheBareAddress()
     fill();
     QCOMPARE(m_message.ReceiptTo.Name, QString());
     QVERIFY(m_bench->log().contains(u"Receipt Receiver: receipts@x.org"_s));
+}
+
+void TestMessageFill::receiptWithoutAnAddressGoesToTheSender_data()
+{
+    QTest::addColumn<QString>("account");
+    QTest::newRow("neither name nor address") << u"s\t25\tN\tN\t\t\tAda\tada@x.org\t\t\t/SAEND"_s;
+    QTest::newRow("a name alone") << u"s\t25\tN\tN\t\t\tAda\tada@x.org\tAda's desk\t\t/SAEND"_s;
+    QTest::newRow("blanks") << u"s\t25\tN\tN\t\t\tAda\tada@x.org\tAda's desk\t  \t/SAEND"_s;
+    QTest::newRow("a short line") << u"s\t25\tN\tN"_s;
+}
+
+void TestMessageFill::receiptWithoutAnAddressGoesToTheSender()
+{
+    QFETCH(const QString, account);
+    m_account = account;
+    m_values.receipt = true;
+    m_values.sender = u"Sales desk <sales@x.org>"_s; // not the account's own
+    m_values.to = u"bob@y.org"_s;
+    fill();
+    QCOMPARE(m_message.ReceiptTo.Name, u"Sales desk"_s);
+    QCOMPARE(m_message.ReceiptTo.Address, u"sales@x.org"_s);
+    QVERIFY(m_bench->log().contains(u"Receipt Receiver: Sales desk <sales@x.org>"_s));
+    m_values.sender = u"sales@x.org"_s;
+    fill();
+    QCOMPARE(m_message.ReceiptTo.Name, QString());
+    QCOMPARE(m_bench->log().filter(u"Receipt Receiver: "_s).constLast(), u"Receipt Receiver: sales@x.org"_s);
+    quillon::MailEncoder encoder;
+    const quillon::EncodedMail mail = encoder.encode(m_message, quillon::systemClock().now());
+    QVERIFY2(mail.Stretches.constFirst().Bytes.contains("\r\nDisposition-Notification-To: sales@x.org\r\n"),
+             mail.Stretches.constFirst().Bytes.constData());
 }
 
 void TestMessageFill::recipientsAreRememberedBetweenTheLinesOfCcAndBcc()

@@ -18,6 +18,7 @@ private Q_SLOTS:
     void refusedMessageIsReportedByTheTransportFirst();
     void failedConnectionLogsDividerBeginErrorAndEndOnly();
     void vanishedAccountEndsInAnEmptyServerAndPort();
+    void accountOfBlanksFailsAsAVanishedOneDoes();
     void blankTransportErrorIsNeitherLoggedNorShown();
     void automaticRunLogsTheErrorAndShowsNoneOfIt();
     void errorsGoToTheMonthOfTheirMoment();
@@ -70,6 +71,17 @@ void TestSendFaults::vanishedAccountEndsInAnEmptyServerAndPort()
     m_bench->run();
     QCOMPARE(asked.log().last(), u"box CONN_FAILED style 48: text of CONN_FAILED :"_s);
     QVERIFY(m_bench->log().contains(u"Error: text of CONN_FAILED :"_s));
+}
+
+void TestSendFaults::accountOfBlanksFailsAsAVanishedOneDoes()
+{
+    // The account in the file has empty fields, which such a text must not be taken for.
+    m_bench->window.setText(Field::Account, u"  "_s);
+    ExpectedPrompts asked([](const QString &) {});
+    m_bench->run();
+    QCOMPARE(asked.log().last(), u"box CONN_FAILED style 48: text of CONN_FAILED :"_s);
+    QVERIFY(m_bench->log().contains(u"Error: text of CONN_FAILED :"_s));
+    QCOMPARE(m_server->Connections, 0);
 }
 
 void TestSendFaults::blankTransportErrorIsNeitherLoggedNorShown()

@@ -2,6 +2,7 @@
 #include "support/testclock.h"
 #include "support/treefixture.h"
 
+#include <QProcess>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -19,6 +20,8 @@ private Q_SLOTS:
     void dividerIsSeventyFiveDashes();
     void valueWithLineBreaksSpreadsOverLines();
     void momentIsMonthDayYearAndTime();
+    void monthIsTheLocalesAndDigitsAreOurs_data();
+    void monthIsTheLocalesAndDigitsAreOurs();
     void dateTextHasNoLeadingZeroInTheDay();
     void writeThatFailsIsIgnored();
     void everyDayAndMonthHasItsEnglishName();
@@ -66,6 +69,41 @@ void TestSendingLog::momentIsMonthDayYearAndTime()
     const TestClock clock(QDateTime(QDate(2026, 11, 5), QTime(7, 8, 9)));
     SendingLog(m_tree->globals, clock.now()).moment(u"Begin"_s);
     const QString month = QLocale::system().toString(QDate(2026, 11, 5), u"MMM"_s);
+    QCOMPARE(QString::fromUtf8(log()), u"Begin: "_s + month + u" 05 2026 07:08:09\r\n"_s);
+}
+
+void TestSendingLog::monthIsTheLocalesAndDigitsAreOurs_data()
+{
+    QTest::addColumn<QString>("locale");
+    QTest::newRow("Persian") << u"fa_IR"_s;
+    QTest::newRow("Arabic") << u"ar_EG"_s;
+    QTest::newRow("German") << u"de_DE"_s;
+    QTest::newRow("English") << u"en_US"_s;
+}
+
+void TestSendingLog::monthIsTheLocalesAndDigitsAreOurs()
+{
+    // The system's locale is read from the environment once, so that a process of its own writes the line.
+    QFETCH(const QString, locale);
+    if (qEnvironmentVariable("LC_ALL") != locale) {
+        QProcess child;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"LC_ALL"_s, locale);
+        child.setProcessEnvironment(environment);
+        child.setProcessChannelMode(QProcess::MergedChannels);
+        child.start(QCoreApplication::applicationFilePath(),
+                    {u"%1:%2"_s.arg(QString::fromLatin1(QTest::currentTestFunction()),
+                                    QString::fromLatin1(QTest::currentDataTag()))});
+        QVERIFY(child.waitForFinished(-1));
+        const QByteArray said = child.readAll();
+        QVERIFY2(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0, said.constData());
+        QVERIFY2(said.contains("3 passed, 0 failed, 0 skipped"), said.constData());
+        return;
+    }
+    QCOMPARE(QLocale::system().name(), locale);
+    const TestClock clock(QDateTime(QDate(2026, 11, 5), QTime(7, 8, 9)));
+    SendingLog(m_tree->globals, clock.now()).moment(u"Begin"_s);
+    const QString month = QLocale(locale).monthName(11, QLocale::ShortFormat);
     QCOMPARE(QString::fromUtf8(log()), u"Begin: "_s + month + u" 05 2026 07:08:09\r\n"_s);
 }
 

@@ -1,6 +1,6 @@
 """A SOCKS5 proxy for tests that reaches one target only, whatever is asked of it, and tells what was asked: so a name
-that nobody can resolve shows who was to resolve it. Prints "PORT n", "LOGIN user password" (in hexadecimal) and
-"ASKED type host port". Ends with its standard input."""
+that nobody can resolve shows who was to resolve it. It takes no method that was not offered. Prints "PORT n", "METHODS
+offered", "LOGIN user password" (both in hexadecimal) and "ASKED type host port". Ends with its standard input."""
 
 import argparse
 import asyncio
@@ -21,7 +21,13 @@ async def pump(reader, writer):
 async def serve(options, reader, writer):
     try:
         _, count = await reader.readexactly(2)
-        await reader.readexactly(count)
+        methods = await reader.readexactly(count)
+        print("METHODS", methods.hex(), flush=True)
+        if (2 if options.login else 0) not in methods:
+            writer.write(b"\x05\xff")
+            await writer.drain()
+            writer.close()
+            return
         if options.login:
             writer.write(b"\x05\x02")
             _, length = await reader.readexactly(2)

@@ -50,20 +50,44 @@ QTime timeOf(const QString &text)
     return {values[0], values[1], values[2]};
 }
 
-/// @p date and @p time as they are shown in the zone of @p now.
-QDateTime inZoneOf(const QDateTime &now, QDate date, QTime time)
+/// The moment @p seconds after 1970 as it is shown in the zone of @p now.
+QDateTime shownIn(const QDateTime &now, qint64 seconds)
 {
     switch (now.timeSpec()) {
     case Qt::OffsetFromUTC:
-        return {date, time, Qt::OffsetFromUTC, now.offsetFromUtc()};
+        return QDateTime::fromSecsSinceEpoch(seconds, Qt::OffsetFromUTC, now.offsetFromUtc());
     case Qt::TimeZone:
-        return {date, time, now.timeZone()};
+        return QDateTime::fromSecsSinceEpoch(seconds, now.timeZone());
     case Qt::UTC:
-        return {date, time, Qt::UTC};
+        return QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC);
     case Qt::LocalTime:
         break;
     }
-    return {date, time, Qt::LocalTime};
+    return QDateTime::fromSecsSinceEpoch(seconds, Qt::LocalTime);
+}
+
+/// The moment at which the clocks in the zone of @p now show @p date and @p time: the earlier one where they show it
+/// twice, and where they leave it out the first one after the gap. What the date's own class makes of both depends on
+/// its version and on the system.
+QDateTime inZoneOf(const QDateTime &now, QDate date, QTime time)
+{
+    constexpr qint64 day = 24 * 60 * 60; // farther than any zone is from UTC, nearer than two changes of the clocks
+    const qint64 shown = QDateTime(date, time, Qt::UTC).toSecsSinceEpoch();
+    const auto offset = [&now](qint64 moment) { return shownIn(now, moment).offsetFromUtc(); };
+    const int before = offset(shown - day);
+    const int after = offset(shown + day);
+    for (const int candidate : {before, after}) {
+        if (offset(shown - candidate) == candidate) {
+            return shownIn(now, shown - candidate);
+        }
+    }
+    qint64 early = shown - day;
+    qint64 late = shown + day;
+    while (late - early > 1) {
+        const qint64 middle = early + (late - early) / 2;
+        (offset(middle) == before ? early : late) = middle;
+    }
+    return shownIn(now, late);
 }
 
 std::optional<QDateTime> parsedDate(const QString &text, const QDateTime &now)
@@ -81,8 +105,7 @@ std::optional<QDateTime> parsedDate(const QString &text, const QDateTime &now)
     if (fields[2].size() != 4 || !day.isValid() || !time.isValid()) {
         return std::nullopt;
     }
-    const QDateTime moment = inZoneOf(now, day, time);
-    return moment.isValid() ? std::optional(moment) : std::nullopt;
+    return inZoneOf(now, day, time);
 }
 
 QByteArray twoDigits(int number)
@@ -154,7 +177,11 @@ void appendPriority(QByteArray &out, const QString &priority)
 
 QByteArray mailDate(const QString &date, const QDateTime &now)
 {
-    return dateText(parsedDate(date, now).value_or(now));
+    if (headerText(date).trimmed().isEmpty()) {
+        return dateText(now);
+    }
+    const std::optional<QDateTime> chosen = parsedDate(date, now);
+    return chosen ? dateText(*chosen) : QByteArray();
 }
 
 QByteArray randomDigits(qsizetype count)
@@ -172,7 +199,12 @@ MailHeaders mailHeaders(const MailMessage &message, const QDateTime &now)
     MailHeaders headers;
     QByteArray &out = headers.Octets;
     AddressFields addresses(headers);
-    out += "Date: " + mailDate(message.Date, now) + "\r\n";
+    const QByteArray date = mailDate(message.Date, now);
+    if (date.isEmpty()) {
+        headers.ErrorText = say(mailtexts::dateInvalid, headerText(message.Date));
+        return headers;
+    }
+    out += "Date: " + date + "\r\n";
     const std::optional<AddressSpec> sender = addressSpec(message.From.Address.trimmed());
     if (!sender) {
         headers.ErrorText = say(mailtexts::fromInvalid, headerText(message.From.Address));

@@ -37,6 +37,30 @@ inline constexpr OwnText endedSession{section, u"ENDED_SESSION", u"the server ha
 inline constexpr OwnText notTaken{section, u"NOT_TAKEN", u"the server did not take the message"};
 inline constexpr OwnText closedConnection{section, u"CLOSED_CONNECTION", u"the server has closed the connection"};
 inline constexpr OwnText noAnswer{section, u"NO_ANSWER", u"there was no answer for %1 s"};
+inline constexpr OwnText hostNotFound{section, u"HOST_NOT_FOUND", u"the server was not found"};
+inline constexpr OwnText proxyUnreachable{section, u"PROXY_UNREACHABLE", u"the proxy cannot be reached (%1)"};
+inline constexpr OwnText proxyClosed{section, u"PROXY_CLOSED", u"the proxy has closed the connection"};
+inline constexpr OwnText proxyNotSocks{section, u"PROXY_NOT_SOCKS", u"the answer of the proxy is not SOCKS5"};
+inline constexpr OwnText proxyWantsLogin{section, u"PROXY_WANTS_LOGIN", u"the proxy wants a user name and a password"};
+inline constexpr OwnText proxyNoMethod{
+    section, u"PROXY_NO_METHOD", u"the proxy accepts neither a user name with a password nor a connection without"};
+inline constexpr OwnText proxyLoginRefused{section, u"PROXY_LOGIN_REFUSED",
+                                           u"the proxy does not accept the user name or the password"};
+inline constexpr OwnText proxyGeneralFailure{section, u"PROXY_GENERAL_FAILURE", u"the proxy reports a general failure"};
+inline constexpr OwnText proxyNotAllowed{section, u"PROXY_NOT_ALLOWED", u"the proxy does not allow this connection"};
+inline constexpr OwnText proxyNetworkUnreachable{section, u"PROXY_NETWORK_UNREACHABLE",
+                                                 u"the proxy reports that the network cannot be reached"};
+inline constexpr OwnText proxyHostUnreachable{section, u"PROXY_HOST_UNREACHABLE",
+                                              u"the proxy reports that the host cannot be reached"};
+inline constexpr OwnText proxyServerRefused{section, u"PROXY_SERVER_REFUSED",
+                                            u"the proxy reports that the server refused the connection"};
+inline constexpr OwnText proxyTimeToLive{section, u"PROXY_TIME_TO_LIVE",
+                                         u"the proxy reports that the time to live is over"};
+inline constexpr OwnText proxyNoCommand{section, u"PROXY_NO_COMMAND", u"the proxy does not know the command"};
+inline constexpr OwnText proxyNoAddressType{section, u"PROXY_NO_ADDRESS_TYPE",
+                                            u"the proxy does not know this kind of address"};
+inline constexpr OwnText proxyUnknownReply{section, u"PROXY_UNKNOWN_REPLY",
+                                           u"the proxy answers with the unknown code %1"};
 inline constexpr OwnText noStartTls{section, u"NO_STARTTLS",
                                     u"the server does not offer it, and nothing was sent in the clear"};
 inline constexpr OwnText moreBehindStartTls{section, u"MORE_BEHIND_STARTTLS",
@@ -123,6 +147,7 @@ inline constexpr OwnText addressInvalid{section, u"ADDRESS_INVALID",
                                         u"The mail cannot be made: \"%1\" is not a valid e-mail address."};
 inline constexpr OwnText fromInvalid{section, u"FROM_INVALID",
                                      u"The mail cannot be made: \"%1\" is not a valid sender address."};
+inline constexpr OwnText dateInvalid{section, u"DATE_INVALID", u"The mail cannot be made: \"%1\" is not a valid date."};
 inline constexpr OwnText fileNotAdded{section, u"FILE_NOT_ADDED", u"The file \"%1\" cannot be put into the mail: %2."};
 inline constexpr OwnText fileIsFolder{section, u"FILE_IS_FOLDER", u"it is a folder"};
 inline constexpr OwnText fileNotRegular{section, u"FILE_NOT_REGULAR", u"it is not a regular file"};

@@ -26,12 +26,6 @@ bool isPort(long port)
     return port > 0 && port <= maxPort;
 }
 
-// RFC 1929 names no charset; the socket library writes Latin-1, so UTF-8 octets are handed over one by one.
-QString asOctets(const QString &text)
-{
-    return QString::fromLatin1(text.toUtf8());
-}
-
 } // namespace
 
 MailTransport::MailTransport(QObject *parent) : QObject(parent) {}
@@ -92,9 +86,8 @@ Pending<> MailTransport::Connect(const QString &server, long port, long, long)
     target.Password = Password;
     target.Proxy = QNetworkProxy(QNetworkProxy::NoProxy);
     if (!ProxyServer.trimmed().isEmpty()) {
-        // This kind of proxy is given the server's name, not its address.
         target.Proxy = QNetworkProxy(QNetworkProxy::Socks5Proxy, asciiHost(ProxyServer),
-                                     static_cast<quint16>(ProxyPort), asOctets(ProxyUser), asOctets(ProxyPassword));
+                                     static_cast<quint16>(ProxyPort), ProxyUser, ProxyPassword);
     }
     m_session = std::make_unique<SmtpSession>(target, timeouts);
     connect(m_session.get(), &SmtpSession::progressed, this, &MailTransport::Progress);

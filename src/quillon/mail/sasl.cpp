@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <gsasl.h>
+#include <utility>
 
 namespace quillon {
 
@@ -37,14 +38,20 @@ private:
 
 } // namespace
 
-QByteArray SaslClient::choose(const QList<QByteArray> &offered, bool encrypted)
+QByteArray SaslClient::choose(const QList<QByteArray> &offered, bool encrypted, const QString &user)
 {
     // SCRAM proves the server too. Below it: inside TLS nobody overhears PLAIN, and it lets the server keep no plain
     // passwords, which the MD5 mechanisms need; in the clear these are better than showing the password.
     static const QList<QByteArray> inTls = {"SCRAM-SHA-256", "SCRAM-SHA-1", "PLAIN", "LOGIN", "DIGEST-MD5", "CRAM-MD5"};
     static const QList<QByteArray> inClear = {"SCRAM-SHA-256", "SCRAM-SHA-1", "DIGEST-MD5",
                                               "CRAM-MD5",      "PLAIN",       "LOGIN"};
-    for (const QByteArray &mechanism : encrypted ? inTls : inClear) {
+    static const QByteArray digest = "DIGEST-MD5";
+    QList<QByteArray> order = encrypted ? inTls : inClear;
+    if (user.toUtf8().size() != user.size()) {
+        order.removeOne(digest);
+        order.append(digest);
+    }
+    for (const QByteArray &mechanism : std::as_const(order)) {
         if (offered.contains(mechanism) && gsasl_client_support_p(GsaslContext::get(), mechanism.constData()) != 0) {
             return mechanism;
         }

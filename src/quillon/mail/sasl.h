@@ -15,8 +15,9 @@ namespace quillon {
 class SaslClient {
 public:
     /// The best mechanism of @p offered (upper case) that we speak, empty if there is none. On a link that is not
-    /// @p encrypted those come first that do not show the password.
-    [[nodiscard]] static QByteArray choose(const QList<QByteArray> &offered, bool encrypted);
+    /// @p encrypted those come first that do not show the password. For a @p user beyond ASCII DIGEST-MD5 is the last:
+    /// servers differ in the octets that they take of such a name (RFC 2831, 2.1.2.1, asks for Latin-1 where it fits).
+    [[nodiscard]] static QByteArray choose(const QList<QByteArray> &offered, bool encrypted, const QString &user = {});
 
     /// Nothing if the library does not know @p mechanism. @p host is the server's name as the user gave it.
     static std::unique_ptr<SaslClient> start(const QByteArray &mechanism, const QString &user, const QString &password,

@@ -23,7 +23,7 @@ SmtpLogin::SmtpLogin(const SmtpExtensions &extensions, bool encrypted, const QSt
         m_fault = say(mailtexts::noAuth);
         return;
     }
-    m_mechanism = SaslClient::choose(extensions.Auth, encrypted);
+    m_mechanism = SaslClient::choose(extensions.Auth, encrypted, user);
     if (!m_mechanism.isEmpty()) {
         m_client = SaslClient::start(m_mechanism, user, password, host);
     }

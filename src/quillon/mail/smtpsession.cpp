@@ -40,7 +40,7 @@ void SmtpSession::settle()
 {
     if (stands() && m_stage != Stage::Ready) {
         // The time that the program itself has let pass since is not the server's.
-        m_wire.allowSilence(m_timeouts.Silence);
+        m_wire.allowMoreSilence(m_timeouts.Silence);
     }
     begin(Call::Settle);
 }

@@ -1,6 +1,8 @@
 #include "quillon/mail/smtpwire.h"
 
+#include "quillon/mail/addressrace.h"
 #include "quillon/mail/mailtexts.h"
+#include "quillon/mail/socksclient.h"
 
 #include <QCoreApplication>
 #include <QHostAddress>
@@ -42,19 +44,11 @@ void retire(QTcpSocket *socket, const QByteArray &quit)
 
 } // namespace
 
-SmtpWire::SmtpWire(QObject *parent) : QObject(parent), m_socket(new QTcpSocket)
+SmtpWire::SmtpWire(QObject *parent) : QObject(parent)
 {
     m_silence.setSingleShot(true);
     connect(&m_silence, &QTimer::timeout, this, &SmtpWire::onSilence);
-    connect(m_socket, &QTcpSocket::connected, this, [this] {
-        // Commands are short and each awaits its answer: none may wait for the one before to be acknowledged.
-        m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-        Q_EMIT connected();
-    });
-    connect(m_socket, &QTcpSocket::readyRead, this, &SmtpWire::onReadyRead);
-    connect(m_socket, &QTcpSocket::bytesWritten, this, &SmtpWire::onBytesWritten);
-    connect(m_socket, &QTcpSocket::errorOccurred, this, &SmtpWire::onError);
-    m_socket->setReadBufferSize(readAhead);
+    use(new QTcpSocket);
 }
 
 SmtpWire::~SmtpWire()
@@ -62,12 +56,87 @@ SmtpWire::~SmtpWire()
     close(false);
 }
 
+void SmtpWire::use(QTcpSocket *socket)
+{
+    m_socket = socket;
+    connect(socket, &QTcpSocket::connected, this, &SmtpWire::onConnected);
+    connect(socket, &QTcpSocket::readyRead, this, &SmtpWire::onReadyRead);
+    connect(socket, &QTcpSocket::bytesWritten, this, &SmtpWire::onBytesWritten);
+    connect(socket, &QTcpSocket::errorOccurred, this, &SmtpWire::onError);
+    socket->setReadBufferSize(readAhead);
+}
+
 void SmtpWire::open(const QString &host, quint16 port, const QNetworkProxy &proxy)
 {
     m_host = host;
     m_port = port;
-    m_socket->setProxy(proxy);
+    if (proxy.type() == QNetworkProxy::NoProxy) {
+        reach(host, port);
+        return;
+    }
+    m_socks = std::make_unique<SocksClient>(host, port, proxy.user(), proxy.password());
+    reach(proxy.hostName(), proxy.port());
+}
+
+void SmtpWire::reach(const QString &host, quint16 port)
+{
+    if (QHostAddress(host).isNull()) {
+        race(host, port);
+        return;
+    }
+    m_socket->setProxy(QNetworkProxy(QNetworkProxy::NoProxy));
     m_socket->connectToHost(host, port);
+}
+
+void SmtpWire::race(const QString &host, quint16 port)
+{
+    m_race = new AddressRace(QCoreApplication::instance());
+    connect(m_race, &AddressRace::won, this, [this](QTcpSocket *socket) {
+        m_race->deleteLater();
+        m_race.clear();
+        delete m_socket.data(); // it has never been used
+        use(socket);
+        onConnected();
+    });
+    connect(m_race, &AddressRace::lost, this, [this](const QString &reason) { giveUp(failureOf(reason)); });
+    m_race->run(host, port);
+}
+
+void SmtpWire::onConnected()
+{
+    // Commands are short and each awaits its answer: none may wait for the one before to be acknowledged.
+    m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    if (m_socks) {
+        talkToProxy({});
+    } else {
+        Q_EMIT connected();
+    }
+}
+
+// What a loss of the connection is to be told as: until the proxy has made it, it is the proxy that is lost.
+QString SmtpWire::failureOf(const QString &reason) const
+{
+    return m_socks ? say(mailtexts::proxyUnreachable, reason) : reason;
+}
+
+// Takes what the proxy says, until it has made the connection; gives what comes behind that, which is the server's.
+QByteArray SmtpWire::talkToProxy(const QByteArray &octets)
+{
+    m_socks->feed(octets);
+    m_socket->write(m_socks->takeOutput());
+    flush();
+    if (!m_socket || m_socks->state() == SocksClient::State::Talking) {
+        return {};
+    }
+    if (m_socks->state() == SocksClient::State::Failed) {
+        giveUp(m_socks->fault());
+        return {};
+    }
+    const QByteArray rest = m_socks->takeRest();
+    m_socks.reset();
+    const QPointer<SmtpWire> self(this);
+    Q_EMIT connected();
+    return self && m_socket ? rest : QByteArray();
 }
 
 void SmtpWire::startTls()
@@ -125,7 +194,22 @@ QByteArray SmtpWire::addressLiteral() const
     return address.isNull() ? QByteArray("[127.0.0.1]") : "[IPv6:" + address.toString().toLatin1() + ']';
 }
 
+// What a proxy says on the way to the server gives neither of them more time: connecting has one time for all of it.
+void SmtpWire::noteSign()
+{
+    if (!m_socks) {
+        m_lastSign = Clock::now();
+        m_silentSince = m_lastSign;
+    }
+}
+
 void SmtpWire::allowSilence(std::chrono::milliseconds time)
+{
+    m_silentSince = Clock::now();
+    allowMoreSilence(time);
+}
+
+void SmtpWire::allowMoreSilence(std::chrono::milliseconds time)
 {
     m_allowed = m_socket ? time : 0ms;
     if (m_allowed <= 0ms) {
@@ -145,6 +229,12 @@ void SmtpWire::close(bool politely)
 {
     m_silence.stop();
     m_allowed = 0ms;
+    if (m_race) {
+        m_race->stop();
+        m_race->disconnect(this);
+        m_race->deleteLater(); // it may be within a call of its own
+        m_race.clear();
+    }
     if (!m_socket) {
         return;
     }
@@ -164,8 +254,14 @@ void SmtpWire::close(bool politely)
 
 void SmtpWire::onReadyRead()
 {
-    m_lastSign = Clock::now();
-    const QByteArray octets = m_socket->readAll();
+    noteSign();
+    QByteArray octets = m_socket->readAll();
+    if (m_socks) {
+        octets = talkToProxy(octets);
+        if (octets.isEmpty()) {
+            return;
+        }
+    }
     if (!m_tls) {
         take(octets);
         return;
@@ -216,16 +312,17 @@ void SmtpWire::shakeHands()
 
 void SmtpWire::onBytesWritten()
 {
-    m_lastSign = Clock::now();
-    if (!m_flushing) {
+    noteSign();
+    if (!m_flushing && !m_socks) {
         Q_EMIT roomLeft();
     }
 }
 
 void SmtpWire::onError(QAbstractSocket::SocketError error)
 {
-    const QString reason = error == QAbstractSocket::RemoteHostClosedError ? say(mailtexts::closedConnection)
-                                                                           : printableText(m_socket->errorString());
+    const bool closed = error == QAbstractSocket::RemoteHostClosedError;
+    const QString reason = closed ? say(m_socks ? mailtexts::proxyClosed : mailtexts::closedConnection)
+                                  : failureOf(printableText(m_socket->errorString()));
     // What the server said last may still lie in the socket, and says more than the loss of the connection does.
     if (m_socket->bytesAvailable() > 0) {
         const QPointer<SmtpWire> self(this);
@@ -257,7 +354,8 @@ void SmtpWire::onSilence()
         m_silence.start(left);
         return;
     }
-    const auto seconds = std::chrono::ceil<std::chrono::seconds>(m_allowed);
+    const auto before = std::chrono::round<std::chrono::seconds>(m_lastSign - m_silentSince);
+    const auto seconds = std::chrono::ceil<std::chrono::seconds>(m_allowed) + before;
     giveUp(say(mailtexts::noAnswer, QString::number(seconds.count())));
 }
 

@@ -14,6 +14,9 @@
 
 namespace quillon {
 
+class AddressRace;
+class SocksClient;
+
 /// The connection beneath an SMTP session: a socket, TLS, the time-out for silence, and the server's octets cut into
 /// replies. Never blocks. After failed() or close() it is silent and does nothing more.
 class SmtpWire : public QObject {
@@ -23,7 +26,8 @@ public:
     explicit SmtpWire(QObject *parent = nullptr);
     ~SmtpWire() override;
 
-    /// Begins to connect; connected() follows when the connection stands, through @p proxy if it is one.
+    /// Begins to connect; connected() follows when the connection stands, through @p proxy (SOCKS5) if it is one, which
+    /// is then given the name. All addresses of the host that is connected to are tried (see AddressRace).
     void open(const QString &host, quint16 port, const QNetworkProxy &proxy);
 
     /// Begins the TLS handshake for the host that open() was given; encrypted() follows when it is verified.
@@ -58,6 +62,8 @@ public:
 
     /// How long the peer may be silent from now on; whatever comes or goes begins it anew. 0: for ever.
     void allowSilence(std::chrono::milliseconds time);
+    /// The same where an answer has been awaited for some time already, which counts when it is told how long.
+    void allowMoreSilence(std::chrono::milliseconds time);
 
     /// Gives the connection up. @p politely: with QUIT, whose answer a closer awaits in the background for a moment.
     void close(bool politely);
@@ -73,6 +79,13 @@ Q_SIGNALS:
 private:
     using Clock = std::chrono::steady_clock;
 
+    void use(QTcpSocket *socket);
+    void reach(const QString &host, quint16 port);
+    void race(const QString &host, quint16 port);
+    void onConnected();
+    [[nodiscard]] QString failureOf(const QString &reason) const;
+    QByteArray talkToProxy(const QByteArray &octets);
+    void noteSign();
     void onReadyRead();
     void onError(QAbstractSocket::SocketError error);
     void onSilence();
@@ -81,12 +94,15 @@ private:
     void take(const QByteArray &octets);
     void giveUp(const QString &reason);
 
-    QPointer<QTcpSocket> m_socket; // lives on with its closer when this is gone
+    QPointer<QTcpSocket> m_socket;        // lives on with its closer when this is gone
+    QPointer<AddressRace> m_race;         // for the socket that will take the place of the one above
+    std::unique_ptr<SocksClient> m_socks; // until the proxy has made the connection
     std::unique_ptr<TlsClient> m_tls;
     SmtpReplyParser m_parser;
     QTimer m_silence;
     std::chrono::milliseconds m_allowed{0}; // silence of the peer; 0: for ever
     Clock::time_point m_lastSign;           // of the peer, or the moment when it was given this time
+    Clock::time_point m_silentSince;        // as above, without the time that was given since
     Clock::time_point m_due;                // when m_silence goes off
     QString m_host;
     quint16 m_port = 0;

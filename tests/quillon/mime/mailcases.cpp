@@ -169,7 +169,6 @@ QList<MailCase> headerInjections(const QTemporaryDir &files)
             message.ReceiptTo = {u"receipt@example.org"_s, evil};
             message.To.Item(1).Name = evil;
             message.CC.Add({u"cc@example.com"_s, evil});
-            message.Date = evil;
             message.Priority = u"2"_s + evil;
             message.Charset = u"utf-8"_s + evil;
             message.AccountName = evil;

@@ -18,6 +18,7 @@ private Q_SLOTS:
     void dateAsGivenGetsTheZone();
     void dateAsGivenGetsTheZone_data();
     void missingDateIsTheMoment();
+    void aDateThatIsNoneIsAClearError();
     void messageIdIsUniqueAndOfTheSendersDomain();
     void priorityHeadersAsMailersReadThem();
     void receiptIsAskedForOnlyWithAnAddress();
@@ -72,24 +73,23 @@ void TestMailEncoderHeaders::dateAsGivenGetsTheZone_data()
     QTest::newRow("short names") << u"Sat, 1 Nov 2026 04:05:09"_s << QByteArray("Sun, 1 Nov 2026 04:05:09 +0100");
     QTest::newRow("summer") << u"Wed, 1 July 2026 12:00:00"_s << QByteArray("Wed, 1 Jul 2026 12:00:00 +0200");
     QTest::newRow("no weekday") << u"1 May 2020 1:02"_s << QByteArray("Fri, 1 May 2020 01:02:00 +0200");
-    QTest::newRow("no date") << u"Someday\r\nX-Evil: 1"_s << QByteArray("Sat, 21 Nov 2026 14:05:09 +0100");
-    QTest::newRow("no such day") << u"Mon, 30 February 2026 12:00:00"_s
-                                 << QByteArray("Sat, 21 Nov 2026 14:05:09 +0100");
-    const QByteArray moment = "Sat, 21 Nov 2026 14:05:09 +0100";
+    QTest::newRow("no date") << u"Someday\r\nX-Evil: 1"_s << QByteArray();
+    QTest::newRow("no such day") << u"Mon, 30 February 2026 12:00:00"_s << QByteArray();
     for (const QString &wrong :
          {u"1 May 999 1:02"_s, u"1 May 02026 1:02"_s, u"1 Ma 2026 1:02"_s, u"1 Mayo 2026 1:02"_s, u"1 2026 1:02"_s,
           u"1 May 2026"_s, u"1 May 2026 1:02 x"_s, u"1 May 2026 1"_s, u"1 May 2026 1:02:03:04"_s,
           u"1 May 2026 001:02"_s, u"1 May 2026 1:002"_s, u"1 May 2026 1:x"_s, u"1 May 2026 24:00"_s,
           u"1 May 2026 23:60"_s, u"1 May 2026 23:59:60"_s, u"1 May 2026 :"_s, u"29 February 2026 1:02"_s,
           u"0 May 2026 1:02"_s, u"May 1 2026 1:02"_s}) {
-        QTest::newRow(qPrintable(u"no date: "_s + wrong)) << wrong << moment;
+        QTest::newRow(qPrintable(u"no date: "_s + wrong)) << wrong << QByteArray();
     }
     QTest::newRow("end of the day") << u"31 DECEMBER 2026 23:59:59"_s << QByteArray("Thu, 31 Dec 2026 23:59:59 +0100");
     QTest::newRow("beginning of the day")
         << u"\t1  jan\r\n2026  00:00:00 "_s << QByteArray("Thu, 1 Jan 2026 00:00:00 +0100");
     QTest::newRow("half a name") << u"Someday, 29 Februa 2028 9:8:7"_s << QByteArray("Tue, 29 Feb 2028 09:08:07 +0100");
-    QTest::newRow("no such time") << u"Mon, 3 February 2026 25:00:00"_s
-                                  << QByteArray("Sat, 21 Nov 2026 14:05:09 +0100");
+    QTest::newRow("no such time") << u"Mon, 3 February 2026 25:00:00"_s << QByteArray();
+    QTest::newRow("none") << QString() << QByteArray("Sat, 21 Nov 2026 14:05:09 +0100");
+    QTest::newRow("blanks") << u" \t\r\n "_s << QByteArray("Sat, 21 Nov 2026 14:05:09 +0100");
 }
 
 void TestMailEncoderHeaders::dateAsGivenGetsTheZone()
@@ -110,6 +110,16 @@ void TestMailEncoderHeaders::missingDateIsTheMoment()
     QCOMPARE(mailDate(QString(), little), QByteArray("Thu, 1 Jan 2026 01:02:03 -0030"));
     QCOMPARE(mailDate(QString(), west), QByteArray("Thu, 5 Nov 2026 04:05:09 -0330"));
     QCOMPARE(mailDate(u"Sat, 2 May 2026 00:00:00"_s, west), QByteArray("Sat, 2 May 2026 00:00:00 -0330"));
+}
+
+void TestMailEncoderHeaders::aDateThatIsNoneIsAClearError()
+{
+    // Another date in its place would go out with nobody knowing.
+    MailMessage mail = message();
+    mail.Date = u"Someday\r\nX-Evil: 1"_s;
+    const EncodedMail encoded = m_encoder.encode(mail, m_now);
+    QCOMPARE(encoded.ErrorText, u"The mail cannot be made: \"Someday X-Evil: 1\" is not a valid date."_s);
+    QVERIFY(encoded.Stretches.isEmpty());
 }
 
 void TestMailEncoderHeaders::messageIdIsUniqueAndOfTheSendersDomain()

@@ -20,6 +20,7 @@ private Q_SLOTS:
     void plainAndLoginCarryUtf8();
     void theBestMechanismIsChosen();
     void theOrderOfMechanismsDependsOnEncryption();
+    void digestMd5IsTheLastForAUserBeyondAscii();
     void aLoginAsksWhetherTheLinkIsEncrypted();
     void aLoginWithoutAMechanismSaysWhy();
     void aUserWhoCannotBePreparedIsAFault();
@@ -237,6 +238,25 @@ void TestSasl::theOrderOfMechanismsDependsOnEncryption()
              (QList<QByteArray>{"SCRAM-SHA-256", "SCRAM-SHA-1", "PLAIN", "LOGIN", "DIGEST-MD5", "CRAM-MD5"}));
     QCOMPARE(order(false),
              (QList<QByteArray>{"SCRAM-SHA-256", "SCRAM-SHA-1", "DIGEST-MD5", "CRAM-MD5", "PLAIN", "LOGIN"}));
+}
+
+void TestSasl::digestMd5IsTheLastForAUserBeyondAscii()
+{
+    const QString umlaut = u"jürgen"_s;
+    const QString chinese = u"密码"_s;
+    for (const QString &user : {umlaut, chinese, u"ascii and ü"_s}) {
+        QCOMPARE(SaslClient::choose({"DIGEST-MD5", "PLAIN"}, false, user), "PLAIN");
+        QCOMPARE(SaslClient::choose({"DIGEST-MD5", "LOGIN", "CRAM-MD5"}, false, user), "CRAM-MD5");
+        QCOMPARE(SaslClient::choose({"DIGEST-MD5", "CRAM-MD5"}, true, user), "CRAM-MD5");
+        QCOMPARE(SaslClient::choose({"DIGEST-MD5"}, false, user), "DIGEST-MD5");
+        QCOMPARE(SaslClient::choose({"DIGEST-MD5", "NTLM"}, true, user), "DIGEST-MD5");
+        QCOMPARE(SaslClient::choose({"DIGEST-MD5", "SCRAM-SHA-1"}, false, user), "SCRAM-SHA-1");
+    }
+    QCOMPARE(SaslClient::choose({"DIGEST-MD5", "CRAM-MD5", "PLAIN"}, false, u"jurgen@x.org"_s), "DIGEST-MD5");
+    QCOMPARE(SaslClient::choose({"DIGEST-MD5", "CRAM-MD5"}, true, u"jurgen"_s), "DIGEST-MD5");
+    const SmtpExtensions offered = offering({"DIGEST-MD5", "CRAM-MD5"});
+    QCOMPARE(SmtpLogin(offered, false, umlaut, u"p"_s, u"host"_s).mechanism(), "CRAM-MD5");
+    QCOMPARE(SmtpLogin(offered, false, u"jurgen"_s, u"pü"_s, u"host"_s).mechanism(), "DIGEST-MD5");
 }
 
 void TestSasl::aLoginAsksWhetherTheLinkIsEncrypted()

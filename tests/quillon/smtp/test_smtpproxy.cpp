@@ -5,6 +5,7 @@
 #include "support/scriptedserver.h"
 
 #include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
 
 using namespace quillon;
@@ -24,6 +25,10 @@ private Q_SLOTS:
     void aMailGoesThroughAProxyWithAUser();
     void aMailGoesThroughAProxyInTls();
     void theProxyResolvesTheName();
+    void aProxyThatWantsNoLoginIsUsedAlthoughThereIsAUser();
+    void aProxyThatClosesIsNotToldAsTheServer();
+    void theProxysNameMayHaveSeveralAddresses();
+    void theServersFirstWordsMayComeWithTheProxysLast();
     void aUserInUtf8ReachesTheProxy();
     void aWrongProxyPasswordIsAnErrorThatNamesTheProxy();
     void aProxyThatRefusesIsAnErrorThatNamesTheProxy_data();
@@ -118,6 +123,72 @@ void TestSmtpProxy::theProxyResolvesTheName()
     QCOMPARE(server.Mails.size(), 1);
 }
 
+void TestSmtpProxy::aProxyThatWantsNoLoginIsUsedAlthoughThereIsAUser()
+{
+    ScriptedServer server;
+    ChildServer proxy;
+    QVERIFY2(proxy.startPython(u"socks_stub.py"_s, {u"--target"_s, QString::number(server.port())}),
+             qPrintable(proxy.fault()));
+    ProxiedClient client(proxy.port(), u"user"_s, u"geheim"_s);
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QCOMPARE(proxy.waitForLine("METHODS "), QByteArray("0002"));
+    QVERIFY2(client.send(text), qPrintable(client.Errors.join(u'\n')));
+    QVERIFY(client.Errors.isEmpty());
+}
+
+void TestSmtpProxy::aProxyThatClosesIsNotToldAsTheServer()
+{
+    ScriptedServer proxy;
+    proxy.Greeting = "";
+    proxy.closeAt("");
+    ProxiedClient client(proxy.port());
+    QVERIFY(client.connectTo(25, u"mail.example.org"_s) != 2);
+    QCOMPARE(client.Errors.size(), 1);
+    QVERIFY2(client.Errors.first().endsWith(u"failed: the proxy has closed the connection."),
+             qPrintable(client.Errors.first()));
+}
+
+void TestSmtpProxy::theProxysNameMayHaveSeveralAddresses()
+{
+    // This machine by its name is two addresses, of which the first refuses.
+    ScriptedServer server;
+    ChildServer proxy;
+    QVERIFY2(proxy.startPython(u"socks_stub.py"_s, {u"--target"_s, QString::number(server.port())}),
+             qPrintable(proxy.fault()));
+    ProxiedClient client(proxy.port());
+    client.Transport.ProxyServer = u"localhost"_s;
+    QCOMPARE(client.connectTo(server.port()), 2);
+    QVERIFY2(client.send(text), qPrintable(client.Errors.join(u'\n')));
+    ProxiedClient other(portOfNobody());
+    other.Transport.ProxyServer = u"localhost"_s;
+    QVERIFY(other.connectTo(server.port()) != 2);
+    QVERIFY2(other.Errors.first().endsWith(u"the proxy cannot be reached (Connection refused)."),
+             qPrintable(other.Errors.first()));
+}
+
+void TestSmtpProxy::theServersFirstWordsMayComeWithTheProxysLast()
+{
+    QTcpServer proxy;
+    QVERIFY(proxy.listen(QHostAddress::LocalHost));
+    connect(&proxy, &QTcpServer::newConnection, &proxy, [&proxy] {
+        QTcpSocket *socket = proxy.nextPendingConnection();
+        connect(socket, &QTcpSocket::readyRead, socket, [socket] {
+            const QByteArray said = socket->readAll();
+            if (said.startsWith("\x05\x01") && said.size() == 3) {
+                socket->write(QByteArray("\x05\0", 2));
+            } else if (said.startsWith('\x05')) {
+                socket->write(QByteArray("\x05\0\0\x01\0\0\0\0\0\0", 10) + "220 eager.example\r\n");
+            } else {
+                socket->write("250 eager.example\r\n");
+            }
+        });
+    });
+    ProxiedClient client(proxy.serverPort());
+    QCOMPARE(client.connectTo(25, u"mail.example.org"_s), 2);
+    QVERIFY(client.accepted());
+    QVERIFY(client.Errors.isEmpty());
+}
+
 void TestSmtpProxy::aUserInUtf8ReachesTheProxy()
 {
     ScriptedServer server;
@@ -141,6 +212,9 @@ void TestSmtpProxy::aWrongProxyPasswordIsAnErrorThatNamesTheProxy()
         const QString error = client.Errors.first();
         QVERIFY2(error.contains(u"through the proxy 127.0.0.1, port %1"_s.arg(proxy.port())), qPrintable(error));
         QVERIFY2(!error.contains(u"falsches Wort"), qPrintable(error));
+        QVERIFY2(error.endsWith(user.isEmpty() ? u"the proxy wants a user name and a password."_s
+                                               : u"the proxy does not accept the user name or the password."_s),
+                 qPrintable(error));
     }
     QCOMPARE(server.Connections, 0);
 }
@@ -148,27 +222,30 @@ void TestSmtpProxy::aWrongProxyPasswordIsAnErrorThatNamesTheProxy()
 void TestSmtpProxy::aProxyThatRefusesIsAnErrorThatNamesTheProxy_data()
 {
     QTest::addColumn<int>("code");
-    QTest::newRow("general failure") << 1;
-    QTest::newRow("not allowed") << 2;
-    QTest::newRow("network unreachable") << 3;
-    QTest::newRow("host unreachable") << 4;
-    QTest::newRow("connection refused") << 5;
-    QTest::newRow("time to live") << 6;
-    QTest::newRow("command not supported") << 7;
-    QTest::newRow("address type not supported") << 8;
-    QTest::newRow("unknown code") << 99;
+    QTest::addColumn<QString>("said");
+    QTest::newRow("general failure") << 1 << u"the proxy reports a general failure"_s;
+    QTest::newRow("not allowed") << 2 << u"the proxy does not allow this connection"_s;
+    QTest::newRow("network unreachable") << 3 << u"the proxy reports that the network cannot be reached"_s;
+    QTest::newRow("host unreachable") << 4 << u"the proxy reports that the host cannot be reached"_s;
+    QTest::newRow("connection refused") << 5 << u"the proxy reports that the server refused the connection"_s;
+    QTest::newRow("time to live") << 6 << u"the proxy reports that the time to live is over"_s;
+    QTest::newRow("command not supported") << 7 << u"the proxy does not know the command"_s;
+    QTest::newRow("address type not supported") << 8 << u"the proxy does not know this kind of address"_s;
+    QTest::newRow("unknown code") << 99 << u"the proxy answers with the unknown code 99"_s;
 }
 
 void TestSmtpProxy::aProxyThatRefusesIsAnErrorThatNamesTheProxy()
 {
     QFETCH(int, code);
+    QFETCH(QString, said);
     ChildServer proxy;
     QVERIFY2(proxy.startPython(u"socks_stub.py"_s, {u"--refuse"_s, QString::number(code)}), qPrintable(proxy.fault()));
     ProxiedClient client(proxy.port());
     QVERIFY(client.connectTo(25, u"mail.example.org"_s) != 2);
     QCOMPARE(client.Errors.size(), 1);
-    const QString error = client.Errors.first();
-    QVERIFY2(error.contains(u"mail.example.org, port 25, through the proxy 127.0.0.1"), qPrintable(error));
+    const QString begin =
+        u"Connecting to mail.example.org, port 25, through the proxy 127.0.0.1, port %1, failed: "_s.arg(proxy.port());
+    QCOMPARE(client.Errors.first(), begin + said + u'.');
 }
 
 void TestSmtpProxy::anUnreachableProxyIsAnErrorThatNamesTheProxy()
@@ -179,6 +256,8 @@ void TestSmtpProxy::anUnreachableProxyIsAnErrorThatNamesTheProxy()
     QVERIFY(client.connectTo(server.port()) != 2);
     QCOMPARE(client.Errors.size(), 1);
     QVERIFY2(client.Errors.first().contains(u"through the proxy 127.0.0.1, port %1"_s.arg(port)),
+             qPrintable(client.Errors.first()));
+    QVERIFY2(client.Errors.first().endsWith(u"the proxy cannot be reached (Connection refused)."),
              qPrintable(client.Errors.first()));
     QCOMPARE(server.Connections, 0);
 }

@@ -19,6 +19,8 @@ private Q_SLOTS:
     void theTimeForTheEndOfAMailEndsWithIt();
     void theSilenceAllowedIsNamedInSeconds_data();
     void theSilenceAllowedIsNamedInSeconds();
+    void theGraceCountsInTheSilenceThatIsTold_data();
+    void theGraceCountsInTheSilenceThatIsTold();
     void anIdleSessionStandsForAnyTime();
     void everyPieceOfAnAnswerBeginsTheSilenceAnew();
     void everyAnswerBeginsTheSilenceAnew();
@@ -117,6 +119,32 @@ void TestSmtpTimes::theSilenceAllowedIsNamedInSeconds()
     QCOMPARE(client.Errors.size(), 1);
     QVERIFY2(client.Errors.first().contains(u"there was no answer for "_s + seconds),
              qPrintable(client.Errors.first()));
+}
+
+void TestSmtpTimes::theGraceCountsInTheSilenceThatIsTold_data()
+{
+    QTest::addColumn<bool>("sends");
+    QTest::newRow("Send") << true;
+    QTest::newRow("Accepted") << false;
+}
+
+void TestSmtpTimes::theGraceCountsInTheSilenceThatIsTold()
+{
+    // The peer has said nothing since it was reached: for the grace, and then for the time that it is given.
+    QFETCH(const bool, sends);
+    MailTransport::setTimeouts(never, 1000, 2000);
+    ScriptedServer server;
+    server.Greeting = "";
+    Client client;
+    QCOMPARE(client.connectTo(server.port()), 0);
+    QCOMPARE(client.Errors.size(), 1);
+    QVERIFY2(client.Errors.first().endsWith(u"there was no answer for 1 s."), qPrintable(client.Errors.first()));
+    MailTransport::setTimeouts(never, 2000, 1000);
+    Client other;
+    QCOMPARE(other.connectTo(server.port()), 2);
+    QVERIFY(sends ? !other.send(text) : !other.accepted());
+    QCOMPARE(other.Errors.size(), 1);
+    QVERIFY2(other.Errors.first().endsWith(u"there was no answer for 3 s."), qPrintable(other.Errors.first()));
 }
 
 void TestSmtpTimes::anIdleSessionStandsForAnyTime()
