@@ -37,6 +37,9 @@ inline constexpr OwnText endedSession{section, u"ENDED_SESSION", u"the server ha
 inline constexpr OwnText notTaken{section, u"NOT_TAKEN", u"the server did not take the message"};
 inline constexpr OwnText closedConnection{section, u"CLOSED_CONNECTION", u"the server has closed the connection"};
 inline constexpr OwnText noAnswer{section, u"NO_ANSWER", u"there was no answer for %1 s"};
+inline constexpr OwnText answerTooSlow{section, u"ANSWER_TOO_SLOW", u"its answer was not complete after %1 s"};
+inline constexpr OwnText plainWords{section, u"PLAIN_WORDS", u"the server answered in plain text, “%1”"};
+inline constexpr OwnText tooManyFilesOpen{section, u"TOO_MANY_FILES_OPEN", u"this program has too many files open"};
 inline constexpr OwnText noStartTls{section, u"NO_STARTTLS",
                                     u"the server does not offer it, and nothing was sent in the clear"};
 inline constexpr OwnText moreBehindStartTls{section, u"MORE_BEHIND_STARTTLS",
