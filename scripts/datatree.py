@@ -14,9 +14,10 @@ def data_root(data_home):
     return os.path.join(data_home, "Lanthorn", "Corvane")
 
 
-def account_line(port, server="127.0.0.1"):
-    """The account of the server at that port, a loopback one by default: no encryption, no login."""
-    fields = [server, str(port), "N", "N", "", "", SENDER_NAME, SENDER_ADDRESS, "", "", "/SAEND"]
+def account_line(port, server="127.0.0.1", security="N", login=None):
+    """The account of the server at that port, a loopback one by default: no encryption ("S": TLS, "T": STARTTLS), no
+    login, which is user and password otherwise."""
+    fields = [server, str(port), security, *(("Y", *login) if login else ("N", "", "")), SENDER_NAME, SENDER_ADDRESS, "", "", "/SAEND"]
     return "\t".join(fields)
 
 
@@ -48,11 +49,11 @@ def write_text(path, lines):
         file.write("".join(line + "\r\n" for line in lines).encode())
 
 
-def prepare(data_home, port, server="127.0.0.1"):
+def prepare(data_home, port, server="127.0.0.1", security="N", login=None):
     """Writes the account of that server and the settings into a data tree, new or from an earlier run."""
     data = os.path.join(data_root(data_home), "data")
     os.makedirs(data, mode=0o700, exist_ok=True)
-    account = account_line(port, server)
+    account = account_line(port, server, security, login)
     write_text(os.path.join(data, "smtp.dll"), [account])
     lines = []
     for section, values in options(account).items():

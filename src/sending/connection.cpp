@@ -47,6 +47,14 @@ quillon::Pending<bool> Connection::send(const quillon::MailMessage &message)
     return m_transport ? m_transport->Send(message) : quillon::Pending<bool>::settled(false);
 }
 
+quillon::Task<bool> Connection::accepted()
+{
+    if (m_transport && !m_transport->wasAccepted()) {
+        co_return co_await m_transport->Accepted();
+    }
+    co_return m_transport != nullptr;
+}
+
 void Connection::quit()
 {
     if (m_transport) {

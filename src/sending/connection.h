@@ -33,6 +33,10 @@ public:
     quillon::Task<bool> connect();
     /// True when the mail was taken; else the reason has been told. Without a connection it is false.
     quillon::Pending<bool> send(const quillon::MailMessage &message);
+    /// Whether the server has let the run in: one that was silent when connect() settled may refuse the login later.
+    /// Waits for its word as long as it may be silent; a refusal has been told then. True as well when it has let the
+    /// run in and has ended the session since.
+    quillon::Task<bool> accepted();
     void quit();
 
     [[nodiscard]] const QString &accountRecord() const { return m_accountRecord; }

@@ -69,7 +69,9 @@ quillon::Task<> SendRun::sendChecked(const RunValues &values)
         co_await fillMessage(message, filling);
         // What the user did meanwhile is handled first: a Cancel holds before the first mail.
         co_await quillon::nextTurn();
-        if (values.oneByOne) {
+        if (!co_await connection.accepted()) {
+            co_await reportFailedConnection(connection.accountRecord(), log);
+        } else if (values.oneByOne) {
             const OneByOneContext context{globals, m_rooms.message, m_rooms.progress, values, log, m_state, connection};
             co_await sendOneByOne(message, context);
         } else {

@@ -2,6 +2,7 @@
 #include "support/testclock.h"
 
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -17,6 +18,10 @@ private Q_SLOTS:
 
     void refusedMessageIsReportedByTheTransportFirst();
     void failedConnectionLogsDividerBeginErrorAndEndOnly();
+    void lateRefusalTellsTheFailedConnectionAsAnEarlyOne_data();
+    void lateRefusalTellsTheFailedConnectionAsAnEarlyOne();
+    void lateGreetingIsNoFailure();
+    void connectionThatIsLostAfterItStoodIsNoFailedConnection();
     void vanishedAccountEndsInAnEmptyServerAndPort();
     void accountOfBlanksFailsAsAVanishedOneDoes();
     void blankTransportErrorIsNeitherLoggedNorShown();
@@ -62,6 +67,80 @@ void TestSendFaults::failedConnectionLogsDividerBeginErrorAndEndOnly()
     QVERIFY(asked.log().at(0).contains(u"style 16"_s));
     QCOMPARE(asked.log().at(1), u"box CONN_FAILED style 48: "_s + connection);
     QCOMPARE(m_bench->window.statusText(), u" Ready."_s);
+}
+
+void TestSendFaults::lateRefusalTellsTheFailedConnectionAsAnEarlyOne_data()
+{
+    QTest::addColumn<bool>("oneByOne");
+    QTest::addColumn<bool>("greets");
+    QTest::newRow("to all, wrong password") << false << true;
+    QTest::newRow("one by one, wrong password") << true << true;
+    QTest::newRow("to all, lost") << false << false;
+    QTest::newRow("one by one, lost") << true << false;
+}
+
+void TestSendFaults::lateRefusalTellsTheFailedConnectionAsAnEarlyOne()
+{
+    QFETCH(const bool, oneByOne);
+    QFETCH(const bool, greets);
+    const auto restore = qScopeGuard([] { quillon::MailTransport::setTimeouts(30'000, 60'000, 3'000); });
+    quillon::MailTransport::setTimeouts(30'000, 30'000, 20);
+    m_server->Greeting = "";
+    m_server->Offers = {"AUTH PLAIN"};
+    m_server->answer("AUTH", "535 wrong password\r\n");
+    m_bench->useServer(u"127.0.0.1"_s, m_server->port(), u"N"_s, u"Y\tada\tsecret-word"_s);
+    m_bench->window.setOneByOne(oneByOne);
+    QTimer::singleShot(300, m_server.get(), [&] { greets ? m_server->say("220 at last\r\n") : m_server->hangUp(); });
+    ExpectedPrompts asked([](const QString &) {});
+    m_bench->run();
+    const QString connection = u"text of CONN_FAILED 127.0.0.1:"_s + QString::number(m_server->port());
+    QCOMPARE(asked.log().size(), 2);
+    QVERIFY(asked.log().at(0).contains(u"style 16"_s));
+    QCOMPARE(asked.log().at(1), u"box CONN_FAILED style 48: "_s + connection);
+    const QStringList log = m_bench->log();
+    QVERIFY2(log.at(log.size() - 3).startsWith(u"Error: "_s), qPrintable(log.join(u'\n')));
+    QCOMPARE(log.at(log.size() - 3).contains(u"535 wrong password"_s), greets);
+    QCOMPARE(log.mid(log.size() - 2), (QStringList{u"Error: "_s + connection, u"End: (moment)"_s}));
+    QVERIFY(log.filter(u"text of SENT"_s).isEmpty());
+    QCOMPARE(m_server->Connections, 1);
+}
+
+void TestSendFaults::lateGreetingIsNoFailure()
+{
+    const auto restore = qScopeGuard([] { quillon::MailTransport::setTimeouts(30'000, 60'000, 3'000); });
+    quillon::MailTransport::setTimeouts(30'000, 30'000, 20);
+    m_server->Greeting = "";
+    QTimer::singleShot(300, m_server.get(), [&] { m_server->say("220 at last\r\n"); });
+    sendWell();
+    QCOMPARE(m_server->Mails.size(), 1);
+    QCOMPARE(m_server->Connections, 1);
+}
+
+void TestSendFaults::connectionThatIsLostAfterItStoodIsNoFailedConnection()
+{
+    /// Lets the server end the session while the message is filled.
+    class LosingClock : public TestClock {
+    public:
+        using TestClock::TestClock;
+        [[nodiscard]] QDateTime now() const override
+        {
+            if (++calls == 3) {
+                server->say("421 idle for too long\r\n");
+                while (server->Ended == 0) {
+                    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+                }
+            }
+            return TestClock::now();
+        }
+        mutable int calls = 0;
+        testsupport::ScriptedServer *server = nullptr;
+    } clock(QDateTime::currentDateTime());
+    clock.server = m_server.get();
+    ExpectedPrompts asked([](const QString &) {});
+    m_bench->run();
+    QCOMPARE(asked.log().size(), 2);
+    QVERIFY2(asked.log().at(0).contains(u"421 idle for too long"_s), qPrintable(asked.log().at(0)));
+    QVERIFY2(asked.log().at(1).startsWith(u"box SENT_UNSUCC style 48"_s), qPrintable(asked.log().at(1)));
 }
 
 void TestSendFaults::vanishedAccountEndsInAnEmptyServerAndPort()

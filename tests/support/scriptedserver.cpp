@@ -113,7 +113,7 @@ void ScriptedServer::onLine(QSslSocket *socket, const QByteArray &line)
     const bool closes = std::any_of(m_closings.cbegin(), m_closings.cend(), [&line](const QByteArray &beginning) {
         return !beginning.isEmpty() && line.startsWith(beginning);
     });
-    if (closes || line == "QUIT") {
+    if (closes || (line == "QUIT" && !StaysAfterQuit)) {
         socket->disconnectFromHost();
     }
 }

@@ -39,6 +39,7 @@ public:
     qint64 InterruptAfter = -1; ///< octets of a mail after which Interruption is sent
     QByteArray Interruption;    ///< sent once in the course of a mail
     bool CloseAfterInterruption = false;
+    bool StaysAfterQuit = false; ///< leaves it to the client to close
     bool ImplicitTls = false;
     bool Deaf = false; ///< reads nothing of a mail, and sends Interruption when the first of it has come
     QSslCertificate Certificate;

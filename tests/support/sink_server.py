@@ -1,6 +1,7 @@
 """An SMTP server for tests that takes mails of any size and keeps only their length and their SHA-256 (of the octets
-on the wire, with the final dot). Prints "PORT n", "MAIL length digest", and "TLS new" or "TLS resumed" for each
-connection in TLS. Ends with its standard input."""
+on the wire, with the final dot). Prints "PORT n", "MAIL length digest", "TLS new" or "TLS resumed" for each connection in
+TLS, and with --stay "END clean" or "END ragged" when the client has left it, with or without TLS's own end. Ends with
+its standard input."""
 
 import argparse
 import hashlib
@@ -27,19 +28,31 @@ def take_mail(connection):
 
 
 def begin_tls(connection, context):
-    connection = context.wrap_socket(connection, server_side=True)
+    connection = context.wrap_socket(connection, server_side=True, suppress_ragged_eofs=False)
     print("TLS", "resumed" if connection.session_reused else "new", flush=True)
     return connection
 
 
-def serve(connection, context, starttls):
+def await_end(connection):
+    try:
+        while connection.recv(4096):
+            pass
+        print("END clean", flush=True)
+    except OSError:
+        print("END ragged", flush=True)
+
+
+def serve(connection, context, starttls, stay):
     if context and not starttls:
         connection = begin_tls(connection, context)
     connection.sendall(b"220 sink.example\r\n")
     buffered = b""
     while True:
         while b"\r\n" not in buffered:
-            data = connection.recv(4096)
+            try:
+                data = connection.recv(4096)
+            except ssl.SSLEOFError:
+                data = b""
             if not data:
                 return
             buffered += data
@@ -56,6 +69,8 @@ def serve(connection, context, starttls):
             connection.sendall(b"250-sink.example\r\n250 STARTTLS\r\n")
         elif line == b"QUIT":
             connection.sendall(b"221 bye\r\n")
+            if stay:
+                await_end(connection)
             return
         else:
             connection.sendall(b"250 ok\r\n")
@@ -66,6 +81,7 @@ def main():
     parser.add_argument("--certificate")
     parser.add_argument("--key")
     parser.add_argument("--starttls", action="store_true", help="TLS on demand and not from the start")
+    parser.add_argument("--stay", action="store_true", help="leave it to the client to close the connection")
     options = parser.parse_args()
     context = None
     if options.certificate:
@@ -79,7 +95,8 @@ def main():
             connection, _ = listener.accept()
             # As mail servers do: an answer must not wait for the acknowledgement of a session ticket.
             connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-            threading.Thread(target=serve, args=(connection, context, options.starttls), daemon=True).start()
+            threading.Thread(target=serve, args=(connection, context, options.starttls, options.stay),
+                             daemon=True).start()
 
     threading.Thread(target=accept, daemon=True).start()
     sys.stdin.read()

@@ -1,8 +1,10 @@
 #include "quillon/forms/qtprompts.h"
 
 #include "quillon/fault.h"
+#include "quillon/files/descriptors.h"
 #include "quillon/forms/formregistry.h"
 #include "quillon/forms/messagebox.h"
+#include "quillon/forms/prompttexts.h"
 #include "quillon/forms/tabbedform.h"
 
 #include <QApplication>
@@ -70,8 +72,23 @@ void startAt(QFileDialog &dialog, const QString &path)
     dialog.selectFile(info.fileName());
 }
 
+// A file dialog reads folders in a thread, which ends the program when it finds no descriptor.
+bool mayChooseFiles()
+{
+    constexpr int descriptorsOfADialog = 16;
+    if (descriptorsLeft(descriptorsOfADialog)) {
+        return true;
+    }
+    Cleaner<MessageBox> cleaner{new MessageBox(say(prompttexts::tooManyFilesOpen), WarningBox, owner())};
+    cleaner.dialog->exec();
+    return false;
+}
+
 QStringList chooseFiles(const FileRequest &request, QFileDialog::AcceptMode mode, QFileDialog::FileMode files)
 {
+    if (!mayChooseFiles()) {
+        return {};
+    }
     Cleaner<QFileDialog> cleaner{new QFileDialog(owner(), request.Title)};
     QFileDialog &dialog = *cleaner.dialog;
     dialog.setAcceptMode(mode);
@@ -172,6 +189,9 @@ QString QtPrompts::saveFile(const FileRequest &request)
 
 QString QtPrompts::selectFolder(const QString &title)
 {
+    if (!mayChooseFiles()) {
+        return {};
+    }
     Cleaner<QFileDialog> cleaner{new QFileDialog(owner(), title)};
     cleaner.dialog->setFileMode(QFileDialog::Directory);
     cleaner.dialog->setOption(QFileDialog::ShowDirsOnly);

@@ -61,6 +61,9 @@ inline constexpr OwnText proxyNoAddressType{section, u"PROXY_NO_ADDRESS_TYPE",
                                             u"the proxy does not know this kind of address"};
 inline constexpr OwnText proxyUnknownReply{section, u"PROXY_UNKNOWN_REPLY",
                                            u"the proxy answers with the unknown code %1"};
+inline constexpr OwnText answerTooSlow{section, u"ANSWER_TOO_SLOW", u"its answer was not complete after %1 s"};
+inline constexpr OwnText plainWords{section, u"PLAIN_WORDS", u"the server answered in plain text, “%1”"};
+inline constexpr OwnText tooManyFilesOpen{section, u"TOO_MANY_FILES_OPEN", u"this program has too many files open"};
 inline constexpr OwnText noStartTls{section, u"NO_STARTTLS",
                                     u"the server does not offer it, and nothing was sent in the clear"};
 inline constexpr OwnText moreBehindStartTls{section, u"MORE_BEHIND_STARTTLS",

@@ -19,7 +19,7 @@ namespace {
 constexpr long maxPort = 65535;
 constexpr qsizetype maxProxyWord = 255; // RFC 1929
 
-SmtpTimeouts timeouts{30s, 60s, 3s};
+SmtpTimeouts timeouts{30s, 60s, 3s, 5min};
 
 bool isPort(long port)
 {
@@ -132,6 +132,11 @@ Pending<bool> MailTransport::SendEncoded(const EncodedMail &mail, const QString 
     return pending;
 }
 
+bool MailTransport::wasAccepted() const
+{
+    return m_session && m_session->wasReady();
+}
+
 Pending<bool> MailTransport::Accepted()
 {
     if (isBusy(u"Accepted"_s) || !m_session) {
@@ -193,10 +198,10 @@ void MailTransport::end(bool success, const std::optional<SmtpFailure> &failure)
     settle(success);
 }
 
-void MailTransport::setTimeouts(int connectMs, int silenceMs, int graceMs)
+void MailTransport::setTimeouts(int connectMs, int silenceMs, int graceMs, int replyMs)
 {
     timeouts = {std::chrono::milliseconds(connectMs), std::chrono::milliseconds(silenceMs),
-                std::chrono::milliseconds(graceMs)};
+                std::chrono::milliseconds(graceMs), std::chrono::milliseconds(replyMs)};
 }
 
 QString MailTransport::faultOfSettings(const QString &server, long port) const

@@ -57,14 +57,18 @@ public:
     /// Whether the server has accepted the session; waits for that up to the time-out.
     Pending<bool> Accepted();
 
+    /// Whether the server has accepted the session so far, be it that it has ended since.
+    [[nodiscard]] bool wasAccepted() const;
+
     /// Ends the connection, and a call that is under way as failed, without a report; never waits for a peer that
     /// hangs.
     void Quit();
 
     /// Time-outs of every connection made from now on, in milliseconds, each above 0: for a connection to stand
     /// (30,000 until set), for a server's silence (60,000; ten times that after the end of a message, when it may
-    /// look through it, RFC 5321, 4.5.3.2.6), and the grace that Connect() gives a peer that says nothing (3,000).
-    static void setTimeouts(int connectMs, int silenceMs, int graceMs);
+    /// look through it, RFC 5321, 4.5.3.2.6), the grace that Connect() gives a peer that says nothing (3,000), and for
+    /// a whole reply, however it comes (300,000; twice that after the end of a message).
+    static void setTimeouts(int connectMs, int silenceMs, int graceMs, int replyMs = 300'000);
 
 Q_SIGNALS:
     /// One sentence: what failed, at which stage, with the server's own last reply.

@@ -1,10 +1,16 @@
 #include "quillon/mail/smtpsession.h"
 
+#include "quillon/files/descriptors.h"
 #include "quillon/mail/mailtexts.h"
 
 #include <QPointer>
 
 namespace quillon {
+
+namespace {
+// A socket, and what a thread takes that looks a name up.
+constexpr int descriptorsOfAConnection = 8;
+} // namespace
 
 SmtpSession::SmtpSession(const SmtpTarget &target, const SmtpTimeouts &timeouts)
     : m_target(target), m_timeouts(timeouts)
@@ -31,15 +37,28 @@ SmtpSession::~SmtpSession()
 void SmtpSession::open()
 {
     enter(Stage::Connecting);
-    m_wire.allowSilence(m_timeouts.Connect);
+    m_wire.allowSilence(std::chrono::milliseconds(0));
+    m_wire.allowReply(std::chrono::milliseconds(0));
     begin(Call::Open);
-    m_wire.open(m_target.Host, m_target.Port, m_target.Proxy);
+    // A server that is slow to let the sessions before go would take this one for too many.
+    SmtpStanding::whenRoom({m_target.Host.toLower(), m_target.Port}, this, [this] {
+        if (m_stage != Stage::Connecting) {
+            return;
+        }
+        if (!descriptorsLeft(descriptorsOfAConnection)) {
+            fail(say(mailtexts::tooManyFilesOpen));
+        } else {
+            m_wire.allowSilence(m_timeouts.Connect);
+            m_wire.open(m_target.Host, m_target.Port, m_target.Proxy);
+        }
+    });
 }
 
 void SmtpSession::settle()
 {
     if (stands() && m_stage != Stage::Ready) {
         // The time that the program itself has let pass since is not the server's.
+        m_wire.allowReply(m_timeouts.Reply);
         m_wire.allowMoreSilence(m_timeouts.Silence);
     }
     begin(Call::Settle);
@@ -133,9 +152,11 @@ void SmtpSession::enter(Stage stage)
 {
     m_stage = stage;
     if (stage == Stage::Ready) {
+        m_wasReady = true;
         m_wire.allowSilence(std::chrono::milliseconds(0));
         wake();
     } else {
+        m_wire.allowReply(m_timeouts.Reply);
         m_wire.allowSilence(m_timeouts.Silence);
     }
     tell(stageName());

@@ -13,6 +13,7 @@ struct SmtpTimeouts {
     std::chrono::milliseconds Connect;
     std::chrono::milliseconds Silence;
     std::chrono::milliseconds Grace;
+    std::chrono::milliseconds Reply; ///< for a whole one
 };
 
 /// Where a session goes and as whom.
@@ -66,6 +67,8 @@ public:
 
     [[nodiscard]] Stage stage() const { return m_stage; }
     [[nodiscard]] bool stands() const { return m_stage > Stage::Connecting && m_stage < Stage::Closed; }
+    /// Whether the server has accepted the session, whatever became of it since.
+    [[nodiscard]] bool wasReady() const { return m_wasReady; }
     std::optional<SmtpFailure> takeFailure() { return std::exchange(m_failure, std::nullopt); }
 
 Q_SIGNALS:
@@ -117,6 +120,7 @@ private:
     QString m_lastReply;
     QTimer m_grace;
     bool m_graceOver = false;
+    bool m_wasReady = false;
     Call m_call = Call::None;
     std::optional<SmtpMail> m_mail; // of the call to send, until it can go
     bool m_answerQueued = false;

@@ -18,6 +18,7 @@ constexpr int badSequence = 500; // 500 to 599: the server does not know EHLO, R
 // A server may well look through the whole mail before it answers the final dot: RFC 5321, 4.5.3.2.6 gives it ten
 // minutes where other answers are given less.
 constexpr int endOfDataPatience = 10;
+constexpr int endOfDataReplies = 2; // as long as any other: ten minutes after five
 
 // The name this end gives itself: the host's if it is a full one, else the address (RFC 5321, 4.1.4).
 QByteArray ownName(const SmtpWire &wire)
@@ -198,10 +199,12 @@ void SmtpSession::followTransaction()
     using State = SmtpTransaction::State;
     switch (m_transaction->state()) {
     case State::Body:
+        m_wire.allowReply(std::chrono::milliseconds(0)); // it is our turn
         tell(say(mailtexts::sendingPercent, QString::number(m_transaction->percent())));
         break;
     case State::EndOfData:
         tell(say(mailtexts::sendingPercent, QString::number(100)));
+        m_wire.allowReply(m_timeouts.Reply * endOfDataReplies);
         m_wire.allowSilence(m_timeouts.Silence * endOfDataPatience);
         break;
     case State::Sent:

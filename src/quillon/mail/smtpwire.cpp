@@ -7,6 +7,8 @@
 #include <QCoreApplication>
 #include <QHostAddress>
 
+#include <algorithm>
+
 using namespace std::chrono_literals;
 
 namespace quillon {
@@ -16,30 +18,11 @@ namespace {
 // Enough to keep a fast line busy between two turns of the event loop, little enough to see a refusal early.
 constexpr qint64 writeAhead = 128 * 1024;
 constexpr qint64 readAhead = 64 * 1024;
-constexpr auto farewell = 3s;
 
-// Lets a socket end without its session: the peer has a moment to answer QUIT and close, then it is cut off.
-void retire(QTcpSocket *socket, const QByteArray &quit)
+// What TLS begins with is a number far below any letter or digit.
+bool isText(char octet)
 {
-    // Whatever the program's end cuts short then goes with the application.
-    socket->setParent(QCoreApplication::instance());
-    if (quit.isEmpty() || socket->state() != QAbstractSocket::ConnectedState) {
-        socket->abort();
-        socket->deleteLater();
-        return;
-    }
-    QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket] { socket->readAll(); });
-    QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-    // A timer of the socket's own ends with it: at a good pace there would be thousands within the time.
-    auto *timer = new QTimer(socket);
-    timer->setSingleShot(true);
-    QObject::connect(timer, &QTimer::timeout, socket, [socket] {
-        socket->abort();
-        socket->deleteLater();
-    });
-    timer->start(farewell);
-    socket->write(quit);
-    socket->flush();
+    return octet >= ' ' && octet <= '~';
 }
 
 } // namespace
@@ -70,6 +53,7 @@ void SmtpWire::open(const QString &host, quint16 port, const QNetworkProxy &prox
 {
     m_host = host;
     m_port = port;
+    m_standing = std::make_unique<SmtpStanding>(SmtpPeer(host.toLower(), port));
     if (proxy.type() == QNetworkProxy::NoProxy) {
         reach(host, port);
         return;
@@ -218,11 +202,23 @@ void SmtpWire::allowMoreSilence(std::chrono::milliseconds time)
     // Starting the timer anew at every sign of the peer would cost more than all else here: it only looks at the clock
     // when it goes off, and is started anew when that would be too late.
     m_lastSign = Clock::now();
-    const Clock::time_point due = m_lastSign + m_allowed;
+    const Clock::time_point due = patienceEnds();
     if (!m_silence.isActive() || due < m_due) {
         m_due = due;
-        m_silence.start(m_allowed);
+        m_silence.start(std::chrono::ceil<std::chrono::milliseconds>(due - m_lastSign));
     }
+}
+
+void SmtpWire::allowReply(std::chrono::milliseconds time)
+{
+    m_allowedReply = time;
+    m_replyDue = Clock::now() + time;
+}
+
+SmtpWire::Clock::time_point SmtpWire::patienceEnds() const
+{
+    const Clock::time_point end = m_lastSign + m_allowed;
+    return m_allowedReply > 0ms ? std::min(end, m_replyDue) : end;
 }
 
 void SmtpWire::close(bool politely)
@@ -238,18 +234,28 @@ void SmtpWire::close(bool politely)
     if (!m_socket) {
         return;
     }
-    QByteArray quit;
-    if (politely) {
-        quit = "QUIT\r\n";
-        if (m_tls) {
-            m_tls->write(quit);
-            quit = m_tls->takeOutput();
-        }
-    }
     QTcpSocket *socket = m_socket;
     m_socket.clear();
     socket->disconnect(this);
-    retire(socket, quit);
+    if (politely && socket->state() == QAbstractSocket::ConnectedState && (!m_tls || isEncrypted())) {
+        SmtpFarewell::begin({socket, std::move(m_tls), std::move(m_standing), std::move(m_parser), m_unanswered});
+        return;
+    }
+    // It may be within a signal of its own.
+    socket->setParent(QCoreApplication::instance());
+    socket->abort();
+    socket->deleteLater();
+    m_standing.reset();
+}
+
+std::optional<SmtpReply> SmtpWire::nextReply()
+{
+    std::optional<SmtpReply> reply = m_parser.next();
+    if (reply) {
+        m_unanswered = std::max(0, m_unanswered - 1);
+        m_replyDue = Clock::now() + m_allowedReply;
+    }
+    return reply;
 }
 
 void SmtpWire::onReadyRead()
@@ -265,6 +271,13 @@ void SmtpWire::onReadyRead()
     if (!m_tls) {
         take(octets);
         return;
+    }
+    if (!octets.isEmpty() && !m_tlsHeard && m_tls->state() == TlsClient::State::Handshake) {
+        if (!m_plainWords.isEmpty() || isText(octets.front())) {
+            hearPlainWords(octets);
+            return;
+        }
+        m_tlsHeard = true;
     }
     m_tls->feed(octets);
     const QPointer<SmtpWire> self(this);
@@ -287,6 +300,17 @@ void SmtpWire::onReadyRead()
         giveUp(say(mailtexts::closedConnection));
     } else if (state == TlsClient::State::Failed) {
         giveUp(m_tls->fault());
+    }
+}
+
+// A server that is not ready for TLS, or does not know it there, says so in words, which say more than that they are no
+// TLS. They are heard to the end of the reply.
+void SmtpWire::hearPlainWords(const QByteArray &octets)
+{
+    m_plainWords += octets;
+    m_parser.feed(octets);
+    if (m_parser.next() || !m_parser.fault().isEmpty()) {
+        giveUp({});
     }
 }
 
@@ -313,6 +337,7 @@ void SmtpWire::shakeHands()
 void SmtpWire::onBytesWritten()
 {
     noteSign();
+    m_replyDue = Clock::now() + m_allowedReply;
     if (!m_flushing && !m_socks) {
         Q_EMIT roomLeft();
     }
@@ -337,8 +362,9 @@ void SmtpWire::onError(QAbstractSocket::SocketError error)
 void SmtpWire::giveUp(const QString &reason)
 {
     if (m_socket) {
+        const QByteArray words = m_plainWords;
         close(false);
-        Q_EMIT failed(reason);
+        Q_EMIT failed(words.isEmpty() ? reason : say(mailtexts::plainWords, printableText(words)));
     }
 }
 
@@ -347,11 +373,17 @@ void SmtpWire::onSilence()
     if (m_allowed <= 0ms) {
         return;
     }
-    const Clock::time_point end = m_lastSign + m_allowed;
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+    const Clock::time_point now = Clock::now();
+    const Clock::time_point end = patienceEnds();
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - now);
     if (left > 0ms) {
         m_due = end;
         m_silence.start(left);
+        return;
+    }
+    if (m_lastSign + m_allowed > now) {
+        const auto allowed = std::chrono::ceil<std::chrono::seconds>(m_allowedReply);
+        giveUp(say(mailtexts::answerTooSlow, QString::number(allowed.count())));
         return;
     }
     const auto before = std::chrono::round<std::chrono::seconds>(m_lastSign - m_silentSince);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillon/mail/smtpfarewell.h"
 #include "quillon/mail/smtpreply.h"
 #include "quillon/mail/tlsclient.h"
 
@@ -39,6 +40,7 @@ public:
     void flush();
     void writeLine(const QByteArray &line)
     {
+        ++m_unanswered;
         write(line + "\r\n");
         flush();
     }
@@ -48,7 +50,7 @@ public:
     /// Octets written that the system has not taken yet.
     [[nodiscard]] qint64 unsent() const;
 
-    std::optional<SmtpReply> nextReply() { return m_parser.next(); }
+    std::optional<SmtpReply> nextReply();
     /// Whether the server has said something that nextReply() has not given.
     [[nodiscard]] bool hasPending() const { return m_parser.hasPending() || !m_parser.fault().isEmpty(); }
     [[nodiscard]] QString parserFault() const { return m_parser.fault(); }
@@ -65,7 +67,11 @@ public:
     /// The same where an answer has been awaited for some time already, which counts when it is told how long.
     void allowMoreSilence(std::chrono::milliseconds time);
 
-    /// Gives the connection up. @p politely: with QUIT, whose answer a closer awaits in the background for a moment.
+    /// How long the peer may take for the whole of its next reply, and then for each further one, however it comes
+    /// (RFC 5321, 4.5.3.2); what goes out begins it anew. Looked at only while silence is limited, too. 0: for ever.
+    void allowReply(std::chrono::milliseconds time);
+
+    /// Gives the connection up. @p politely: with QUIT, whose answer a farewell awaits in the background for a moment.
     void close(bool politely);
 
 Q_SIGNALS:
@@ -89,23 +95,31 @@ private:
     void onReadyRead();
     void onError(QAbstractSocket::SocketError error);
     void onSilence();
+    [[nodiscard]] Clock::time_point patienceEnds() const;
     void onBytesWritten();
     void shakeHands();
     void take(const QByteArray &octets);
+    void hearPlainWords(const QByteArray &octets);
     void giveUp(const QString &reason);
 
-    QPointer<QTcpSocket> m_socket;        // lives on with its closer when this is gone
+    QPointer<QTcpSocket> m_socket;        // lives on with the farewell when this is gone
     QPointer<AddressRace> m_race;         // for the socket that will take the place of the one above
     std::unique_ptr<SocksClient> m_socks; // until the proxy has made the connection
     std::unique_ptr<TlsClient> m_tls;
     SmtpReplyParser m_parser;
+    std::unique_ptr<SmtpStanding> m_standing; // from open() on
+    int m_unanswered = 0;                     // lines of writeLine() whose answers are still to come
     QTimer m_silence;
     std::chrono::milliseconds m_allowed{0}; // silence of the peer; 0: for ever
-    Clock::time_point m_lastSign;           // of the peer, or the moment when it was given this time
-    Clock::time_point m_silentSince;        // as above, without the time that was given since
-    Clock::time_point m_due;                // when m_silence goes off
+    std::chrono::milliseconds m_allowedReply{0};
+    Clock::time_point m_replyDue;    // when the reply is to be complete
+    Clock::time_point m_lastSign;    // of the peer, or the moment when it was given this time
+    Clock::time_point m_silentSince; // as above, without the time that was given since
+    Clock::time_point m_due;         // when m_silence goes off
     QString m_host;
     quint16 m_port = 0;
+    QByteArray m_plainWords; // in place of the handshake
+    bool m_tlsHeard = false; // the handshake's first octets were TLS
     bool m_heard = false;
     bool m_flushing = false;
 };

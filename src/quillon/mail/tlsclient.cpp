@@ -125,6 +125,16 @@ void TlsClient::write(const QByteArray &octets)
     }
 }
 
+void TlsClient::close()
+{
+    if (m_state == State::Ready || m_state == State::Ended) {
+        ERR_clear_error();
+        SSL_shutdown(m_ssl.get()); // the peer's own end of it is not waited for
+        ERR_clear_error();
+        m_state = State::Ended;
+    }
+}
+
 QByteArray TlsClient::takeOutput()
 {
     if (m_out == nullptr) {

@@ -36,6 +36,8 @@ public:
 
     /// Encrypts @p octets; only when Ready.
     void write(const QByteArray &octets);
+    /// Tells the peer that nothing more comes from here (close_notify); only when Ready, or when the peer has Ended.
+    void close();
     /// What is to go over the network now.
     QByteArray takeOutput();
 

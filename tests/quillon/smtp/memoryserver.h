@@ -56,6 +56,8 @@ public:
 
     void say(const QByteArray &text) { SSL_write(m_ssl.get(), text.constData(), static_cast<int>(text.size())); }
     void end() { SSL_shutdown(m_ssl.get()); }
+    /// Whether the client has told its end.
+    [[nodiscard]] bool heardEnd() const { return (SSL_get_shutdown(m_ssl.get()) & SSL_RECEIVED_SHUTDOWN) != 0; }
     [[nodiscard]] bool isResumed() const { return SSL_session_reused(m_ssl.get()) == 1; }
     [[nodiscard]] QByteArray askedName() const { return SSL_get_servername(m_ssl.get(), TLSEXT_NAMETYPE_host_name); }
 

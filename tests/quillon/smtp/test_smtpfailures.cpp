@@ -22,6 +22,8 @@ private Q_SLOTS:
     void garbageIsReportedAtEachStage_data();
     void garbageIsReportedAtEachStage();
     void anEndlessLineIsReported();
+    void plainWordsInPlaceOfTlsAreQuoted_data();
+    void plainWordsInPlaceOfTlsAreQuoted();
 
     void aFileThatVanishesEndsTheConnectionWithoutTheFinalDot();
     void aFileThatHasGrownEndsTheConnectionWithoutTheFinalDot();
@@ -157,6 +159,61 @@ void TestSmtpFailures::anEndlessLineIsReported()
     QCOMPARE(client.Errors.size(), 1);
     QVERIFY2(client.Errors.first().contains(u"a line without end"), qPrintable(client.Errors.first()));
     QVERIFY(client.Errors.first().size() < 500);
+}
+
+void TestSmtpFailures::plainWordsInPlaceOfTlsAreQuoted_data()
+{
+    QTest::addColumn<QByteArray>("words");
+    QTest::addColumn<int>("cutAt");
+    QTest::addColumn<bool>("closes");
+    QTest::addColumn<QString>("quoted");
+    const QByteArray refusal = "421 Too many concurrent SMTP connections\r\n";
+    const QString words = u"421 Too many concurrent SMTP connections"_s;
+    QTest::newRow("a refusal") << refusal << 0 << true << words;
+    QTest::newRow("of a server that stays") << refusal << 0 << false << words;
+    QTest::newRow("in two parts") << refusal << 3 << false << words;
+    QTest::newRow("by an octet") << refusal << 1 << false << words;
+    QTest::newRow("two lines") << QByteArray("421-Too many\r\n421 Go away\r\n") << 0 << false
+                               << u"421-Too many 421 Go away"_s;
+    QTest::newRow("no line end") << QByteArray("421 Too many") << 0 << true << u"421 Too many"_s;
+    QTest::newRow("a greeting") << QByteArray("220 mail.example.org\r\n") << 0 << false << u"220 mail.example.org"_s;
+    QTest::newRow("no SMTP") << QByteArray("HTTP/1.1 400 Bad Request\r\n") << 0 << false
+                             << u"HTTP/1.1 400 Bad Request"_s;
+}
+
+void TestSmtpFailures::plainWordsInPlaceOfTlsAreQuoted()
+{
+    QFETCH(QByteArray, words);
+    QFETCH(int, cutAt);
+    QFETCH(bool, closes);
+    QFETCH(QString, quoted);
+    const QString error =
+        u"Securing the connection to 127.0.0.1 (TLS) failed: the server answered in plain text, “%1”."_s.arg(quoted);
+    {
+        ScriptedServer server;
+        server.Greeting = words;
+        server.CutAt = cutAt;
+        if (closes) {
+            server.closeAt(QByteArray());
+        }
+        Client client;
+        client.Transport.Security = MailTransport::Ssl;
+        QCOMPARE(client.connectTo(server.port()), 0);
+        QCOMPARE(client.Errors, QStringList{error});
+    }
+    // The same behind STARTTLS, as soon as the handshake has begun.
+    ScriptedServer server;
+    server.Offers = {"STARTTLS"};
+    Client client;
+    client.Transport.Security = MailTransport::StartTls;
+    connect(&client.Transport, &MailTransport::Progress, &server, [&](int, const QString &stage) {
+        if (stage.startsWith(u"Securing")) {
+            server.say(words);
+            closes ? server.hangUp() : void();
+        }
+    });
+    QCOMPARE(client.connectTo(server.port()), 0);
+    QCOMPARE(client.Errors, QStringList{error});
 }
 
 void TestSmtpFailures::aFileThatVanishesEndsTheConnectionWithoutTheFinalDot()

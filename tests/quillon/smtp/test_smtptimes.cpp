@@ -24,6 +24,11 @@ private Q_SLOTS:
     void anIdleSessionStandsForAnyTime();
     void everyPieceOfAnAnswerBeginsTheSilenceAnew();
     void everyAnswerBeginsTheSilenceAnew();
+    void aReplyThatNeverEndsIsNotAwaitedForEver_data();
+    void aReplyThatNeverEndsIsNotAwaitedForEver();
+    void theReplyToTheEndOfAMailMayTakeTwiceAsLong();
+    void everyReplyHasItsOwnTime();
+    void theTimeOfAReplyIsNotThatOfAnIdleSession();
     void aMailMayGoOutSlowly();
     void theTimeThatTheProgramTakesIsNotThePeers_data();
     void theTimeThatTheProgramTakesIsNotThePeers();
@@ -207,6 +212,113 @@ void TestSmtpTimes::everyAnswerBeginsTheSilenceAnew()
     QCOMPARE(server.Mails.size(), 1);
 }
 
+void TestSmtpTimes::aReplyThatNeverEndsIsNotAwaitedForEver_data()
+{
+    QTest::addColumn<QByteArray>("command");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("greeting")
+        << QByteArray() << u"Waiting for the greeting of 127.0.0.1 failed: its answer was not complete after 1 s."_s;
+    QTest::newRow("EHLO") << QByteArray("EHLO")
+                          << u"Greeting 127.0.0.1 (EHLO) failed: its answer was not complete after 1 s (its last "
+                             "answer was “220 scripted.example ESMTP”)."_s;
+    QTest::newRow("MAIL") << QByteArray("MAIL")
+                          << u"Sending the sender (MAIL FROM) failed: its answer was not complete after 1 s (its last "
+                             "answer was “250 scripted.example”)."_s;
+    QTest::newRow("end") << QByteArray(".")
+                         << u"Waiting for the message to be accepted failed: its answer was not complete after 2 s "
+                            "(its last answer was “354 go ahead”)."_s;
+}
+
+void TestSmtpTimes::aReplyThatNeverEndsIsNotAwaitedForEver()
+{
+    QFETCH(QByteArray, command);
+    QFETCH(QString, error);
+    MailTransport::setTimeouts(never, unit, never, 1000);
+    ScriptedServer server;
+    QTimer dripper;
+    bool tooLate = false;
+    connect(&dripper, &QTimer::timeout, &server, [&server] { server.say("2"); });
+    const auto drip = [&] {
+        dripper.start(unit / 4);
+        QTimer::singleShot(10'000, &server, [&] { tooLate = true; });
+    };
+    if (command.isEmpty()) {
+        server.Greeting = "2";
+        drip();
+    } else {
+        server.Responder = [&](const QByteArray &line) -> std::optional<QByteArray> {
+            if (!line.startsWith(command)) {
+                return std::nullopt;
+            }
+            drip();
+            return QByteArray("250-more\r\n");
+        };
+    }
+    Client client;
+    client.connectTo(server.port());
+    QVERIFY(!client.send(text));
+    QVERIFY(!tooLate);
+    QCOMPARE(client.Errors, QStringList{error});
+}
+
+void TestSmtpTimes::theReplyToTheEndOfAMailMayTakeTwiceAsLong()
+{
+    MailTransport::setTimeouts(never, unit, never, unit * 2);
+    ScriptedServer server;
+    server.answer(".", "250-looking through\r\n");
+    int pieces = 0;
+    QTimer teller;
+    connect(&teller, &QTimer::timeout, &server, [&] {
+        if (server.Mails.isEmpty()) {
+            return;
+        }
+        server.say(++pieces == 6 ? "250 taken\r\n" : "250-more\r\n");
+        if (pieces == 6) {
+            teller.stop();
+        }
+    });
+    Client client;
+    QCOMPARE(client.connectTo(server.port()), 2);
+    teller.start(unit / 2);
+    QVERIFY2(client.send(text), qPrintable(client.Errors.join(u'\n')));
+    QCOMPARE(pieces, 6);
+}
+
+void TestSmtpTimes::everyReplyHasItsOwnTime()
+{
+    MailTransport::setTimeouts(never, unit * 2, never, unit * 2);
+    ScriptedServer server;
+    server.Offers = {"PIPELINING"};
+    server.answer("RCPT", "");
+    server.answer("MAIL", "");
+    const QStringList to{u"1@b.c"_s, u"2@b.c"_s};
+    int answers = 0;
+    QTimer teller;
+    connect(&teller, &QTimer::timeout, &server, [&] {
+        if (++answers == 3) {
+            teller.stop();
+        }
+        server.say("250 one more\r\n");
+    });
+    Client client;
+    QCOMPARE(client.connectTo(server.port()), 2);
+    teller.start(unit);
+    QVERIFY2(client.send(text, to), qPrintable(client.Errors.join(u'\n')));
+    QCOMPARE(answers, 3);
+}
+
+void TestSmtpTimes::theTimeOfAReplyIsNotThatOfAnIdleSession()
+{
+    MailTransport::setTimeouts(never, unit, never, unit);
+    ScriptedServer server;
+    Client client;
+    QCOMPARE(client.connectTo(server.port()), 2);
+    waitFor(elapsed(unit * 2));
+    QVERIFY2(client.send(text), qPrintable(client.Errors.join(u'\n')));
+    waitFor(elapsed(unit * 2));
+    QVERIFY(client.accepted());
+}
+
 void TestSmtpTimes::aMailMayGoOutSlowly()
 {
     SlowServer server(4'000'000, unit / 2);
@@ -228,7 +340,7 @@ void TestSmtpTimes::theTimeThatTheProgramTakesIsNotThePeers_data()
 void TestSmtpTimes::theTimeThatTheProgramTakesIsNotThePeers()
 {
     QFETCH(bool, sends);
-    MailTransport::setTimeouts(never, unit, shortGrace);
+    MailTransport::setTimeouts(never, unit, shortGrace, unit);
     ScriptedServer server;
     server.Greeting = "";
     Client client;

@@ -30,6 +30,7 @@ private Q_SLOTS:
     void garbageInTheHandshakeFails();
     void garbageBehindTheHandshakeFails();
     void theEndIsSeen();
+    void theEndIsToldAndNothingMoreIsSaid();
     void anEndWithinTheHandshakeIsAFault();
     void onlyANameIsToldInTheClear();
     void aSessionIsKeptForItsHostAndPort();
@@ -235,6 +236,25 @@ void TestTlsClient::theEndIsSeen()
     QCOMPARE(peer->Told, "221 bye\r\n");
     QCOMPARE(client.state(), TlsClient::State::Ended);
     QCOMPARE(client.fault(), QString());
+}
+
+void TestTlsClient::theEndIsToldAndNothingMoreIsSaid()
+{
+    const auto peer = server();
+    peer->begin();
+    TlsClient client(u"localhost"_s, 465);
+    client.close(); // before the handshake there is nothing to end
+    QCOMPARE(client.state(), TlsClient::State::Handshake);
+    peer->converse(client);
+    QVERIFY(!peer->heardEnd());
+    client.close();
+    QCOMPARE(client.state(), TlsClient::State::Ended);
+    client.write("too late");
+    peer->converse(client);
+    QVERIFY(peer->heardEnd());
+    QCOMPARE(peer->Heard, QByteArray());
+    // It says nothing against the session.
+    QVERIFY(resumes(*peer, u"localhost"_s, 465));
 }
 
 void TestTlsClient::anEndWithinTheHandshakeIsAFault()
