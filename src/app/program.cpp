@@ -47,7 +47,7 @@ constexpr int maximised = 3;
 Program::Program(const QString &programFolder, bool stopOnFault, ProgramServices services)
     : m_companion(m_globals, stopOnFault), m_services(std::move(services)), m_asker(m_forms),
       m_before(quillon::setPrompts(m_services.prompts ? m_services.prompts : &m_asker)), m_recipients(m_globals),
-      m_progress(m_forms)
+      m_progress(m_forms, [this] { return m_main.get(); })
 {
     quillon::requireHook(m_services.trayAvailable, u"ProgramServices::trayAvailable"_s);
     quillon::requireHook(m_services.quit, u"ProgramServices::quit"_s);
@@ -116,7 +116,13 @@ void Program::makeMainWindow()
     m_tray = std::make_unique<TrayIcon>(
         m_main.get(),
         TrayIcon::Hooks{[this](const QString &name) { return m_main->findChild<QAction *>(name); },
-                        [this](bool restoring) { m_globals.RestoringFromLast = restoring; }, m_services.trayAvailable},
+                        [this](bool restoring) {
+                            m_globals.RestoringFromLast = restoring;
+                            if (!restoring) {
+                                m_progress.ownerShown();
+                            }
+                        },
+                        m_services.trayAvailable},
         languageFolder() + u"/menus.dll"_s);
 }
 
@@ -222,7 +228,7 @@ bool Program::showProgress()
 {
     const bool counting = m_run->state().isCounting();
     if (counting) {
-        m_progress.makeVisible();
+        m_progress.bringToFront();
     }
     return counting;
 }

@@ -2,6 +2,7 @@
 
 #include "composer/accountfields.h"
 #include "composer/attachmentlist.h"
+#include "composer/centralarea.h"
 #include "composer/commandtable.h"
 #include "composer/composertexts.h"
 #include "composer/contentlayout.h"
@@ -44,6 +45,7 @@ namespace corvane {
 
 namespace {
 
+constexpr int bodyLines = 4;             // are seen of the content, however small the window
 constexpr int encodingWidth = 40;        // characters
 constexpr double toolbarFontScale = 0.9; // lets all captions fit on a screen of 1024 pixels
 const QString versionText = u"5.22"_s;
@@ -105,6 +107,9 @@ void frmPubMain::prepareContent()
 {
     auto *encoding = findChild<QComboBox *>(u"cbb(2)"_s);
     encoding->setMaximumWidth(fontMetrics().averageCharWidth() * encodingWidth);
+    for (const QString &content : {u"utbContent"_s, u"sst"_s}) {
+        findChild<QWidget *>(content)->setMinimumHeight(fontMetrics().lineSpacing() * bodyLines);
+    }
     auto *attachments = findChild<QListWidget *>(u"lsv(0)"_s);
     attachments->setFlow(QListView::LeftToRight);
     attachments->setWrapping(true);
@@ -155,7 +160,7 @@ void frmPubMain::makeConcerns()
     for (QPlainTextEdit *box : c.txt) {
         new RecipientCompletion(box, c.lstFilter, {m_hooks.prompts, [this] { return m_view->mblnReady; }});
     }
-    new GrowingBoxes(c.txt, c.attachments, c.header, centralWidget());
+    new GrowingBoxes(c.txt, c.attachments, c.header, findChild<QWidget *>(u"central"_s));
     m_flow = std::make_unique<DocumentFlow>(
         m_globals, *m_message, *m_view,
         DocumentFlow::Hooks{
@@ -345,6 +350,7 @@ void frmPubMain::clickPanel(int panel)
 void frmPubMain::tellMinimised()
 {
     if (isVisible() && isMinimized() && !m_toldMinimised) {
+        m_placement->leaving();
         m_hooks.minimised();
     }
 }
@@ -368,6 +374,14 @@ void frmPubMain::resizeEvent(QResizeEvent *event)
 
 void frmPubMain::setVisible(bool visible)
 {
+    if (visible && !findChild<CentralArea *>()) {
+        // Not before: layouts that are asked for their sizes too early keep those.
+        QWidget *focused = focusWidget();
+        new CentralArea(this);
+        if (focused) {
+            focused->setFocus();
+        }
+    }
     if (visible && m_globals.RestoringFromLast) {
         m_placement->resized();
     }
@@ -396,6 +410,7 @@ void frmPubMain::closeEvent(QCloseEvent *event)
     // Straight into the tray where there is one: a window that was minimised by the program itself asks to be shown
     // minimised, and the window manager may read that when the window comes back, and minimise it again.
     if (isVisible()) {
+        m_placement->leaving();
         m_hooks.minimised();
     }
     if (isVisible()) {

@@ -38,6 +38,7 @@ GrowingBoxes::GrowingBoxes(const std::array<QPlainTextEdit *, 3> &boxes, QAbstra
     }
     add(list, LargeList);
     m_header->installEventFilter(this);
+    m_ground->installEventFilter(this);
     measure();
 }
 
@@ -133,8 +134,11 @@ void GrowingBoxes::measure()
 
 void GrowingBoxes::arrange(const Box &box) const
 {
-    box.box->setGeometry(QRect(box.place->mapTo(box.box->parentWidget(), QPoint(0, 0)),
-                               QSize(box.place->width(), m_row * box.twips / OneRow)));
+    // What lies over the rows below ends where the window does.
+    const int room = m_ground->height() - box.place->mapTo(m_ground, QPoint(0, 0)).y();
+    const int height = std::max(m_row, std::min(m_row * box.twips / OneRow, room));
+    box.box->setGeometry(
+        QRect(box.place->mapTo(box.box->parentWidget(), QPoint(0, 0)), QSize(box.place->width(), height)));
 }
 
 bool GrowingBoxes::eventFilter(QObject *watched, QEvent *event)
@@ -151,7 +155,7 @@ bool GrowingBoxes::eventFilter(QObject *watched, QEvent *event)
     case QEvent::Move:
     case QEvent::Resize:
         for (const Box &box : m_boxes) {
-            if (box.place == watched || m_header == watched) {
+            if (box.place == watched || m_header == watched || m_ground == watched) {
                 arrange(box);
             }
         }

@@ -46,6 +46,8 @@ void StatusHints::watchMenu(QMenu *menu)
         show(u' ' +
              quillon::QuillonSystem().ReadSetting(languageFolder() + u"/menutips.dll"_s, mainForm, itemCaption(item)));
     });
+    // The line of an item goes with its menu; what the chosen item tells of itself comes after that.
+    connect(menu, &QMenu::aboutToHide, this, [this] { show(QString::fromUtf16(readyText)); });
 }
 
 void StatusHints::show(const QString &text)
@@ -76,8 +78,6 @@ bool StatusHints::eventFilter(QObject *watched, QEvent *event)
         // A move that a control has no use for goes on to its parents: the hint stays that of the control.
         const QWidget *over = widget->childAt(static_cast<QMouseEvent *>(event)->position().toPoint());
         show(hintFor(over ? over : widget));
-    } else if (widget && event->type() == QEvent::Enter) {
-        show(hintFor(widget));
     } else if (widget && event->type() == QEvent::MouseButtonPress &&
                (widget == m_bar.bar || widget == m_bar.panel1 || widget == m_bar.panel2)) {
         m_hooks.clicked(widget == m_bar.panel1 ? 1 : widget == m_bar.panel2 ? 2 : 0);

@@ -12,8 +12,9 @@ class QStatusBar;
 
 namespace corvane {
 
-/// The help line in panel 1 of the status bar: what the mouse is over, and what a menu item does. While the panel tells
-/// of a send run, nothing here changes it.
+/// The help line in panel 1 of the status bar: what the mouse is over, and what a menu item does. It changes when the
+/// mouse moves, not when something else goes away under it. While the panel tells of a send run, nothing here changes
+/// it.
 class StatusHints : public QObject {
     Q_OBJECT
 

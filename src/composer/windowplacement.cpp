@@ -2,9 +2,8 @@
 
 #include "core/settings.h"
 #include "quillon/fault.h"
+#include "quillon/forms/screenfit.h"
 
-#include <QGuiApplication>
-#include <QScreen>
 #include <QTimer>
 #include <QWidget>
 
@@ -32,19 +31,6 @@ std::optional<int> toPixels(const SettingsMemory &settings, NumberSetting key)
     return static_cast<int>(std::lround(*twips / WindowPlacement::TwipsPerPixel));
 }
 
-/// The place itself when some of the window would be seen there, else the nearest screen's corner: a screen that the
-/// window stood on may be gone.
-QPoint onScreen(const QRect &place)
-{
-    const QList<QScreen *> screens = QGuiApplication::screens();
-    for (const QScreen *screen : screens) {
-        if (screen->availableGeometry().intersects(place)) {
-            return place.topLeft();
-        }
-    }
-    return screens.isEmpty() ? place.topLeft() : QGuiApplication::primaryScreen()->availableGeometry().topLeft();
-}
-
 } // namespace
 
 WindowPlacement::WindowPlacement(QWidget *window, ApplicationGlobals &globals)
@@ -53,6 +39,7 @@ WindowPlacement::WindowPlacement(QWidget *window, ApplicationGlobals &globals)
     auto *timer = new QTimer(window);
     timer->setObjectName(u"timPos"_s);
     connect(timer, &QTimer::timeout, this, &WindowPlacement::checkPosition);
+    connect(new quillon::ScreenWatch(this), &quillon::ScreenWatch::changed, this, &WindowPlacement::screensChanged);
 }
 
 void WindowPlacement::resized()
@@ -101,18 +88,37 @@ void WindowPlacement::restore()
     if (const int height = toPixels(settings, Setting::Height).value_or(0); height > 0) {
         place.setHeight(height);
     }
-    // A place that is right already is not set again: between creation and showing, Qt takes it for that of the inside.
-    if (const QPoint corner = onScreen(place); m_window->pos() != corner || !m_window->testAttribute(Qt::WA_Moved)) {
-        m_window->move(corner);
+    const QMargins margins = quillon::frameMargins(m_window);
+    const QRect frame = quillon::fittedFrame(place.marginsAdded(margins).translated(margins.left(), margins.top()),
+                                             quillon::screenRooms());
+    m_window->resize(frame.size().shrunkBy(margins));
+    quillon::moveFrame(m_window, frame.topLeft());
+}
+
+void WindowPlacement::leaving()
+{
+    if (!m_window->isMaximized()) {
+        storePosition();
     }
-    m_window->resize(place.size());
+}
+
+void WindowPlacement::screensChanged()
+{
+    constexpr Qt::WindowStates placedByOthers = Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen;
+    if (m_window->isVisible() && !(m_window->windowState() & placedByOthers)) {
+        quillon::fitIntoScreens(m_window);
+    }
 }
 
 void WindowPlacement::checkPosition()
 {
-    if (m_window->isMinimized()) {
-        return;
+    if (!m_window->isMinimized()) {
+        storePosition();
     }
+}
+
+void WindowPlacement::storePosition()
+{
     const std::array<std::pair<Setting, int>, 2> present = {
         {{Setting::Left, m_window->x()}, {Setting::Top, m_window->y()}}};
     for (const auto &[key, pixels] : present) {

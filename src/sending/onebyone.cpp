@@ -104,7 +104,7 @@ quillon::Task<> report(Outcome outcome, int total, const OneByOneContext &contex
 {
     context.state.enter(RunState::Phase::Closing);
     context.progress.setCounter(QString::fromUtf16(progressRestText));
-    context.progress.setProgress(0, 0);
+    context.progress.setAtRest();
     context.progress.setActivity(QString());
     cutLastSeparator(outcome.failures);
     cutLastSeparator(outcome.successes);
@@ -129,7 +129,7 @@ quillon::Task<> sendOneByOne(MailMessage &message, const OneByOneContext &contex
         }
         context.state.enter(RunState::Phase::Counting);
         context.progress.setCounter(QString::fromUtf16(progressCountText).arg(i).arg(total));
-        context.progress.setProgress(i, total);
+        context.progress.setProgress(outcome.sent, total);
         address(message, roll.Item(i), context);
         co_await quillon::nextTurn();
         ExpandMacros(context.globals, message);
@@ -142,6 +142,7 @@ quillon::Task<> sendOneByOne(MailMessage &message, const OneByOneContext &contex
         outcome.sent = static_cast<qint16>(outcome.sent + (sent ? 1 : 0));
         (sent ? outcome.successes : outcome.failures) += entry;
     }
+    context.progress.setProgress(outcome.sent, total);
     co_await report(outcome, total, context);
     context.connection.quit();
 }

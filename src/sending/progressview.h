@@ -19,8 +19,12 @@ public:
     [[nodiscard]] virtual QString counter() const = 0; ///< the counter line, lblQty
     virtual void setCounter(const QString &text) = 0;
 
-    /// Mail @p i of @p total, from 1; a total of 0 or less means that there is nothing to count.
-    virtual void setProgress(int i, int total) = 0;
+    /// A run is under way, and the server has taken @p taken of @p total mails; a total of 0 or less means that there
+    /// is nothing to count yet.
+    virtual void setProgress(int taken, int total) = 0;
+    /// The run is over, its outcome is told: the bar stands still where it is, and there is nothing to cancel. The next
+    /// setProgress() ends this.
+    virtual void setAtRest() = 0;
 };
 
 } // namespace corvane

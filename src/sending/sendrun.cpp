@@ -57,6 +57,7 @@ quillon::Task<> SendRun::sendChecked(const RunValues &values)
     log.divider();
     log.moment(logtexts::begin);
     m_rooms.window.setStatusText(QString::fromUtf16(sendingText));
+    m_rooms.progress.setProgress(0, 0);
 
     Connection connection(globals, FindSmtpRecord(globals, values.account.trimmed()), events());
     if (co_await connection.connect()) {
@@ -89,6 +90,7 @@ quillon::Task<> SendRun::reportFailedConnection(const QString &accountRecord, co
     const QString text = LookupText(u"CONN_FAILED"_s) + u' ' + recordField(accountRecord, AccountServer) + u':' +
                          recordField(accountRecord, AccountPort);
     log.entry(logtexts::error, text);
+    m_rooms.progress.setAtRest();
     co_await textShown(text, quillon::WarningBox, u"CONN_FAILED"_s);
 }
 
@@ -98,12 +100,13 @@ quillon::Task<> SendRun::deliverToAll(quillon::MailMessage &message, Connection 
     m_state.enter(Phase::Counting);
     progress.makeVisible();
     progress.setCounter(QString::fromUtf16(progressOneText));
-    progress.setProgress(1, 1);
+    progress.setProgress(0, 1);
     ExpandMacros(m_rooms.globals, message);
     const bool sent = co_await connection.send(message);
     m_state.enter(Phase::Closing);
     progress.setCounter(counterAtRest);
-    progress.setProgress(0, 0);
+    progress.setProgress(sent ? 1 : 0, 1);
+    progress.setAtRest();
     progress.setActivity(QString());
     const QString key = sent ? u"SENT_SUCC"_s : u"SENT_UNSUCC"_s;
     log.line(LookupText(key));
@@ -144,7 +147,7 @@ void SendRun::finish(const SendingLog &log)
     m_state.enter(Phase::Closing); // a Cancel is over with its run
     m_rooms.progress.hide();
     m_rooms.progress.setCounter(counterAtRest);
-    m_rooms.progress.setProgress(0, 0);
+    m_rooms.progress.setAtRest();
     m_rooms.window.setStatusText(QString::fromUtf16(readyText));
 }
 

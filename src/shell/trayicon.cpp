@@ -10,6 +10,7 @@
 #include <QMenu>
 #include <QStyle>
 #include <QSystemTrayIcon>
+#include <QWindow>
 
 #include <array>
 #include <utility>
@@ -46,6 +47,7 @@ constexpr std::array<Forwarded, 13> forwarded = {{
 }};
 
 constexpr int watchMilliseconds = 2000;
+const QString iconWindow = u"QSystemTrayIconSysWindow"_s; // as Qt calls it
 
 QString productTip()
 {
@@ -61,6 +63,12 @@ QIcon visibleIcon(const QWidget *window)
 {
     const QIcon own = window->windowIcon();
     return own.isNull() ? QApplication::style()->standardIcon(QStyle::SP_DesktopIcon) : own;
+}
+
+bool isIconWindow(const QWidget *window)
+{
+    const QWindow *handle = window->windowHandle();
+    return handle && handle->objectName() == iconWindow;
 }
 
 } // namespace
@@ -133,9 +141,9 @@ bool TrayIcon::minimised()
     }
     updateEntries();
     m_icon->setIcon(visibleIcon(m_window));
+    setWatching(true); // a modal form that is open already blocks the icon from its first moment
     m_icon->show();
     m_window->hide();
-    m_watch.start();
     return true;
 }
 
@@ -150,14 +158,59 @@ void TrayIcon::restore()
     m_window->show();
     m_window->raise();
     m_window->activateWindow();
+    bringBackOthers();
+    setWatching(false);
     m_icon->hide();
-    m_watch.stop();
     m_hooks.setRestoring(false);
+}
+
+void TrayIcon::bringBackOthers() const
+{
+    QWidget *waiting = QApplication::activeModalWidget();
+    QWidgetList others;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget *window : windows) {
+        const bool managed = window->windowType() == Qt::Window || window->windowType() == Qt::Dialog;
+        if (window != m_window && window != waiting && window->isVisible() && managed && !isIconWindow(window)) {
+            others.append(window);
+        }
+    }
+    if (waiting) {
+        others.append(waiting);
+    }
+    for (QWidget *window : others) {
+        window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+        window->raise();
+    }
+    if (waiting) {
+        waiting->activateWindow();
+    }
+}
+
+void TrayIcon::setWatching(bool on)
+{
+    if (on) {
+        m_watch.start();
+        qApp->installEventFilter(this);
+    } else {
+        m_watch.stop();
+        qApp->removeEventFilter(this);
+    }
+}
+
+bool TrayIcon::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::WindowBlocked && watched->objectName() == iconWindow) {
+        if (auto *window = qobject_cast<QWindow *>(watched)) {
+            window->setTransientParent(QGuiApplication::modalWindow());
+        }
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void TrayIcon::takeDown()
 {
-    m_watch.stop();
+    setWatching(false);
     m_icon->hide();
 }
 

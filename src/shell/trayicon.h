@@ -36,7 +36,8 @@ public:
     /// To be called when the window has become minimised. With a tray the icon appears and the window is hidden;
     /// without one nothing happens. True when the window is in the tray.
     bool minimised();
-    /// Shows the window again and removes the icon; nothing happens when the window is not in the tray.
+    /// Shows the window again, with what is open beside and above it, and removes the icon; nothing happens when the
+    /// window is not in the tray.
     void restore();
     /// Removes the icon for good, whether or not it is there.
     void takeDown();
@@ -45,10 +46,18 @@ public:
     [[nodiscard]] QMenu *menu() const { return m_menu.get(); }
     [[nodiscard]] QSystemTrayIcon *icon() const { return m_icon.get(); }
 
+protected:
+    /// While in the tray: a modal form blocks every window that is not its own, that of the icon too where the tray
+    /// takes in windows. It becomes the form's own, since the icon is the only way back.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void buildMenu();
     /// An entry can be chosen when the command behind it can.
     void updateEntries();
+    /// What was minimised along with the main window comes back with it, and what waits for the user comes in front.
+    void bringBackOthers() const;
+    void setWatching(bool on);
 
     QWidget *m_window;
     Hooks m_hooks;

@@ -1,9 +1,11 @@
 #include "composer/contentlayout.h"
 #include "composer/growingboxes.h"
 #include "mainfixture.h"
+#include "quillon/forms/screenfit.h"
 
 #include <QMenuBar>
 #include <QScopeGuard>
+#include <QScrollArea>
 #include <QTabWidget>
 #include <QToolBar>
 
@@ -63,6 +65,9 @@ private Q_SLOTS:
     void theAttachmentListGrowsAndShrinksTheBoxes();
     void aGrownBoxLiesOverTheRowsBelow();
     void enterInARecipientBoxIsANewLineAndTabMovesOn();
+    void theSmallestWindowStillShowsTheBody();
+    void onASmallScreenTheFieldsScroll();
+    void aGrownBoxEndsWithTheWindow();
     void expandGivesTheHeaderToTheContent();
     void restorePutsTheFieldsBack();
     void aFieldThatGetsTheFocusIsBroughtBack();
@@ -346,6 +351,58 @@ void TestMainLayout::aClickElsewhereHidesThePopUps()
     QVERIFY(!filter->isHidden());
     Q_EMIT main.combo(6)->activated(0);
     QVERIFY(palette->isHidden() && filter->isHidden());
+}
+
+void TestMainLayout::theSmallestWindowStillShowsTheBody()
+{
+    MainFixture main;
+    for (const auto format : {Message::Format::Plain, Message::Format::Rich}) {
+        main.message().setFormat(format);
+        QCoreApplication::processEvents();
+        main.window->resize(1, 1);
+        QCoreApplication::processEvents();
+        const auto *body = main.get(format == Message::Format::Plain ? u"utbContent"_s : u"sst"_s);
+        QVERIFY(body->height() >= main.window->fontMetrics().lineSpacing() * 4);
+        QVERIFY(main.window->rect().contains(QRect(body->mapTo(main.window.get(), QPoint(0, 0)), body->size())));
+    }
+}
+
+void TestMainLayout::onASmallScreenTheFieldsScroll()
+{
+    const QRect small(0, 0, 480, 300);
+    quillon::setScreenRooms([small] { return QList<QRect>{small}; });
+    const auto back = qScopeGuard([] { quillon::setScreenRooms({}); });
+    MainFixture main;
+    main.window->resize(1, 1);
+    QCoreApplication::processEvents();
+    QVERIFY(main.window->frameGeometry().height() <= small.height());
+    const auto *body = main.get(u"utbContent"_s);
+    QVERIFY(body->height() >= main.window->fontMetrics().lineSpacing() * 4);
+    const auto *area = qobject_cast<QScrollArea *>(main.window->centralWidget());
+    QVERIFY(area);
+    for (const QString &name : {u"utbSubject"_s, u"cbb(6)"_s}) {
+        auto *field = main.get(name);
+        field->setFocus();
+        const QPoint corner = field->mapTo(area->viewport(), QPoint(0, 0));
+        QVERIFY2(corner.y() >= 0 && corner.y() + field->height() <= area->viewport()->height(), qPrintable(name));
+    }
+}
+
+void TestMainLayout::aGrownBoxEndsWithTheWindow()
+{
+    MainFixture main;
+    main.window->resize(1, 1);
+    QCoreApplication::processEvents();
+    auto *list = main.get<QListWidget>(u"lsv(0)"_s);
+    const int row = list->height();
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton);
+    const auto end = [&] { return list->mapTo(main.window.get(), QPoint(0, list->height())).y(); };
+    const auto *central = main.get(u"central"_s);
+    QVERIFY(list->height() > row && list->height() < row * 7);
+    QCOMPARE(end(), central->mapTo(main.window.get(), QPoint(0, central->height())).y());
+    main.window->resize(main.window->width(), 760);
+    QCoreApplication::processEvents();
+    QCOMPARE(list->height(), row * 7); // there is room again
 }
 
 QTEST_MAIN(TestMainLayout)

@@ -50,6 +50,13 @@ struct HintWindow {
     QList<int> clicks;
 };
 
+/// Moves the mouse over a widget.
+void move(QWidget *widget)
+{
+    QMouseEvent event(QEvent::MouseMove, QPointF(1, 1), QPointF(1, 1), Qt::NoButton, Qt::NoButton, {});
+    QCoreApplication::sendEvent(widget, &event);
+}
+
 } // namespace
 
 class TestStatusHints : public QObject {
@@ -67,6 +74,7 @@ private Q_SLOTS:
     void whatTheMouseIsOverDecidesTheHint();
     void noHintIsShownWhileAnotherTextStands();
     void aMenuHintIsLookedUpByItsPlainCaption();
+    void aMenusHintGoesWithTheMenu();
 };
 
 void TestStatusHints::mouseOverAControlShowsItsTip()
@@ -89,11 +97,8 @@ void TestStatusHints::mouseOverTheWindowShowsReady()
     MainFixture main;
     QTest::mouseMove(main.get<QLineEdit>(u"utbSubject"_s), QPoint(3, 3));
     QVERIFY(main.panel() != u" Ready."_s);
-    QEvent enter(QEvent::Enter);
-    QCoreApplication::sendEvent(main.window->centralWidget(), &enter);
+    move(main.get(u"central"_s));
     QCOMPARE(main.panel(), u" Ready."_s);
-    QCoreApplication::sendEvent(main.get(u"dhe"_s), &enter);
-    QCOMPARE(main.panel(), u" Email content."_s);
 }
 
 void TestStatusHints::menuItemsShowTheirHelpLine()
@@ -209,20 +214,24 @@ void TestStatusHints::whatTheMouseIsOverDecidesTheHint()
         {sample.form.menuBar(), u" Ready."_s},
         {&sample.form, u" Ready."_s},
     };
-    for (const QEvent::Type type : {QEvent::Enter, QEvent::MouseMove}) {
-        for (const auto &[place, hint] : places) {
-            sample.panel1->setText(u"before"_s);
-            QEvent enter(QEvent::Enter);
-            QMouseEvent move(QEvent::MouseMove, QPointF(1, 1), QPointF(1, 1), Qt::NoButton, Qt::NoButton, {});
-            QCoreApplication::sendEvent(place, type == QEvent::Enter ? &enter : &move);
-            QCOMPARE(sample.panel1->text(), hint);
-            QVERIFY2(place->hasMouseTracking(), "no move is heard without a pressed button");
-        }
+    for (const auto &[place, hint] : places) {
+        sample.panel1->setText(u"before"_s);
+        move(place);
+        QCOMPARE(sample.panel1->text(), hint);
+        QVERIFY2(place->hasMouseTracking(), "no move is heard without a pressed button");
+        // A box that closes over it leaves the mouse in it, which has not moved.
+        sample.panel1->setText(u"before"_s);
+        QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
+        QCoreApplication::sendEvent(place, &enter);
+        QCOMPARE(sample.panel1->text(), u"before"_s);
+        QEvent leave(QEvent::Leave);
+        QCoreApplication::sendEvent(place, &leave);
+        QCOMPARE(sample.panel1->text(), u"before"_s);
     }
+    sample.field->setEnabled(false);
+    move(sample.field);
+    QCOMPARE(sample.panel1->text(), u"The field. "_s);
     sample.panel1->setText(u"before"_s);
-    QEvent leave(QEvent::Leave);
-    QCoreApplication::sendEvent(sample.field, &leave);
-    QCOMPARE(sample.panel1->text(), u"before"_s);
     QCOMPARE(sample.panel2->text(), QString());
 }
 
@@ -230,11 +239,10 @@ void TestStatusHints::noHintIsShownWhileAnotherTextStands()
 {
     HintWindow sample;
     sample.panel1->setText(u"sending"_s);
-    QEvent enter(QEvent::Enter);
     for (const bool sending : {true, false, true}) {
         sample.sending = sending;
         sample.panel1->setText(u"sending"_s);
-        QCoreApplication::sendEvent(sample.field, &enter);
+        move(sample.field);
         QCOMPARE(sample.panel1->text() == u"sending", sending);
         sample.panel1->setText(u"sending"_s);
         sample.item->hover();
@@ -265,6 +273,34 @@ void TestStatusHints::aMenuHintIsLookedUpByItsPlainCaption()
     sample.item->hover();
     QCOMPARE(sample.panel1->text(), u" "_s);
     setLanguageFolder(QString());
+}
+
+void TestStatusHints::aMenusHintGoesWithTheMenu()
+{
+    HintWindow sample;
+    QMenu *menu = sample.form.menuBar()->findChild<QMenu *>();
+    menu->popup(sample.form.mapToGlobal(QPoint(0, 20)));
+    sample.item->hover();
+    QVERIFY(sample.panel1->text() != u" Ready."_s);
+    menu->close();
+    QCOMPARE(sample.panel1->text(), u" Ready."_s);
+    // A chosen item has the last word: the line goes before it acts.
+    connect(sample.item, &QAction::triggered, sample.panel1, [&sample] { sample.panel1->setText(u" Sending"_s); });
+    menu->popup(sample.form.mapToGlobal(QPoint(0, 20)));
+    menu->setActiveAction(sample.item);
+    QTest::keyClick(menu, Qt::Key_Return);
+    QVERIFY(!menu->isVisible());
+    QCOMPARE(sample.panel1->text(), u" Sending"_s);
+    sample.sending = true;
+    menu->popup(sample.form.mapToGlobal(QPoint(0, 20)));
+    menu->close();
+    QCOMPARE(sample.panel1->text(), u" Sending"_s);
+    MainFixture main;
+    for (const QString &name : {u"menf"_s, u"menoes"_s}) { // one of the bar and one within another
+        main.view().setStatusText(u" A hint"_s);
+        Q_EMIT main.get<QMenu>(name)->aboutToHide();
+        QCOMPARE(main.panel(), u" Ready."_s);
+    }
 }
 
 QTEST_MAIN(TestStatusHints)

@@ -1,12 +1,14 @@
 #include "composer/windowplacement.h"
 #include "quillon/fault.h"
 #include "quillon/files/settingsfile.h"
+#include "quillon/forms/screenfit.h"
 #include "support/temporarytree.h"
 
 #include <QGuiApplication>
 #include <QScreen>
 #include <QTest>
 #include <QWidget>
+#include <QWindow>
 
 #include <array>
 
@@ -28,11 +30,18 @@ QString twips(int pixels)
 struct PlacedWindow {
     PlacedWindow()
     {
+        // Screens of any size: the limits of one are a matter of their own.
+        quillon::setScreenRooms([] { return QList<QRect>{QRect(-2000, -2000, 6000, 6000)}; });
         tree.prepare();
         placement = new WindowPlacement(&window, tree.globals);
         window.show();
     }
 
+    ~PlacedWindow() { quillon::setScreenRooms({}); }
+    PlacedWindow(const PlacedWindow &) = delete;
+    PlacedWindow &operator=(const PlacedWindow &) = delete;
+
+    [[nodiscard]] QMargins margins() const { return quillon::frameMargins(&window); }
     void setValues(const std::array<QString, 4> &values)
     {
         for (std::size_t i = 0; i < position.size(); ++i) {
@@ -59,8 +68,11 @@ class TestStoredPlace : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aPlaceThatReachesOverTheScreensEdgeIsKept_data();
-    void aPlaceThatReachesOverTheScreensEdgeIsKept();
+    void aStoredPlaceIsLimitedToItsScreen_data();
+    void aStoredPlaceIsLimitedToItsScreen();
+    void aWindowThatComesBackIsPutWhereItWasLast();
+    void aMaximisedWindowThatLeavesStoresNoPlace();
+    void aScreenThatShrinksTakesTheWindowAlong();
     void eachStoredValueIsTakenForItself_data();
     void eachStoredValueIsTakenForItself();
     void allFourValuesAreThoseOfTheWindow();
@@ -69,32 +81,105 @@ private Q_SLOTS:
     void theTimerWritesOnlyWhatDiffers();
 };
 
-void TestStoredPlace::aPlaceThatReachesOverTheScreensEdgeIsKept_data()
+void TestStoredPlace::aStoredPlaceIsLimitedToItsScreen_data()
 {
-    QTest::addColumn<QPoint>("stored");
-    QTest::addColumn<bool>("kept");
-    const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
-    constexpr int width = 300;
-    constexpr int height = 200;
-    QTest::newRow("inside") << room.topLeft() + QPoint(20, 30) << true;
-    QTest::newRow("over the left") << QPoint(room.left() - width + 1, 30) << true;
-    QTest::newRow("beyond the left") << QPoint(room.left() - width, 30) << false;
-    QTest::newRow("over the top") << QPoint(20, room.top() - height + 1) << true;
-    QTest::newRow("beyond the top") << QPoint(20, room.top() - height) << false;
-    QTest::newRow("over the right") << QPoint(room.right(), 30) << true;
-    QTest::newRow("beyond the right") << QPoint(room.right() + 1, 30) << false;
-    QTest::newRow("over the bottom") << QPoint(20, room.bottom()) << true;
-    QTest::newRow("beyond the bottom") << QPoint(20, room.bottom() + 1) << false;
+    QTest::addColumn<QRect>("stored");  // corner of the frame, size of the inside
+    QTest::addColumn<QPoint>("corner"); // of the frame
+    QTest::addColumn<QSize>("frame");
+    const QMargins margins = PlacedWindow().margins();
+    const QSize usual = QSize(300, 200).grownBy(margins);
+    const int right = 1024 - usual.width();
+    const int bottom = 768 - usual.height();
+    QTest::newRow("inside") << QRect(20, 30, 300, 200) << QPoint(20, 30) << usual;
+    QTest::newRow("over the left") << QRect(-1, 30, 300, 200) << QPoint(0, 30) << usual;
+    QTest::newRow("over the top") << QRect(20, -1, 300, 200) << QPoint(20, 0) << usual;
+    QTest::newRow("far above") << QRect(20, -1000, 300, 200) << QPoint(20, 0) << usual;
+    QTest::newRow("at the right") << QRect(right, 30, 300, 200) << QPoint(right, 30) << usual;
+    QTest::newRow("over the right") << QRect(right + 1, 30, 300, 200) << QPoint(right, 30) << usual;
+    QTest::newRow("at the bottom") << QRect(20, bottom, 300, 200) << QPoint(20, bottom) << usual;
+    QTest::newRow("over the bottom") << QRect(20, bottom + 1, 300, 200) << QPoint(20, bottom) << usual;
+    QTest::newRow("beyond the right") << QRect(5000, 30, 300, 200) << QPoint(right, 30) << usual;
+    QTest::newRow("too high, far above") << QRect(100, -1000, 900, 1010) << QPoint(100, 0)
+                                         << QSize(900 + usual.width() - 300, 768);
+    QTest::newRow("of a larger screen") << QRect(0, 0, 1900, 1050) << QPoint(0, 0) << QSize(1024, 768);
 }
 
-void TestStoredPlace::aPlaceThatReachesOverTheScreensEdgeIsKept()
+void TestStoredPlace::aStoredPlaceIsLimitedToItsScreen()
 {
-    QFETCH(const QPoint, stored);
-    QFETCH(const bool, kept);
+    QFETCH(const QRect, stored);
+    QFETCH(const QPoint, corner);
+    QFETCH(const QSize, frame);
+    for (const bool hidden : {false, true}) {
+        PlacedWindow placed;
+        quillon::setScreenRooms([] { return QList<QRect>{QRect(0, 0, 1024, 768)}; });
+        placed.window.setVisible(!hidden);
+        placed.restore({twips(stored.x()), twips(stored.y()), twips(stored.width()), twips(stored.height())});
+        QCOMPARE(placed.window.windowHandle()->framePosition(), corner);
+        QCOMPARE(placed.window.size(), frame.shrunkBy(placed.margins()));
+        QCOMPARE(placed.tree.globals.settings.text(Setting::Top), twips(stored.y())); // until the window is moved
+    }
+}
+
+void TestStoredPlace::aWindowThatComesBackIsPutWhereItWasLast()
+{
     PlacedWindow placed;
-    placed.restore({twips(stored.x()), twips(stored.y()), twips(300), twips(200)});
-    QCOMPARE(placed.window.pos(), kept ? stored : QGuiApplication::primaryScreen()->availableGeometry().topLeft());
-    QCOMPARE(placed.window.size(), QSize(300, 200));
+    placed.window.move(40, 50);
+    placed.window.resize(300, 200);
+    placed.placement->resized();
+    placed.window.move(60, 70); // which the timer has not seen
+    placed.placement->leaving();
+    QCOMPARE(placed.tree.globals.settings.text(Setting::Left), twips(60));
+    const quillon::SettingsFile file(placed.tree.globals.paths.optionsFile);
+    QCOMPARE(file.value(u"Position"_s, u"Top"_s), twips(70));
+    placed.window.hide();
+    placed.window.setAttribute(Qt::WA_Moved, false); // it was the window manager that had put it there
+    placed.tree.globals.RestoringFromLast = true;
+    placed.placement->resized();
+    placed.tree.globals.RestoringFromLast = false;
+    QCOMPARE(placed.window.windowHandle()->framePosition(), QPoint(60, 70));
+    QVERIFY2(placed.window.testAttribute(Qt::WA_Moved), "the window manager is asked for the place");
+}
+
+void TestStoredPlace::aMaximisedWindowThatLeavesStoresNoPlace()
+{
+    PlacedWindow placed;
+    placed.window.setWindowState(Qt::WindowMaximized);
+    placed.placement->resized();
+    for (const Qt::WindowStates state :
+         {Qt::WindowStates(Qt::WindowMaximized), Qt::WindowMaximized | Qt::WindowMinimized}) {
+        placed.window.setWindowState(state);
+        placed.window.move(60, 70);
+        placed.window.setWindowState(state);
+        placed.placement->leaving();
+        QCOMPARE(placed.tree.globals.settings.text(Setting::Left), QString());
+        QCOMPARE(placed.tree.globals.settings.text(Setting::Top), QString());
+    }
+}
+
+void TestStoredPlace::aScreenThatShrinksTakesTheWindowAlong()
+{
+    PlacedWindow placed;
+    quillon::setScreenRooms([] { return QList<QRect>{QRect(0, 0, 640, 480)}; });
+    QScreen *screen = QGuiApplication::primaryScreen();
+    const auto shrink = [screen] { Q_EMIT screen->availableGeometryChanged(QRect(0, 0, 640, 480)); };
+    placed.window.move(600, 400);
+    placed.window.resize(300, 700);
+    shrink();
+    const QRect frame = placed.window.frameGeometry();
+    QCOMPARE(frame.size(), QSize(300 + placed.margins().left() + placed.margins().right(), 480));
+    QCOMPARE(frame.topLeft(), QPoint(640 - frame.width(), 0));
+    // What is not in its normal state has its place from elsewhere, and a hidden one gets it when it comes back.
+    placed.window.move(600, 400);
+    placed.window.hide();
+    shrink();
+    QCOMPARE(placed.window.windowHandle()->framePosition(), QPoint(600, 400));
+    placed.window.show();
+    for (const Qt::WindowState state : {Qt::WindowMinimized, Qt::WindowMaximized, Qt::WindowFullScreen}) {
+        placed.window.setWindowState(state);
+        const QRect before = placed.window.geometry();
+        shrink();
+        QCOMPARE(placed.window.geometry(), before);
+    }
 }
 
 void TestStoredPlace::eachStoredValueIsTakenForItself_data()

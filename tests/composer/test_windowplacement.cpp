@@ -1,7 +1,9 @@
 #include "mainfixture.h"
 #include "quillon/fault.h"
 #include "quillon/files/settingsfile.h"
+#include "quillon/forms/screenfit.h"
 
+#include <QScopeGuard>
 #include <QScreen>
 #include <QTimer>
 
@@ -54,6 +56,7 @@ private Q_SLOTS:
     void theCloseBoxMinimises();
     void theCloseBoxLeavesTheStateOfAWindowThatTheTrayHides();
     void theExitTagLetsTheWindowClose();
+    void aMoveBeforeTheTrayIsStored();
 };
 
 void TestWindowPlacement::aResizeStoresThePosition()
@@ -158,6 +161,8 @@ void TestWindowPlacement::restoringWithoutAWidthMaximises()
 
 void TestWindowPlacement::restoringWithNumbersThatAreNoneKeepsTheWindowUsable()
 {
+    quillon::setScreenRooms([] { return QList<QRect>{QRect(0, 0, 1400, 1000)}; });
+    const auto back = qScopeGuard([] { quillon::setScreenRooms({}); });
     MainFixture main({}, false);
     const QSize before = main.window->size();
     place(main, {u"left"_s, u"1e400"_s, u"wide"_s, u"-300"_s});
@@ -176,7 +181,7 @@ void TestWindowPlacement::aPositionOffEveryScreenIsBroughtBack()
     main.globals().RestoringFromLast = true;
     main.window->show();
     main.globals().RestoringFromLast = false;
-    QVERIFY(main.window->screen()->geometry().intersects(main.window->geometry()));
+    QVERIFY(main.window->screen()->geometry().contains(main.window->frameGeometry()));
     QCOMPARE(main.window->size(), QSize(700, 500));
 }
 
@@ -243,6 +248,20 @@ void TestWindowPlacement::aWindowThatWasClosedIsToldAgainWhenItIsMinimised()
     QVERIFY(!main.window->close());
     QVERIFY2(!main.window->isMinimized(), "a window in the tray keeps its state");
     QCOMPARE(main.minimised, 2);
+}
+
+void TestWindowPlacement::aMoveBeforeTheTrayIsStored()
+{
+    MainFixture main;
+    main.window->resize(700, 500);
+    main.window->move(40, 30);
+    QVERIFY(!main.window->close());
+    QCOMPARE(stored(main, "Left"), twips(40));
+    main.window->setWindowState(Qt::WindowNoState);
+    main.window->move(50, 60);
+    main.window->setWindowState(Qt::WindowMinimized);
+    QCOMPARE(stored(main, "Left"), twips(50));
+    QCOMPARE(stored(main, "Top"), twips(60));
 }
 
 QTEST_MAIN(TestWindowPlacement)

@@ -92,7 +92,7 @@ void TestRunPhases::oneByOneRunGoesThroughItsPhases()
         m_bench->sender.requestStop(); // nothing is left to be stopped
         note();
         QCOMPARE(m_bench->progress.activity(), QString());
-        QCOMPARE(m_bench->progress.steps.constLast(), (std::pair{0, 0}));
+        QCOMPARE(m_bench->progress.steps.constLast(), FakeProgress::rest);
         settle();
         QCOMPARE(m_server->count("QUIT"), 3); // the last connection ends behind the box
     });
@@ -118,13 +118,15 @@ void TestRunPhases::wholeListRunGoesThroughItsPhases()
     ExpectedPrompts asked;
     asked.expectBox(u"SENT_SUCC"_s, quillon::InformationBox, quillon::BoxAnswer::Ok, std::nullopt, [this] {
         note();
+        QCOMPARE(m_bench->progress.steps.constLast(), FakeProgress::rest);
         settle();
         QVERIFY(!m_server->heard("QUIT"));
     });
     m_bench->run();
     QCOMPARE(m_phases, (QList<Phase>{Phase::Preparing, Phase::Counting, Phase::Counting, Phase::Closing, Phase::Closing,
                                      Phase::Closing}));
-    QCOMPARE(m_bench->progress.steps, (QList<std::pair<int, int>>{{1, 1}, {0, 0}, {0, 0}}));
+    QCOMPARE(m_bench->progress.steps,
+             (QList<std::pair<int, int>>{{0, 0}, {0, 1}, {1, 1}, FakeProgress::rest, FakeProgress::rest}));
     QVERIFY(visibleWhileConnecting); // what the transport tells is shown at once
     QCOMPARE(state().phase(), Phase::Resting);
 }
@@ -157,6 +159,7 @@ void TestRunPhases::failedConnectionIsToldInClosing()
     ExpectedPrompts asked([](const QString &) {});
     m_bench->sender.run();
     QCOMPARE(state().phase(), Phase::Preparing);
+    QCOMPARE(m_bench->progress.steps, (QList<std::pair<int, int>>{{0, 0}})); // it may be cancelled from now on
     m_bench->sender.requestStop();
     QCOMPARE(state().phase(), Phase::Stopping);
     while (state().Sending()) {
@@ -164,7 +167,8 @@ void TestRunPhases::failedConnectionIsToldInClosing()
     }
     QVERIFY(asked.log().constLast().startsWith(u"box CONN_FAILED"_s)); // a Cancel does not silence it
     QCOMPARE(m_bench->progress.counter(), u"Sending emails..."_s);
-    QCOMPARE(m_bench->progress.steps.constLast(), (std::pair{0, 0}));
+    // Before the box and after it.
+    QCOMPARE(m_bench->progress.steps, (QList<std::pair<int, int>>{{0, 0}, FakeProgress::rest, FakeProgress::rest}));
     QVERIFY(!m_bench->progress.visible);
     QCOMPARE(ends().size(), 1);
 }

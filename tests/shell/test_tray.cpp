@@ -2,6 +2,7 @@
 #include "shell/trayicon.h"
 
 #include <QAction>
+#include <QDialog>
 #include <QFile>
 #include <QMainWindow>
 #include <QMenu>
@@ -10,6 +11,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QWindow>
 
 #include <array>
 
@@ -83,6 +85,8 @@ private Q_SLOTS:
     void onlyTheLeftButtonBringsTheWindowBack();
     void theWatchRunsInTheTrayOnly();
     void theWindowComesBackWhenTheTrayGoes();
+    void aModalFormDoesNotBlockTheIcon();
+    void whatIsOpenComesBackWithTheWindow();
 
 private:
     TrayIcon::Hooks hooks();
@@ -383,6 +387,84 @@ void TestTray::theWatchRunsInTheTrayOnly()
     m_available = false;
     QVERIFY(!m_tray->minimised());
     QVERIFY(!watch->isActive());
+}
+
+void TestTray::aModalFormDoesNotBlockTheIcon()
+{
+    class Pressed : public QWindow {
+    public:
+        explicit Pressed(const QString &name)
+        {
+            setObjectName(name);
+            resize(20, 20);
+            create();
+        }
+        /// Whether a press reaches it.
+        bool hears()
+        {
+            m_presses = 0;
+            QTest::mouseClick(this, Qt::LeftButton);
+            return m_presses > 0;
+        }
+
+    protected:
+        void mousePressEvent(QMouseEvent * /*event*/) override { ++m_presses; }
+
+    private:
+        int m_presses = 0;
+    };
+    m_tray->minimised();
+    // The window that Qt makes for an icon in a tray which takes in windows; the offscreen desktop has no such tray.
+    Pressed icon(u"QSystemTrayIconSysWindow"_s);
+    Pressed other(u"otherWindow"_s);
+    QVERIFY(icon.hears() && other.hears());
+    QDialog form;
+    form.setModal(true);
+    form.show();
+    QVERIFY(icon.hears() && !other.hears());
+    QDialog above; // a box over the form
+    above.setModal(true);
+    above.show();
+    QVERIFY(icon.hears());
+    above.hide();
+    QVERIFY(icon.hears());
+    m_tray->restore();
+    form.hide();
+    icon.setTransientParent(nullptr);
+    form.show();
+    QVERIFY2(!icon.hears(), "only in the tray the icon has to be reached");
+    form.hide();
+    m_tray->minimised();
+    m_tray->takeDown();
+    form.show();
+    QVERIFY(!icon.hears());
+}
+
+void TestTray::whatIsOpenComesBackWithTheWindow()
+{
+    QDialog progress;
+    progress.show();
+    QDialog options;
+    options.setModal(true);
+    options.show();
+    QDialog closed;
+    QWidget tip(nullptr, Qt::ToolTip);
+    tip.show();
+    progress.setWindowState(Qt::WindowMinimized);
+    options.setWindowState(Qt::WindowMinimized | Qt::WindowMaximized);
+    tip.setWindowState(Qt::WindowMinimized);
+    m_tray->minimised();
+    m_tray->restore();
+    QVERIFY(!m_window->isMinimized());
+    QVERIFY(!progress.isMinimized());
+    QCOMPARE(options.windowState() & (Qt::WindowMinimized | Qt::WindowMaximized), Qt::WindowMaximized);
+    QVERIFY(!closed.isVisible());
+    QVERIFY(tip.isMinimized());                     // no window of the user's
+    QVERIFY(QTest::qWaitForWindowActive(&options)); // what waits for an answer has the keyboard
+    options.hide();
+    m_tray->minimised();
+    m_tray->restore();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
 }
 
 QTEST_MAIN(TestTray)

@@ -43,12 +43,14 @@ public:
     void setActivity(const QString &text) override;
     [[nodiscard]] QString counter() const override;
     void setCounter(const QString &text) override;
-    void setProgress(int i, int total) override { steps.append({i, total}); }
+    void setProgress(int taken, int total) override { steps.append({taken, total}); }
+    void setAtRest() override { steps.append(rest); }
 
     bool visible = false;
     QStringList activities;
     QStringList counters;
-    QList<std::pair<int, int>> steps;
+    static constexpr std::pair<int, int> rest{-1, -1};
+    QList<std::pair<int, int>> steps; ///< mails taken and their total, or rest
     /// Runs after the counter line has changed, as a user who acts on what it shows.
     std::function<void(const QString &)> afterCounter;
     std::function<void(const QString &)> afterActivity; ///< the same for the activity line

@@ -1,6 +1,7 @@
 #include "quillon/forms/formregistry.h"
 
 #include "quillon/fault.h"
+#include "quillon/forms/scrollingform.h"
 
 #include <QAbstractEventDispatcher>
 #include <QEvent>
@@ -131,6 +132,7 @@ QWidget *FormRegistry::form(const QString &name)
         // The registry decides when a form goes.
         entry.form->setAttribute(Qt::WA_DeleteOnClose, false);
         entry.form->installEventFilter(entry.watcher.get());
+        new ScrollingForm(entry.form);
     }
     return entry.form;
 }

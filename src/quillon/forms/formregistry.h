@@ -13,7 +13,7 @@ namespace quillon {
 inline constexpr char unloadedProperty[] = "unloaded";
 
 /// All forms by name. A form is loaded on first touch, can be asked whether it is loaded, and is made anew, with its
-/// design values, after it was unloaded.
+/// design values, after it was unloaded. One that the screen is too small for scrolls, see ScrollingForm.
 class FormRegistry {
 public:
     using Factory = std::function<QWidget *()>;

@@ -3,6 +3,7 @@
 #include "quillon/fault.h"
 #include "quillon/files/descriptors.h"
 #include "quillon/forms/formregistry.h"
+#include "quillon/forms/keepabove.h"
 #include "quillon/forms/messagebox.h"
 #include "quillon/forms/prompttexts.h"
 #include "quillon/forms/tabbedform.h"
@@ -18,7 +19,6 @@
 #include <QLabel>
 #include <QPointer>
 #include <QRegularExpression>
-#include <QWindow>
 
 #include <memory>
 
@@ -33,15 +33,6 @@ QWidget *owner()
 {
     QWidget *modal = QApplication::activeModalWidget();
     return modal ? modal : QApplication::activeWindow();
-}
-
-/// Tells the window manager that a form of the registry, which has no parent, belongs above the window in front.
-void keepAbove(QWidget *form, const QWidget *below)
-{
-    if (below && below != form) {
-        form->winId(); // makes the form's native window, if it has none yet
-        form->windowHandle()->setTransientParent(below->window()->windowHandle());
-    }
 }
 
 /// Runs a dialog that its owner may delete while it is on the screen; true when it was accepted and is still there.

@@ -3,6 +3,7 @@
 #include "core/texts.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formtexts.h"
+#include "quillon/forms/screenfit.h"
 #include "quillon/hook.h"
 #include "sending/progressview.h"
 #include "sending/sendingtexts.h"
@@ -33,9 +34,12 @@ frmPubProgress::frmPubProgress(Hooks hooks) : m_hooks(std::move(hooks)), m_ui(st
     // The rest text is compared with, so it is the same in every language.
     m_ui->lblQty->setText(QString::fromUtf16(progressRestText));
     setModal(false);
-    // As large as two lines of usual length, whatever the transport reports.
+    // As large as two lines of usual length, whatever the transport reports, where the screen has the room.
     const QFontMetrics metrics = m_ui->lblProg->fontMetrics();
-    m_ui->lblProg->setFixedSize(metrics.averageCharWidth() * activityCharacters, metrics.lineSpacing() * activityLines);
+    const int room =
+        quillon::roomFor({}, quillon::screenRooms()).width() - 2 * (marginPixels + quillon::frameMargins(this).left());
+    m_ui->lblProg->setFixedSize(qMin(metrics.averageCharWidth() * activityCharacters, room),
+                                metrics.lineSpacing() * activityLines);
     new quillon::FormKeys(this);
     m_drawn.setSingleShot(true);
     connect(&m_drawn, &QTimer::timeout, this, [this] { drawTexts(true); });
@@ -83,15 +87,25 @@ void frmPubProgress::drawTexts(bool drawn)
     m_ui->lblQty->setUpdatesEnabled(drawn);
 }
 
-void frmPubProgress::setProgress(int i, int total)
+void frmPubProgress::setProgress(int taken, int total)
 {
+    m_ui->sbtCancel->setEnabled(true);
     m_ui->prg->setRange(0, qMax(total, 0));
     m_ui->prg->setTextVisible(total > 0);
     if (total > 0) {
-        m_ui->prg->setValue(qBound(0, i, total));
+        m_ui->prg->setValue(qBound(0, taken, total));
     } else {
         m_ui->prg->reset();
     }
+}
+
+void frmPubProgress::setAtRest()
+{
+    if (m_ui->prg->maximum() == 0) {
+        m_ui->prg->setMaximum(1); // without an end the bar would go on moving
+        m_ui->prg->setValue(0);
+    }
+    m_ui->sbtCancel->setEnabled(false);
 }
 
 void frmPubProgress::resizeEvent(QResizeEvent *event)

@@ -31,8 +31,10 @@ public:
     void setActivity(const QString &text);
     [[nodiscard]] QString counter() const;
     void setCounter(const QString &text);
-    /// Shows @p i of @p total in the bar; a total of 0 or less shows that work is under way, of unknown length.
-    void setProgress(int i, int total);
+    /// Shows @p taken of @p total in the bar; a total of 0 or less shows that work is under way, of unknown length.
+    void setProgress(int taken, int total);
+    /// Nothing is under way: the bar stands still, and Cancel has nothing to stop.
+    void setAtRest();
 
 protected:
     void resizeEvent(QResizeEvent *event) override;

@@ -91,7 +91,7 @@ void TestDialogsBesideRun::init()
     m_forms = std::make_unique<quillon::FormRegistry>();
     m_asker = std::make_unique<quillon::QtPrompts>(*m_forms);
     quillon::setPrompts(m_asker.get());
-    m_progress = std::make_unique<FormProgressView>(*m_forms);
+    m_progress = std::make_unique<FormProgressView>(*m_forms, [] { return nullptr; });
     m_run = std::make_unique<SendRun>(
         SendRun::Rooms{m_bench->tree.globals, m_bench->window, m_bench->window, *m_progress, m_bench->prompts});
     m_forms->add(u"frmPubProgress"_s, [this] {

@@ -53,7 +53,8 @@ void TestFakeWindow::whatWasShownIsRecorded()
     progress.setCounter(u"Sending 1/2 emails..."_s);
     progress.setProgress(1, 2);
     QCOMPARE(progress.counters, QStringList{u"Sending 1/2 emails..."_s});
-    QCOMPARE(progress.steps, (QList<std::pair<int, int>>{{1, 2}}));
+    progress.setAtRest();
+    QCOMPARE(progress.steps, (QList<std::pair<int, int>>{{1, 2}, FakeProgress::rest}));
 }
 
 QTEST_GUILESS_MAIN(TestFakeWindow)

@@ -1,6 +1,7 @@
 #include "core/texts.h"
 #include "quillon/fault.h"
 #include "quillon/forms/formregistry.h"
+#include "quillon/forms/screenfit.h"
 #include "sending/forms/formprogressview.h"
 #include "sending/forms/frmpubprogress.h"
 
@@ -10,6 +11,7 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QWindow>
 
 using namespace Qt::StringLiterals;
 using corvane::FormProgressView;
@@ -26,6 +28,12 @@ private Q_SLOTS:
     void aResizeBringsTheFittedSizeBack();
     void aLongReportKeepsTheSize();
     void theBarFollowsTheMails();
+    void atRestNothingMovesAndNothingCanBeCancelled();
+    void itBelongsToItsOwner();
+    void itIsBroughtToTheFrontFromBelow();
+    void itIsBroughtBackAfterItWasClosed();
+    void itBelongsToAnOwnerThatCameBack();
+    void itIsNoWiderThanTheScreen();
     void cancelSetsTheFlagAndUnloads();
     void helpOpensTheManualAndGoesOn();
     void aHookThatIsNotSetIsAFaultByItsName();
@@ -50,6 +58,7 @@ private:
 
     std::unique_ptr<quillon::FormRegistry> m_forms;
     std::unique_ptr<FormProgressView> m_view;
+    std::unique_ptr<QWidget> m_owner;
     bool m_stop = false;
     int m_helps = 0;
     QTemporaryDir m_folder;
@@ -66,13 +75,16 @@ void TestProgress::init()
         return new frmPubProgress(
             {[this] { m_stop = true; }, [this] { m_forms->unload(u"frmPubProgress"_s); }, [this] { ++m_helps; }});
     });
-    m_view = std::make_unique<FormProgressView>(*m_forms);
+    m_owner = std::make_unique<QWidget>();
+    m_view = std::make_unique<FormProgressView>(*m_forms, [this] { return m_owner.get(); });
 }
 
 void TestProgress::cleanup()
 {
     m_view.reset();
     m_forms.reset();
+    m_owner.reset();
+    quillon::setScreenRooms({});
 }
 
 void TestProgress::itStandsAsDesigned()
@@ -151,6 +163,110 @@ void TestProgress::theBarFollowsTheMails()
     m_view->setProgress(1, 1);
     QCOMPARE(bar->value(), 1);
     QVERIFY(bar->isTextVisible());
+}
+
+void TestProgress::atRestNothingMovesAndNothingCanBeCancelled()
+{
+    const auto *bar = dialog()->findChild<QProgressBar *>(u"prg"_s);
+    m_view->setProgress(0, 0);
+    m_view->setAtRest();
+    QVERIFY2(bar->maximum() > bar->minimum(), "a bar of unknown length moves");
+    QCOMPARE(bar->value(), 0);
+    QVERIFY(!bar->isTextVisible());
+    QVERIFY(!button(u"sbtCancel"_s)->isEnabled());
+    QVERIFY(button(u"sbtHelp"_s)->isEnabled());
+    m_view->setProgress(0, 0);
+    QCOMPARE(bar->maximum(), bar->minimum());
+    QVERIFY(button(u"sbtCancel"_s)->isEnabled());
+    m_view->setProgress(3, 4);
+    m_view->setAtRest();
+    QCOMPARE(bar->value(), 3); // what came of the run
+    QCOMPARE(bar->maximum(), 4);
+    QVERIFY(!button(u"sbtCancel"_s)->isEnabled());
+    m_view->setProgress(0, 2);
+    QVERIFY(button(u"sbtCancel"_s)->isEnabled());
+}
+
+void TestProgress::itBelongsToItsOwner()
+{
+    m_view->makeVisible(); // an owner that was never shown is no window yet
+    QVERIFY(m_view->isVisible());
+    m_view->hide();
+    m_owner->show();
+    m_view->makeVisible();
+    QCOMPARE(dialog()->windowHandle()->transientParent(), m_owner->windowHandle());
+    m_forms->unload(u"frmPubProgress"_s);
+    m_view->makeVisible();
+    QCOMPARE(dialog()->windowHandle()->transientParent(), m_owner->windowHandle());
+    const FormProgressView without(*m_forms, [] { return nullptr; });
+    QVERIFY(without.isVisible());
+}
+
+void TestProgress::itIsBroughtToTheFrontFromBelow()
+{
+    m_owner->show();
+    m_view->makeVisible();
+    m_owner->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_owner.get()));
+    m_view->makeVisible(); // what a report does takes the keyboard from nobody
+    QCoreApplication::processEvents();
+    QVERIFY(m_owner->isActiveWindow());
+    m_view->bringToFront();
+    QVERIFY(QTest::qWaitForWindowActive(dialog()));
+    dialog()->setWindowState(Qt::WindowMinimized);
+    m_view->bringToFront();
+    QVERIFY(!dialog()->isMinimized());
+}
+
+void TestProgress::itIsBroughtBackAfterItWasClosed()
+{
+    m_owner->show();
+    m_view->bringToFront();
+    dialog()->close();
+    QVERIFY(!m_forms->isLoaded(u"frmPubProgress"_s));
+    m_view->bringToFront();
+    QVERIFY(m_view->isVisible());
+    QVERIFY(QTest::qWaitForWindowActive(dialog()));
+    QVERIFY(!m_stop); // closed, not cancelled
+}
+
+void TestProgress::itBelongsToAnOwnerThatCameBack()
+{
+    m_view->ownerShown();
+    QVERIFY2(!m_forms->isLoaded(u"frmPubProgress"_s), "a dialog that is not there is not made");
+    m_view->setCounter(u"Sending 1/2 emails..."_s);
+    m_view->ownerShown();
+    QVERIFY(!m_view->isVisible());
+    m_view->makeVisible();
+    dialog()->move(60, 70);
+    m_owner->show();
+    m_owner->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_owner.get()));
+    dialog()->windowHandle()->setTransientParent(nullptr); // as the window manager has it
+    m_view->ownerShown();
+    QVERIFY(m_view->isVisible());
+    QCOMPARE(dialog()->windowHandle()->transientParent(), m_owner->windowHandle());
+    QCOMPARE(dialog()->windowHandle()->framePosition(), QPoint(60, 70));
+    QVERIFY(!dialog()->testAttribute(Qt::WA_ShowWithoutActivating));
+    QCOMPARE(m_view->counter(), u"Sending 1/2 emails..."_s);
+    dialog()->windowHandle()->setTransientParent(nullptr);
+    QDialog question;
+    question.setModal(true);
+    question.show();
+    m_view->ownerShown();
+    QCOMPARE(dialog()->windowHandle()->transientParent(), nullptr); // nothing comes over a question
+}
+
+void TestProgress::itIsNoWiderThanTheScreen()
+{
+    const int usual = label(u"lblProg"_s)->width();
+    m_forms->unload(u"frmPubProgress"_s);
+    const QRect narrow(0, 0, usual - 50, 400);
+    quillon::setScreenRooms([narrow] { return QList<QRect>{narrow}; });
+    m_view->makeVisible();
+    QVERIFY(label(u"lblProg"_s)->width() < usual);
+    QVERIFY(dialog()->frameGeometry().width() <= narrow.width());
+    QCOMPARE(dialog()->size(), ruled());
 }
 
 void TestProgress::cancelSetsTheFlagAndUnloads()
