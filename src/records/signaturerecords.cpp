@@ -92,10 +92,11 @@ bool add(const ApplicationGlobals &globals, const QString &typed, const QString 
         quillon::reportFault(u"cannot add the signature '"_s + typed + u'\'');
         return false;
     }
-    if (!present.names.contains(name) && !present.files.setAside(name)) {
+    const bool shared = present.files.isOfAnother(name, name); // where names of two cases are one file
+    if (!shared && !present.names.contains(name) && !present.files.setAside(name)) {
         return false; // the text of an earlier signature is still in its place
     }
-    if (text) {
+    if (text && !shared) {
         present.files.write(name, *text); // where there can be none, the signature stands without it
     }
     globals.lines.AppendLine(globals.paths.signsFile, recordLine({name, path}));
