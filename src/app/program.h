@@ -2,6 +2,7 @@
 
 #include "app/programservices.h"
 #include "core/globals.h"
+#include "core/unsavedfiles.h"
 #include "quillon/forms/formregistry.h"
 #include "quillon/forms/qtprompts.h"
 #include "quillon/forms/readablepalette.h"
@@ -61,6 +62,7 @@ private:
     void end();
     void closeHelp() const;
 
+    UnsavedFiles m_unsaved; ///< before all that writes
     ApplicationGlobals m_globals;
     bool m_stopOnFault;
     ProgramServices m_services;

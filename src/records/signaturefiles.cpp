@@ -2,6 +2,7 @@
 
 #include "quillon/fault.h"
 #include "quillon/files/safefile.h"
+#include "quillon/files/writeoutcome.h"
 
 #include <QCryptographicHash>
 #include <QDirIterator>
@@ -142,7 +143,9 @@ bool SignatureFiles::write(const QString &name, const QByteArray &octets) const
         const int made =
             ::open(QFile::encodeName(exact).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, fileMode);
         if (made < 0) {
+            const int error = errno;
             fault(u"cannot make"_s, exact);
+            quillon::tellNotWritten(exact, error);
             return false;
         }
         ::close(made);
@@ -158,6 +161,7 @@ void SignatureFiles::remove(const QString &name) const
         }
         removeFile(found);
     }
+    quillon::tellDeleted(target(name));
 }
 
 void SignatureFiles::dropOtherNames(const QString &path) const
@@ -219,6 +223,7 @@ void SignatureFiles::removeAllThatBeginWith(const QString &name) const
         if (file.size() >= start.size() + ending.size() && file.startsWith(start) &&
             file.endsWith(ending, Qt::CaseInsensitive)) {
             removeFile(m_folder + u'/' + file);
+            quillon::tellDeleted(m_folder + u'/' + file);
         }
     }
 }

@@ -64,6 +64,7 @@ QString frmPubPrompt::askRecipient(const QString &present) const
 
 void frmPubPrompt::add()
 {
+    const int current = m_ui->lstRecips->currentIndex().row();
     const QString entry = askRecipient(QString());
     if (entry.isEmpty()) {
         return;
@@ -72,8 +73,8 @@ void frmPubPrompt::add()
         showMessage(u"ITEM_EXIST"_s, quillon::InformationBox);
         return;
     }
-    m_model->add(entry);
-    goToRow(m_model->rowCount() - 1);
+    const bool added = m_model->add(entry);
+    goToRow(added ? m_model->rowCount() - 1 : qMin(current, m_model->rowCount() - 1));
 }
 
 void frmPubPrompt::edit()
@@ -94,8 +95,9 @@ void frmPubPrompt::edit()
         showMessage(u"ITEM EXIST"_s, quillon::InformationBox);
         return;
     }
-    m_model->replace(current.row(), entry);
-    goToRow(m_model->rowCount() - 1);
+    const int row = current.row();
+    const bool replaced = m_model->replace(row, entry);
+    goToRow(replaced ? m_model->rowCount() - 1 : qMin(row, m_model->rowCount() - 1));
 }
 
 void frmPubPrompt::deleteSelected()

@@ -127,8 +127,7 @@ bool RecordDialog::save()
         tell(m_form.duplicate);
         return false;
     }
-    m_task.save(entered);
-    return true;
+    return m_task.save(entered);
 }
 
 void RecordDialog::tell(const FieldFault &fault)

@@ -49,7 +49,8 @@ public:
         /// edit mode the record under edit does not count.
         std::function<bool(const QString &line)> exists;
         /// Stores a line: added in add mode, in place of the one that is edited otherwise.
-        std::function<void(const QString &line)> save;
+        /// False when it could not be written: what was entered stays in the dialog.
+        std::function<bool(const QString &line)> save;
     };
 
     /// Sets caption and fields; to be called before the form is shown.

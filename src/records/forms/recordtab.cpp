@@ -84,11 +84,7 @@ void RecordTab::show(RecordDialog::Mode mode, const QString &line)
     task.line = line;
     task.exists = [this, editing](const QString &entered) { return m_list.taken(entered, editing); };
     task.save = [this, editing](const QString &entered) {
-        if (editing) {
-            m_list.change(entered);
-        } else {
-            m_list.add(entered);
-        }
+        return editing ? m_list.change(entered) : m_list.add(entered) >= 0;
     };
     m_showDialog(std::move(task));
 }

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void f1AndTheButtonOpenTheHelp();
     void aHelpThatIsNotSetIsAFaultByItsForm();
     void withoutATaskNothingIsSaved();
+    void whatCouldNotBeWrittenStaysInTheDialog();
     void anEditThatMeetsAnotherRecordIsStopped();
     void aListThatCannotBeAskedHoldsNoDuplicate();
     void aTranslatedCaptionLeavesTheModeAlone();
@@ -204,7 +205,10 @@ void TestRecordDialogs::aListThatCannotBeAskedHoldsNoDuplicate()
     for (const FormFacts &facts : allForms()) {
         RecordDialogFixture d(facts.name);
         QStringList saved;
-        d.dialog()->begin({Mode::Add, facts.record, {}, [&saved](const QString &line) { saved.append(line); }});
+        d.dialog()->begin({Mode::Add, facts.record, {}, [&saved](const QString &line) {
+                               saved.append(line);
+                               return true;
+                           }});
         d.click(facts.saveAndAdd);
         QCOMPARE(saved, QStringList{facts.record});
     }
@@ -241,6 +245,26 @@ void TestRecordDialogs::portsCountAsTheirValue()
     QFETCH(QString, text);
     QFETCH(quint64, value);
     QCOMPARE(portValue(text), value);
+}
+
+void TestRecordDialogs::whatCouldNotBeWrittenStaysInTheDialog()
+{
+    RecordDialogFixture d(u"frmPubSender"_s);
+    d.begin(RecordDialogFixture::Mode::Add);
+    d.show();
+    d.stores = false;
+    d.box(u"txtDisp"_s)->setText(u"Ann"_s);
+    d.box(u"txtEmail"_s)->setText(u"ann@x.example"_s);
+    for (const QString &button : {u"sbt(0)"_s, u"sbt(1)"_s}) {
+        d.click(button);
+        QVERIFY(d.dialog()->isVisible());
+        QCOMPARE(d.box(u"txtDisp"_s)->text(), u"Ann"_s);
+        QCOMPARE(d.box(u"txtEmail"_s)->text(), u"ann@x.example"_s);
+    }
+    QCOMPARE(d.saved.size(), 2); // it was tried
+    d.stores = true;
+    d.click(u"sbt(0)"_s);
+    QCOMPARE(d.box(u"txtEmail"_s)->text(), QString());
 }
 
 QTEST_MAIN(TestRecordDialogs)
