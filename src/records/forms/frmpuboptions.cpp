@@ -290,6 +290,12 @@ quillon::Task<> frmPubOptions::showTest(QString key, quillon::Task<ConnectionTes
     auto *status = findChild<QLabel *>(u"lbl(14)"_s);
     m_ui->lblReason->clear();
     m_ui->lblReason->setToolTip({});
+    for (QLabel *label : {status, m_ui->lblReason}) {
+        QPalette readable = label->palette(); // also while the form is disabled
+        readable.setColor(QPalette::Disabled, QPalette::WindowText,
+                          palette().color(QPalette::Active, QPalette::WindowText));
+        label->setPalette(readable);
+    }
     status->setText(LookupText(key));
     setCursor(Qt::WaitCursor);
     const QPointer<QWidget> focus = focusWidget(); // a form that is disabled loses it
@@ -302,8 +308,11 @@ quillon::Task<> frmPubOptions::showTest(QString key, quillon::Task<ConnectionTes
     m_testing = false;
     m_ui->lblReason->setText(result.reason);
     m_ui->lblReason->setToolTip(result.reason); // a long word is cut off at the end of the form
-    co_await messageShown(key + (result.works ? u"_SUCC"_s : u"_UNSU"_s),
-                          result.works ? quillon::InformationBox : quillon::WarningBox);
+    if (!result.works) {
+        status->clear(); // it is over, and the reason is what is to be read
+    }
+    co_await messageShownWith(result.reason, key + (result.works ? u"_SUCC"_s : u"_UNSU"_s),
+                              result.works ? quillon::InformationBox : quillon::WarningBox);
     status->clear();
     unsetCursor();
     setEnabled(true);
