@@ -9,6 +9,7 @@
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formregistry.h"
 #include "quillon/forms/formtexts.h"
+#include "quillon/forms/listlooks.h"
 #include "quillon/hook.h"
 #include "ui_frmpubmacro.h"
 
@@ -61,6 +62,8 @@ void frmPubMacro::connectControls()
     QHeaderView *header = m_ui->lsv->header();
     header->setStretchLastSection(true);
     m_sort = new quillon::ColumnSort(m_ui->lsv, Qt::DescendingOrder);
+    new quillon::FittedColumns(m_ui->lsv);
+    new quillon::CellTips(m_ui->lsv);
     connect(m_ui->lsv, &QTreeWidget::currentItemChanged, this,
             [this](const QTreeWidgetItem *current) { rowChosen(current); });
     connect(m_ui->lsv, &QTreeWidget::itemClicked, this, [this](const QTreeWidgetItem *item) { rowChosen(item); });
@@ -91,11 +94,6 @@ void frmPubMacro::loadRows()
     m_ui->lsv->addTopLevelItems(items);
     colorRows();
     selectFirstRow();
-    const int margin = fontMetrics().averageCharWidth() * 3;
-    const QFontMetrics metrics = fontMetrics();
-    m_ui->lsv->setColumnWidth(MacroNameColumn,
-                              metrics.horizontalAdvance(QString::fromUtf16(recipientAddress)) + margin);
-    m_ui->lsv->setColumnWidth(MacroSampleColumn, metrics.averageCharWidth() * 46);
 }
 
 void frmPubMacro::reloadRows()

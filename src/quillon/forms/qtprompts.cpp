@@ -14,8 +14,10 @@
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPointer>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QWindow>
 
 #include <memory>
@@ -25,6 +27,8 @@ using namespace Qt::StringLiterals;
 namespace quillon {
 
 namespace {
+
+constexpr int usualLetters = 56; // of an input box
 
 /// The window that a prompt belongs to; none while the program shows no window.
 QWidget *owner()
@@ -156,6 +160,13 @@ QString QtPrompts::input(const InputRequest &request)
     for (QLabel *label : labels) {
         label->setTextFormat(Qt::PlainText);
         label->setWordWrap(true);
+    }
+    if (auto *box = dialog.findChild<QLineEdit *>()) {
+        // Room for a name with its address, and for more where more is offered.
+        const QFontMetrics letters = box->fontMetrics();
+        const int wanted = qMax(letters.averageCharWidth() * usualLetters,
+                                letters.horizontalAdvance(request.Default) + letters.averageCharWidth() * 4);
+        box->setMinimumWidth(qMin(wanted, dialog.screen()->availableSize().width() / 2));
     }
     return run(cleaner.dialog) ? cleaner.dialog->textValue() : QString();
 }

@@ -4,6 +4,7 @@
 #include "core/texts.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formtexts.h"
+#include "quillon/forms/listlooks.h"
 #include "quillon/hook.h"
 #include "recipients/promptmodel.h"
 #include "ui_frmpubprompt.h"
@@ -24,6 +25,7 @@ frmPubPrompt::frmPubPrompt(const ApplicationGlobals &globals, const QStringList 
     quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
     connect(m_ui->sbtHelp, &QPushButton::clicked, this, [open = std::move(help)] { open(); });
     m_ui->lstRecips->setModel(m_model);
+    new quillon::CellTips(m_ui->lstRecips);
     goToRow(0);
     connectControls();
 }

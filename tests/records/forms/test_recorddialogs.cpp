@@ -24,6 +24,7 @@ private Q_SLOTS:
     void aHelpThatIsNotSetIsAFaultByItsForm();
     void withoutATaskNothingIsSaved();
     void whatCouldNotBeWrittenStaysInTheDialog();
+    void aRecordToCompleteBeginsInItsFirstEmptyBox();
     void anEditThatMeetsAnotherRecordIsStopped();
     void aListThatCannotBeAskedHoldsNoDuplicate();
     void aTranslatedCaptionLeavesTheModeAlone();
@@ -265,6 +266,24 @@ void TestRecordDialogs::whatCouldNotBeWrittenStaysInTheDialog()
     d.stores = true;
     d.click(u"sbt(0)"_s);
     QCOMPARE(d.box(u"txtEmail"_s)->text(), QString());
+}
+
+void TestRecordDialogs::aRecordToCompleteBeginsInItsFirstEmptyBox()
+{
+    const auto focused = [](const QString &line, bool completes) {
+        RecordDialogFixture d(u"frmPubSMTP"_s);
+        RecordDialogFixture::Task task;
+        task.line = line;
+        task.completes = completes;
+        d.dialog()->begin(task);
+        return d.dialog()->focusWidget()->objectName();
+    };
+    const QString preset = u"smtp.x.example\t465\tS\tY\tann@x.example\t\tAnn\tann@x.example\tAnn\t\t/SAEND"_s;
+    QCOMPARE(focused(preset, true), u"txt(3)"_s);
+    QCOMPARE(focused(preset, false), u"txt(0)"_s); // a copy begins at its start
+    // A box that cannot be written in is passed over.
+    QCOMPARE(focused(QString(preset).replace(u"S\tY"_s, u"S\tN"_s), true), u"txt(7)"_s);
+    QCOMPARE(focused(u"s\t1\tS\tY\tu\tp\tn\ta@x.example\tn\ta@x.example\t/SAEND"_s, true), u"txt(0)"_s);
 }
 
 QTEST_MAIN(TestRecordDialogs)
