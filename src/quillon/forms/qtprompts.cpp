@@ -137,7 +137,9 @@ QString qtFileFilter(const FileFilter &filter)
 BoxAnswer QtPrompts::box(const BoxRequest &request)
 {
     Cleaner<MessageBox> cleaner{new MessageBox(request.Text, request.Style, owner())};
-    cleaner.dialog->setDetails(request.Details);
+    if (!request.Details.isEmpty()) {
+        cleaner.dialog->setDetails(request.Details);
+    }
     const bool cancels = cleaner.dialog->standardButtons().testFlag(QMessageBox::Cancel);
     const bool asks = cleaner.dialog->standardButtons().testFlag(QMessageBox::No);
     const int button = cleaner.dialog->exec();
