@@ -28,7 +28,7 @@ namespace quillon {
 
 namespace {
 
-constexpr int usualLetters = 56; // of an input box
+constexpr int usualLetters = 72; // of an input box
 
 /// The window that a prompt belongs to; none while the program shows no window.
 QWidget *owner()
