@@ -48,15 +48,10 @@ bool storeSettings(ApplicationGlobals &globals, const QList<SettingChange> &chan
 {
     quillon::SettingsFile file(globals.paths.optionsFile);
     for (const SettingChange &change : changes) {
+        globals.settings.set(change.key, change.value);
         putSetting(file, settingRow(change.key), change.value, change.section);
     }
-    if (!file.save()) {
-        return false;
-    }
-    for (const SettingChange &change : changes) {
-        globals.settings.set(change.key, change.value);
-    }
-    return true;
+    return file.save();
 }
 
 void storeFromMemory(const ApplicationGlobals &globals, const QList<Setting> &keys)

@@ -27,8 +27,7 @@ struct SettingChange {
     QStringView section = {}; ///< how the section is spelled if it has to be made; empty: as in the table
 };
 
-/// Writes one setting to memory and to the file. False when the file could not be written: memory then stays as it was,
-/// so that what is shown is what will be there at the next start.
+/// Writes one setting to memory and to the file. False when the file could not be written, and memory alone has it.
 bool storeSetting(ApplicationGlobals &globals, Setting key, const QString &value);
 
 /// The same for several settings with one rewrite of the file, which so never holds a part of them.

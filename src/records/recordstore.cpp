@@ -9,6 +9,22 @@ namespace corvane {
 
 namespace {
 
+/// Stores a default in memory and in the settings; where these cannot be written, memory goes on to say what they do.
+bool storeDefault(ApplicationGlobals &globals, const QList<SettingChange> &changes)
+{
+    QList<SettingChange> before;
+    for (const SettingChange &change : changes) {
+        before.append({change.key, globals.settings.text(change.key)});
+    }
+    if (storeSettings(globals, changes)) {
+        return true;
+    }
+    for (const SettingChange &old : before) {
+        globals.settings.set(old.key, old.value);
+    }
+    return false;
+}
+
 /// How one kind's file is changed.
 struct Store {
     const QString &path;
@@ -37,7 +53,7 @@ bool saveRecord(ApplicationGlobals &globals, const Store &store, RecordChange ch
 /// Where there is no section yet, it is spelled otherwise than where accounts are chosen.
 bool storeEditedAccount(ApplicationGlobals &globals, const QString &line)
 {
-    return storeSettings(globals, {{Setting::DefaultAccount, line, sectionOfEditedAccount}});
+    return storeDefault(globals, {{Setting::DefaultAccount, line, sectionOfEditedAccount}});
 }
 
 } // namespace
@@ -60,23 +76,23 @@ bool SaveSenderRecord(ApplicationGlobals &globals, RecordChange change, const QS
 
 bool storeDefaultAccount(ApplicationGlobals &globals, const QString &line)
 {
-    return storeSetting(globals, Setting::DefaultAccount, line);
+    return storeDefault(globals, {{Setting::DefaultAccount, line}});
 }
 
 bool storeDefaultProxy(ApplicationGlobals &globals, const QString &line)
 {
-    return storeSetting(globals, Setting::DefaultProxy, line);
+    return storeDefault(globals, {{Setting::DefaultProxy, line}});
 }
 
 bool storeDefaultSender(ApplicationGlobals &globals, const QString &line)
 {
-    return storeSettings(globals, {{Setting::DefaultSenderName, recordField(line, SenderName)},
-                                   {Setting::DefaultSenderAddress, recordField(line, SenderAddress)}});
+    return storeDefault(globals, {{Setting::DefaultSenderName, recordField(line, SenderName)},
+                                  {Setting::DefaultSenderAddress, recordField(line, SenderAddress)}});
 }
 
 bool storeDefaultSignature(ApplicationGlobals &globals, const QString &line)
 {
-    return storeSetting(globals, Setting::DefaultSignature, recordField(line, SignatureName));
+    return storeDefault(globals, {{Setting::DefaultSignature, recordField(line, SignatureName)}});
 }
 
 } // namespace corvane
