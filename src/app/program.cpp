@@ -1,6 +1,7 @@
 #include "app/program.h"
 
 #include "composer/frmpubmain.h"
+#include "composer/unsavedlabel.h"
 #include "core/formnames.h"
 #include "core/forms/frmpubsplash.h"
 #include "core/site.h"
@@ -111,6 +112,7 @@ void Program::makeMainWindow()
     hooks.minimised = [this] { m_tray->minimised(); };
     hooks.closed = m_services.quit;
     m_main = std::make_unique<frmPubMain>(m_globals, std::move(hooks));
+    new UnsavedLabel(m_main->statusBar(), m_unsaved);
     m_run = std::make_unique<SendRun>(
         SendRun::Rooms{m_globals, m_main->message(), m_main->view(), m_progress, m_recipients});
     m_tray = std::make_unique<TrayIcon>(

@@ -4,6 +4,7 @@
 #include "core/companion.h"
 #include "core/globals.h"
 #include "core/launcher.h"
+#include "core/unsavedfiles.h"
 #include "quillon/forms/formregistry.h"
 #include "quillon/forms/qtprompts.h"
 #include "quillon/forms/readablepalette.h"
@@ -75,6 +76,7 @@ private:
     void end();
     void closeHelp() const;
 
+    UnsavedFiles m_unsaved; ///< before all that writes
     ApplicationGlobals m_globals;
     Companion m_companion;
     ProgramServices m_services;

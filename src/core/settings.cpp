@@ -39,19 +39,19 @@ void WriteDefaultSettings(const ApplicationGlobals &globals)
     file.save();
 }
 
-void storeSetting(ApplicationGlobals &globals, Setting key, const QString &value)
+bool storeSetting(ApplicationGlobals &globals, Setting key, const QString &value)
 {
-    storeSettings(globals, {{key, value}});
+    return storeSettings(globals, {{key, value}});
 }
 
-void storeSettings(ApplicationGlobals &globals, const QList<SettingChange> &changes)
+bool storeSettings(ApplicationGlobals &globals, const QList<SettingChange> &changes)
 {
     quillon::SettingsFile file(globals.paths.optionsFile);
     for (const SettingChange &change : changes) {
         globals.settings.set(change.key, change.value);
         putSetting(file, settingRow(change.key), change.value, change.section);
     }
-    file.save();
+    return file.save();
 }
 
 void storeFromMemory(const ApplicationGlobals &globals, const QList<Setting> &keys)

@@ -27,11 +27,11 @@ struct SettingChange {
     QStringView section = {}; ///< how the section is spelled if it has to be made; empty: as in the table
 };
 
-/// Writes one setting to memory and to the file.
-void storeSetting(ApplicationGlobals &globals, Setting key, const QString &value);
+/// Writes one setting to memory and to the file. False when the file could not be written, and memory alone has it.
+bool storeSetting(ApplicationGlobals &globals, Setting key, const QString &value);
 
-/// Writes several settings to memory and, with one rewrite, to the file, which so never holds a part of them.
-void storeSettings(ApplicationGlobals &globals, const QList<SettingChange> &changes);
+/// The same for several settings with one rewrite of the file, which so never holds a part of them.
+bool storeSettings(ApplicationGlobals &globals, const QList<SettingChange> &changes);
 
 /// Writes settings as memory has them, in one rewrite; none when the file says the same already.
 void storeFromMemory(const ApplicationGlobals &globals, const QList<Setting> &keys);

@@ -107,6 +107,13 @@ quillon::Pending<quillon::BoxAnswer> messageShown(const QString &key, int style,
     return quillon::fromEventLoop([key, style, value] { return showMessage(key, style, value); });
 }
 
+quillon::Pending<quillon::BoxAnswer> messageShownWith(const QString &details, const QString &key, int style)
+{
+    return quillon::fromEventLoop([details, key, style] {
+        return quillon::prompts().box({key, LookupText(key), QString(), style, details});
+    });
+}
+
 quillon::Pending<quillon::BoxAnswer> textShown(const QString &text, int style, const QString &key)
 {
     return quillon::fromEventLoop([text, style, key] { return quillon::prompts().box({key, text, QString(), style}); });

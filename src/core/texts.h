@@ -41,6 +41,8 @@ quillon::BoxAnswer showText(const QString &text, int style);
 /// The same for a sequence, which rests while the box is open. @p key names the text, where it has one.
 quillon::Pending<quillon::BoxAnswer> messageShown(const QString &key, int style,
                                                   const std::optional<QString> &value = std::nullopt);
+/// The same with something more below the message's text.
+quillon::Pending<quillon::BoxAnswer> messageShownWith(const QString &details, const QString &key, int style);
 quillon::Pending<quillon::BoxAnswer> textShown(const QString &text, int style, const QString &key = QString());
 
 } // namespace corvane

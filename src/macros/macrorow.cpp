@@ -63,6 +63,7 @@ QString messageKeyOf(MacroFault fault)
 {
     switch (fault) {
     case MacroFault::None:
+    case MacroFault::NotWritten:
         break;
     case MacroFault::NoMacro:
         return u"NO_MACRO"_s;
@@ -74,24 +75,23 @@ QString messageKeyOf(MacroFault fault)
     return {};
 }
 
-void addMacro(const ApplicationGlobals &globals, const MacroRow &row)
+bool addMacro(const ApplicationGlobals &globals, const MacroRow &row)
 {
-    globals.lines.AppendLine(globals.paths.macrosFile, macroLineOf(row));
+    return globals.lines.AppendLine(globals.paths.macrosFile, macroLineOf(row));
 }
 
-void replaceMacro(const ApplicationGlobals &globals, const MacroRow &old, const MacroRow &row)
+bool replaceMacro(const ApplicationGlobals &globals, const MacroRow &old, const MacroRow &row)
 {
-    globals.lines.ReplaceLine(globals.paths.macrosFile, macroLineOf(old), macroLineOf(row), QString(), 0);
+    return globals.lines.ReplaceLine(globals.paths.macrosFile, macroLineOf(old), macroLineOf(row), QString(), 0);
 }
 
-void deleteMacros(const ApplicationGlobals &globals, const QStringList &macros)
+bool deleteMacros(const ApplicationGlobals &globals, const QStringList &macros)
 {
     const QSet<QString> keys(macros.begin(), macros.end());
     quillon::LineFile file(globals.paths.macrosFile);
     const auto isOne = [&](const QString &line) { return keys.contains(line.section(u'\t', MacroKey, MacroKey)); };
-    if (file.removeIf(isOne) > 0) {
-        file.save();
-    }
+    const bool nothingToDo = file.removeIf(isOne) == 0 && file.readable();
+    return nothingToDo || file.save();
 }
 
 } // namespace corvane

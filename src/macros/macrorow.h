@@ -38,19 +38,20 @@ enum class MacroFault {
     NoMacro,      ///< no text, or a placeholder with nothing in its braces
     NoDelimiters, ///< not enclosed in braces
     Exists,       ///< another row has this placeholder
+    NotWritten,   ///< it could not be written, of which the status bar tells
 };
 
 /// Tests a row, its texts as fieldText() gives them, against the placeholders of all rows, exact in case. @p own is the
 /// index of the row that is edited and may keep its placeholder, -1 when a macro is added. The faults are looked for in
 /// the order of the enum.
 [[nodiscard]] MacroFault checkMacro(const MacroRow &row, const QStringList &present, qsizetype own);
-/// The message key of a fault; empty for none.
+/// The message key of a fault; empty for none, and for one that no box tells.
 [[nodiscard]] QString messageKeyOf(MacroFault fault);
 
 /// The changes of macros.dll. A replaced line must stand there exactly as @p old has it; deleting removes every line
-/// of those placeholders, in one rewrite.
-void addMacro(const ApplicationGlobals &globals, const MacroRow &row);
-void replaceMacro(const ApplicationGlobals &globals, const MacroRow &old, const MacroRow &row);
-void deleteMacros(const ApplicationGlobals &globals, const QStringList &macros);
+/// of those placeholders, in one rewrite. False when the file could not be written.
+bool addMacro(const ApplicationGlobals &globals, const MacroRow &row);
+bool replaceMacro(const ApplicationGlobals &globals, const MacroRow &old, const MacroRow &row);
+bool deleteMacros(const ApplicationGlobals &globals, const QStringList &macros);
 
 } // namespace corvane

@@ -5,6 +5,7 @@
 #include "macros/placeholders.h"
 #include "quillon/files/safefile.h"
 #include "quillon/files/textcoding.h"
+#include "quillon/files/writeoutcome.h"
 
 #include <algorithm>
 
@@ -38,6 +39,7 @@ void SyncMyInformation(const ApplicationGlobals &globals, const QString &name, c
 {
     const auto bytes = quillon::readWholeFile(globals.paths.macrosFile);
     if (!bytes) {
+        quillon::tellNotRewritten(globals.paths.macrosFile);
         return; // what cannot be read is not rewritten
     }
     const QStringList words = name.split(u' ', Qt::SkipEmptyParts);

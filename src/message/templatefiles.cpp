@@ -4,6 +4,7 @@
 #include "message/messagetexts.h"
 #include "quillon/files/safefile.h"
 #include "quillon/files/settingsfile.h"
+#include "quillon/files/writeoutcome.h"
 #include "quillon/mail/encodinglist.h"
 #include "quillon/mail/subjectcodec.h"
 
@@ -239,8 +240,10 @@ void LoadTemplate(const ApplicationGlobals &globals, const QString &name, Messag
 void deleteTemplate(const ApplicationGlobals &globals, const QString &name)
 {
     globals.lines.DeleteLineByKey(globals.paths.templatesFile, name, QString(), 0);
-    QFile::remove(quillon::existingPath(headPath(globals, name)));
-    QFile::remove(quillon::existingPath(contentPath(globals, name)));
+    for (const QString &path : {headPath(globals, name), contentPath(globals, name)}) {
+        QFile::remove(quillon::existingPath(path));
+        quillon::tellDeleted(path);
+    }
 }
 
 void renameTemplate(const ApplicationGlobals &globals, const QString &name, const QString &newName)
@@ -256,6 +259,9 @@ void renameTemplate(const ApplicationGlobals &globals, const QString &name, cons
     // Only now: a name that the list holds has its files at every moment.
     for (const QString &path : std::as_const(moved)) {
         QFile::remove(path);
+    }
+    for (const auto path : {headPath, contentPath}) {
+        quillon::tellDeleted(path(globals, name)); // where nobody will write any more
     }
 }
 

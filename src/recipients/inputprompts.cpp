@@ -2,6 +2,7 @@
 
 #include "core/recipiententry.h"
 #include "quillon/files/linefile.h"
+#include "quillon/files/writeoutcome.h"
 
 #include <QSet>
 
@@ -23,6 +24,7 @@ void InputPrompts::upsSavePrompts(const QString &to, const QString &cc, const QS
     // The file is read once for all pieces; the outcome is as if each piece were looked up and added by itself.
     const quillon::LineFile file(m_globals.paths.promptsFile);
     if (!file.readable()) {
+        quillon::tellNotRewritten(m_globals.paths.promptsFile);
         return; // who is known there cannot be told, and would be added once more
     }
     QSet<QString> known;

@@ -60,8 +60,12 @@ bool PromptModel::contains(const QString &entry) const
                        [&](const QString &row) { return row.trimmed().toLower() == wanted; });
 }
 
-void PromptModel::add(const QString &entry)
+bool PromptModel::add(const QString &entry)
 {
+    if (!m_globals.lines.AppendLine(m_globals.paths.promptsFile, entry)) {
+        reload();
+        return false;
+    }
     if (isPlaceholder()) {
         beginResetModel();
         m_rows.append(entry);
@@ -72,15 +76,18 @@ void PromptModel::add(const QString &entry)
         m_rows.append(entry);
         endInsertRows();
     }
-    m_globals.lines.AppendLine(m_globals.paths.promptsFile, entry);
+    return true;
 }
 
-void PromptModel::replace(int row, const QString &entry)
+bool PromptModel::replace(int row, const QString &entry)
 {
     if (row < 0 || row >= m_rows.size()) {
-        return;
+        return true;
     }
-    m_globals.lines.ReplaceLine(m_globals.paths.promptsFile, m_rows.at(row), entry, QString(), 0);
+    if (!m_globals.lines.ReplaceLine(m_globals.paths.promptsFile, m_rows.at(row), entry, QString(), 0)) {
+        reload();
+        return false;
+    }
     const int last = static_cast<int>(m_rows.size()) - 1;
     if (row != last) {
         beginMoveRows({}, row, row, {}, last + 1);
@@ -89,9 +96,10 @@ void PromptModel::replace(int row, const QString &entry)
     }
     m_rows[last] = entry;
     Q_EMIT dataChanged(index(last), index(last));
+    return true;
 }
 
-void PromptModel::remove(const QList<int> &rows)
+bool PromptModel::remove(const QList<int> &rows)
 {
     const QSet<int> doomed(rows.begin(), rows.end());
     QSet<QString> lines;
@@ -104,14 +112,33 @@ void PromptModel::remove(const QList<int> &rows)
         }
     }
     if (lines.isEmpty()) {
-        return;
+        return true;
     }
     quillon::LineFile file(m_globals.paths.promptsFile);
-    if (file.removeIf([&](const QString &line) { return lines.contains(line); }) > 0) {
-        file.save();
+    const qsizetype removed = file.removeIf([&](const QString &line) { return lines.contains(line); });
+    if ((removed > 0 || !file.readable()) && !file.save()) {
+        reload();
+        return false;
     }
     beginResetModel();
     m_rows = left;
+    endResetModel();
+    return true;
+}
+
+void PromptModel::reload()
+{
+    const quillon::LineFile file(m_globals.paths.promptsFile);
+    if (!file.readable()) {
+        return; // it tells nothing
+    }
+    beginResetModel();
+    m_rows.clear();
+    for (qsizetype i = 0; i < file.count(); ++i) {
+        if (const QString line = file.at(i); !line.trimmed().isEmpty()) {
+            m_rows.append(line);
+        }
+    }
     endResetModel();
 }
 

@@ -35,17 +35,21 @@ public:
 
     /// True if a row equals @p entry but for case and for blanks around it.
     [[nodiscard]] bool contains(const QString &entry) const;
+    // A change that could not be written is none: false, and the list shows what the file holds.
+
     /// Adds an entry at the end.
-    void add(const QString &entry);
+    bool add(const QString &entry);
     /// Puts @p entry in place of the row's line in the file, and at the end of the list.
-    void replace(int row, const QString &entry);
+    bool replace(int row, const QString &entry);
     /// Removes those rows, and every line of the file that equals one of them, in one rewrite.
-    void remove(const QList<int> &rows);
+    bool remove(const QList<int> &rows);
     /// The rows that contain @p text anywhere, without regard to case, in order; neighbours are one range. An empty
     /// text finds nothing.
     [[nodiscard]] QList<Range> find(const QString &text) const;
 
 private:
+    void reload();
+
     const ApplicationGlobals &m_globals;
     QString m_placeholder;
     QStringList m_rows;

@@ -90,12 +90,10 @@ bool isDefaultSignature(const ApplicationGlobals &globals, const QString &line)
     return !standard.isEmpty() && signatureName(line) == standard;
 }
 
-void saveSignature(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit)
+bool saveSignature(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit)
 {
     Q_UNUSED(edit)
-    if (change == RecordChange::Delete) {
-        deleteSignatures(globals, keys);
-    }
+    return change != RecordChange::Delete || deleteSignatures(globals, keys);
 }
 
 /// The default account is in the settings' memory by now. A line that has no sender names nobody.
@@ -108,24 +106,24 @@ void syncMyInformation(const ApplicationGlobals &globals)
 }
 
 /// The file stands again, empty, where it was deleted; as one rewrite there is no moment without it.
-template <QString DataPaths::*File> void emptyFile(const ApplicationGlobals &globals)
+template <QString DataPaths::*File> bool emptyFile(const ApplicationGlobals &globals)
 {
-    globals.lines.WriteTextFile(globals.paths.*File, QString(), u"utf-8"_s);
+    return globals.lines.WriteTextFile(globals.paths.*File, QString(), u"utf-8"_s);
 }
 
-template <QString DataPaths::*File> void appendLine(const ApplicationGlobals &globals, const QString &line)
+template <QString DataPaths::*File> bool appendLine(const ApplicationGlobals &globals, const QString &line)
 {
-    globals.lines.AppendLine(globals.paths.*File, line);
+    return globals.lines.AppendLine(globals.paths.*File, line);
 }
 
-void appendSignature(const ApplicationGlobals &globals, const QString &line)
+bool appendSignature(const ApplicationGlobals &globals, const QString &line)
 {
-    addSignature(globals, signatureName(line));
+    return addSignature(globals, signatureName(line));
 }
 
-void clearSignatures(const ApplicationGlobals &globals)
+bool clearSignatures(const ApplicationGlobals &globals)
 {
-    SaveSignatureRecord(globals, SignatureChange::Clear, {}, {}, {}, {});
+    return SaveSignatureRecord(globals, SignatureChange::Clear, {}, {}, {}, {});
 }
 
 } // namespace

@@ -39,16 +39,18 @@ struct RecordKind {
     bool (*same)(const QString &line, const QString &other);
     /// By what Delete tells a record.
     QString (*key)(const QString &line);
+    // What changes the file or the settings is true unless they could not be written.
+
     /// Adds a record's line to the file.
-    void (*append)(const ApplicationGlobals &globals, const QString &line);
+    bool (*append)(const ApplicationGlobals &globals, const QString &line);
     /// Changes the file: see SaveSmtpRecord(). A kind that is edited in other ways knows RecordChange::Delete only.
-    void (*save)(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit);
+    bool (*save)(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit);
     /// Empties the file.
-    void (*clear)(const ApplicationGlobals &globals);
+    bool (*clear)(const ApplicationGlobals &globals);
 
     bool (*isDefault)(const ApplicationGlobals &globals, const QString &line);
     /// Makes a record the default, in memory and in the settings; an empty line stands for none.
-    void (*storeDefault)(ApplicationGlobals &globals, const QString &line);
+    bool (*storeDefault)(ApplicationGlobals &globals, const QString &line);
     /// What else follows when a record becomes the default; nullptr: nothing.
     void (*becameDefault)(const ApplicationGlobals &globals);
 };

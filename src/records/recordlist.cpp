@@ -1,6 +1,7 @@
 #include "records/recordlist.h"
 
 #include "core/texts.h"
+#include "quillon/files/linefile.h"
 
 namespace corvane {
 
@@ -18,7 +19,10 @@ void RecordList::load()
 
 int RecordList::add(const QString &line)
 {
-    m_kind.append(m_globals, line);
+    if (!m_kind.append(m_globals, line)) {
+        reload();
+        return -1;
+    }
     const int row = m_model.add(line);
     if (m_model.rowCount() == 1) {
         storeAsDefault(row);
@@ -27,12 +31,16 @@ int RecordList::add(const QString &line)
     return row;
 }
 
-void RecordList::change(const QString &line)
+bool RecordList::change(const QString &line)
 {
     const int row = present();
     const RecordEdit edit = {presentLine(), line};
-    m_kind.save(m_globals, m_model.isMarked(row) ? RecordChange::EditDefault : RecordChange::Edit, {}, edit);
+    if (!m_kind.save(m_globals, m_model.isMarked(row) ? RecordChange::EditDefault : RecordChange::Edit, {}, edit)) {
+        reload(line);
+        return false;
+    }
     m_model.replace(row, line);
+    return true;
 }
 
 void RecordList::deleteSelected()
@@ -48,7 +56,10 @@ void RecordList::deleteSelected()
         keys.append(m_kind.key(m_model.line(index.row())));
     }
     if (!rows.isEmpty()) {
-        m_kind.save(m_globals, RecordChange::Delete, keys, {});
+        if (!m_kind.save(m_globals, RecordChange::Delete, keys, {})) {
+            reload();
+            return;
+        }
         m_model.remove(rows);
     }
     if (isEmpty()) {
@@ -71,8 +82,11 @@ void RecordList::clear()
     if (!asked(m_kind.messages.askClear)) {
         return;
     }
+    if (!m_kind.clear(m_globals)) {
+        reload();
+        return;
+    }
     m_model.setLines({});
-    m_kind.clear(m_globals);
     m_kind.storeDefault(m_globals, QString());
     Q_EMIT emptied();
 }
@@ -144,11 +158,36 @@ int RecordList::rowOfDefault() const
 
 void RecordList::storeAsDefault(int row)
 {
+    if (!m_kind.storeDefault(m_globals, m_model.line(row))) {
+        m_model.mark(rowOfDefault());
+        return;
+    }
     m_model.mark(row);
-    m_kind.storeDefault(m_globals, m_model.line(row));
     if (m_kind.becameDefault) {
         m_kind.becameDefault(m_globals);
     }
+}
+
+void RecordList::reload(const QString &entered)
+{
+    const quillon::LineFile file(m_globals.paths.*m_kind.file);
+    if (!file.readable()) {
+        return; // it tells nothing
+    }
+    QStringList lines;
+    for (qsizetype i = 0; i < file.count(); ++i) {
+        lines.append(file.at(i));
+    }
+    const int before = present();
+    const QString record = presentLine();
+    m_model.setLines(lines);
+    m_model.mark(rowOfDefault());
+    const QStringList rows = m_model.lines();
+    qsizetype row = entered.isEmpty() ? -1 : rows.indexOf(m_kind.rowOf(entered));
+    if (row < 0) {
+        row = rows.value(before) == record ? before : rows.indexOf(record);
+    }
+    select(static_cast<int>(row));
 }
 
 } // namespace corvane

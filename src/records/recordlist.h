@@ -25,14 +25,17 @@ public:
     /// Fills the list from its file, a row for each line, and marks the default's first row.
     void load();
 
+    // A command whose change could not be written leaves the list as the file is then.
+
     /// Keeps a new record: in the file, as a row, and as the default when it is the only one.
-    /// Gives the row's index.
+    /// Gives the row's index; -1 when it could not be written.
     int add(const QString &line);
     /// The record to edit or to copy, whose row is then the only one selected; nothing, with a message, without one.
     [[nodiscard]] std::optional<QString> toEdit() { return presentRecord(m_kind.messages.needForEdit); }
     [[nodiscard]] std::optional<QString> toCopy() { return presentRecord(m_kind.messages.needForCopy); }
-    /// Puts another record in the present row's place; a default stays the default.
-    void change(const QString &line);
+    /// Puts another record in the present row's place; a default stays the default. False
+    /// when it could not be written.
+    bool change(const QString &line);
     void deleteSelected();
     void clear();
     void makeDefault();
@@ -61,6 +64,8 @@ private:
     [[nodiscard]] bool hasDefault() const;
     [[nodiscard]] int rowOfDefault() const;
     void storeAsDefault(int row);
+    /// Shows what the file holds. The present row stays: that of @p entered, or of the record that it was.
+    void reload(const QString &entered = {});
 
     const RecordKind &m_kind;
     ApplicationGlobals &m_globals;

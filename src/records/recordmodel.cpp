@@ -195,7 +195,9 @@ QString RecordModel::cell(const Row &row, int column) const
 
 bool RecordModel::before(const Row &left, const Row &right) const
 {
-    const int order = cell(left, m_sortColumn).compare(cell(right, m_sortColumn), Qt::CaseInsensitive);
+    const QString one = cell(left, m_sortColumn);
+    const QString other = cell(right, m_sortColumn);
+    const int order = holdsNumbers(m_sortColumn) ? m_order.compareNumbers(one, other) : m_order.compare(one, other);
     return m_sortOrder == Qt::AscendingOrder ? order < 0 : order > 0;
 }
 

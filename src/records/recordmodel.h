@@ -1,5 +1,6 @@
 #pragma once
 
+#include "quillon/text/textorder.h"
 #include "records/recordkind.h"
 
 #include <QAbstractTableModel>
@@ -52,7 +53,8 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     [[nodiscard]] Qt::ItemFlags flags(const QModelIndex &index) const override;
-    /// Sorts by the text of a column without regard to case; rows of equal text keep their order.
+    /// Sorts by the text of a column as the locale does, without regard to case, and ports by their value; rows that
+    /// are equal by that keep their order.
     void sort(int column, Qt::SortOrder order) override;
 
 private:
@@ -66,6 +68,7 @@ private:
     [[nodiscard]] bool exists(int row) const { return row >= 0 && row < static_cast<int>(m_rows.size()); }
 
     const RecordKind &m_kind;
+    quillon::TextOrder m_order;
     QStringList m_headers;
     QVariant m_defaultFont;
     bool m_editable = false;

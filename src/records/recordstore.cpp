@@ -9,69 +9,90 @@ namespace corvane {
 
 namespace {
 
+/// Stores a default in memory and in the settings; where these cannot be written, memory goes on to say what they do.
+bool storeDefault(ApplicationGlobals &globals, const QList<SettingChange> &changes)
+{
+    QList<SettingChange> before;
+    for (const SettingChange &change : changes) {
+        before.append({change.key, globals.settings.text(change.key)});
+    }
+    if (storeSettings(globals, changes)) {
+        return true;
+    }
+    for (const SettingChange &old : before) {
+        globals.settings.set(old.key, old.value);
+    }
+    return false;
+}
+
 /// How one kind's file is changed.
 struct Store {
     const QString &path;
     QString delimiter; ///< empty: a key is the whole line
     int keyField;
-    void (*storeDefault)(ApplicationGlobals &globals, const QString &line);
+    bool (*storeDefault)(ApplicationGlobals &globals, const QString &line);
 };
 
-void saveRecord(ApplicationGlobals &globals, const Store &store, RecordChange change, const QStringList &keys,
+bool saveRecord(ApplicationGlobals &globals, const Store &store, RecordChange change, const QStringList &keys,
                 const RecordEdit &edit)
 {
     if (change == RecordChange::Delete) {
-        globals.lines.DeleteLinesByKeys(store.path, keys, store.delimiter, store.keyField);
-        return;
+        return globals.lines.DeleteLinesByKeys(store.path, keys, store.delimiter, store.keyField);
     }
-    globals.lines.ReplaceLine(store.path, edit.oldLine, edit.newLine, QString(), 0);
-    if (change == RecordChange::EditDefault) {
-        store.storeDefault(globals, edit.newLine);
+    if (!globals.lines.ReplaceLine(store.path, edit.oldLine, edit.newLine, QString(), 0)) {
+        return false;
     }
+    if (change == RecordChange::EditDefault && !store.storeDefault(globals, edit.newLine)) {
+        // The settings still hold the old line, so that the new one would be the default no more.
+        globals.lines.ReplaceLine(store.path, edit.newLine, edit.oldLine, QString(), 0);
+        return false;
+    }
+    return true;
 }
 
 /// Where there is no section yet, it is spelled otherwise than where accounts are chosen.
-void storeEditedAccount(ApplicationGlobals &globals, const QString &line)
+bool storeEditedAccount(ApplicationGlobals &globals, const QString &line)
 {
-    storeSettings(globals, {{Setting::DefaultAccount, line, sectionOfEditedAccount}});
+    return storeDefault(globals, {{Setting::DefaultAccount, line, sectionOfEditedAccount}});
 }
 
 } // namespace
 
-void SaveSmtpRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit)
+bool SaveSmtpRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit)
 {
-    saveRecord(globals, {globals.paths.smtpFile, {}, 0, &storeEditedAccount}, change, keys, edit);
+    return saveRecord(globals, {globals.paths.smtpFile, {}, 0, &storeEditedAccount}, change, keys, edit);
 }
 
-void SaveProxyRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit)
+bool SaveProxyRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit)
 {
-    saveRecord(globals, {globals.paths.proxyFile, {}, 0, &storeDefaultProxy}, change, keys, edit);
+    return saveRecord(globals, {globals.paths.proxyFile, {}, 0, &storeDefaultProxy}, change, keys, edit);
 }
 
-void SaveSenderRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit)
+bool SaveSenderRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys, const RecordEdit &edit)
 {
-    saveRecord(globals, {globals.paths.sendersFile, u"\t"_s, SenderAddress, &storeDefaultSender}, change, keys, edit);
+    return saveRecord(globals, {globals.paths.sendersFile, u"\t"_s, SenderAddress, &storeDefaultSender}, change, keys,
+                      edit);
 }
 
-void storeDefaultAccount(ApplicationGlobals &globals, const QString &line)
+bool storeDefaultAccount(ApplicationGlobals &globals, const QString &line)
 {
-    storeSetting(globals, Setting::DefaultAccount, line);
+    return storeDefault(globals, {{Setting::DefaultAccount, line}});
 }
 
-void storeDefaultProxy(ApplicationGlobals &globals, const QString &line)
+bool storeDefaultProxy(ApplicationGlobals &globals, const QString &line)
 {
-    storeSetting(globals, Setting::DefaultProxy, line);
+    return storeDefault(globals, {{Setting::DefaultProxy, line}});
 }
 
-void storeDefaultSender(ApplicationGlobals &globals, const QString &line)
+bool storeDefaultSender(ApplicationGlobals &globals, const QString &line)
 {
-    storeSettings(globals, {{Setting::DefaultSenderName, recordField(line, SenderName)},
-                            {Setting::DefaultSenderAddress, recordField(line, SenderAddress)}});
+    return storeDefault(globals, {{Setting::DefaultSenderName, recordField(line, SenderName)},
+                                  {Setting::DefaultSenderAddress, recordField(line, SenderAddress)}});
 }
 
-void storeDefaultSignature(ApplicationGlobals &globals, const QString &line)
+bool storeDefaultSignature(ApplicationGlobals &globals, const QString &line)
 {
-    storeSetting(globals, Setting::DefaultSignature, recordField(line, SignatureName));
+    return storeDefault(globals, {{Setting::DefaultSignature, recordField(line, SignatureName)}});
 }
 
 } // namespace corvane

@@ -21,21 +21,23 @@ enum class RecordChange {
 };
 
 /// Changes the accounts' file; an account's key is its whole line. A line that is not there changes nothing.
-void SaveSmtpRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys,
+/// False when a file or the settings could not be written: the record and the default are then what they were.
+bool SaveSmtpRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys,
                     const RecordEdit &edit = {});
 
 /// The same for the proxy servers.
-void SaveProxyRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys,
+bool SaveProxyRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys,
                      const RecordEdit &edit = {});
 
 /// The same for the custom senders, whose keys are email addresses: two senders with one address go together.
-void SaveSenderRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys,
+bool SaveSenderRecord(ApplicationGlobals &globals, RecordChange change, const QStringList &keys,
                       const RecordEdit &edit = {});
 
-/// Make a record the default of its kind, in memory and in the settings; an empty line stands for none.
-void storeDefaultAccount(ApplicationGlobals &globals, const QString &line);
-void storeDefaultProxy(ApplicationGlobals &globals, const QString &line);
-void storeDefaultSender(ApplicationGlobals &globals, const QString &line);
-void storeDefaultSignature(ApplicationGlobals &globals, const QString &line);
+/// Make a record the default of its kind, in memory and in the settings; an empty line stands for none. False when the
+/// settings could not be written.
+bool storeDefaultAccount(ApplicationGlobals &globals, const QString &line);
+bool storeDefaultProxy(ApplicationGlobals &globals, const QString &line);
+bool storeDefaultSender(ApplicationGlobals &globals, const QString &line);
+bool storeDefaultSignature(ApplicationGlobals &globals, const QString &line);
 
 } // namespace corvane

@@ -36,6 +36,16 @@ inline constexpr quillon::OwnText signatureColumns{optionsSection, u"lsv(1).colu
 inline constexpr quillon::OwnText proxyColumns{optionsSection, u"lsv(2).columns", u"Address|Port|User"};
 inline constexpr quillon::OwnText accountColumns{optionsSection, u"lsv(3).columns", u"Server|Port|Email Address"};
 
+// What stands in a list that is empty, and what to press.
+inline constexpr quillon::OwnText noSenders{optionsSection, u"lsv(0).empty",
+                                            u"No custom senders yet. Press Add to enter one."};
+inline constexpr quillon::OwnText noSignatures{optionsSection, u"lsv(1).empty",
+                                               u"No signatures yet. Press Add to begin one."};
+inline constexpr quillon::OwnText noProxies{optionsSection, u"lsv(2).empty",
+                                            u"No proxy servers yet. Press Add to enter one."};
+inline constexpr quillon::OwnText noAccounts{optionsSection, u"lsv(3).empty",
+                                             u"No SMTP accounts yet. Press Add to enter one."};
+
 // What the tests of a connection say before they connect.
 inline constexpr char16_t testSection[] = u"Connection Test";
 inline constexpr quillon::OwnText accountFields{testSection, u"ACCOUNT_FIELDS",

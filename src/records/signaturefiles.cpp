@@ -2,7 +2,9 @@
 
 #include "quillon/fault.h"
 #include "quillon/files/safefile.h"
+#include "quillon/files/writeoutcome.h"
 
+#include <QCryptographicHash>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
@@ -83,6 +85,16 @@ QString SignatureFiles::target(const QString &name) const
     return file.isEmpty() ? QString() : m_folder + u'/' + file;
 }
 
+QString SignatureFiles::place(const QString &name) const
+{
+    const QString exact = target(name);
+    if (!exact.isEmpty()) {
+        return exact;
+    }
+    const QByteArray hash = QCryptographicHash::hash(name.toUtf8(), QCryptographicHash::Sha1).toHex();
+    return m_folder + u"/kept_"_s + QString::fromLatin1(hash) + ending;
+}
+
 const QStringList &SignatureFiles::listing() const
 {
     if (!m_listing) {
@@ -100,9 +112,12 @@ const QStringList &SignatureFiles::listing() const
 
 QString SignatureFiles::present(const QString &name) const
 {
-    const QString exact = target(name);
-    if (exact.isEmpty() || entryAt(exact)) {
+    const QString exact = place(name);
+    if (entryAt(exact)) {
         return exact;
+    }
+    if (fileName(name).isEmpty()) {
+        return {};
     }
     (void)listing();
     const QStringList others = m_byCase.values(fileName(name).toCaseFolded());
@@ -128,7 +143,9 @@ bool SignatureFiles::write(const QString &name, const QByteArray &octets) const
         const int made =
             ::open(QFile::encodeName(exact).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, fileMode);
         if (made < 0) {
+            const int error = errno;
             fault(u"cannot make"_s, exact);
+            quillon::tellNotWritten(exact, error);
             return false;
         }
         ::close(made);
@@ -139,7 +156,26 @@ bool SignatureFiles::write(const QString &name, const QByteArray &octets) const
 void SignatureFiles::remove(const QString &name) const
 {
     if (const QString found = present(name); !found.isEmpty()) {
+        if (target(name).isEmpty()) {
+            dropOtherNames(found);
+        }
         removeFile(found);
+    }
+    quillon::tellDeleted(target(name));
+}
+
+void SignatureFiles::dropOtherNames(const QString &path) const
+{
+    const auto text = entryAt(path);
+    if (!text || text->st_nlink < 2) {
+        return;
+    }
+    for (const QString &file : listing()) {
+        const QString other = m_folder + u'/' + file;
+        const auto entry = entryAt(other);
+        if (other != path && !m_own.contains(file) && entry && isSame(*entry, *text)) {
+            removeFile(other);
+        }
     }
 }
 
@@ -147,8 +183,11 @@ bool SignatureFiles::setAside(const QString &name) const
 {
     const QString left = present(name);
     const auto entry = entryAt(left);
-    if (!entry || m_own.contains(QFileInfo(left).fileName())) {
-        return !entry;
+    if (!entry) {
+        return true;
+    }
+    if (m_own.contains(QFileInfo(left).fileName()) || isOfAnother(name, name)) {
+        return false;
     }
     if (entry->st_size == 0) {
         return ::unlink(QFile::encodeName(left).constData()) == 0;
@@ -184,14 +223,17 @@ void SignatureFiles::removeAllThatBeginWith(const QString &name) const
         if (file.size() >= start.size() + ending.size() && file.startsWith(start) &&
             file.endsWith(ending, Qt::CaseInsensitive)) {
             removeFile(m_folder + u'/' + file);
+            quillon::tellDeleted(m_folder + u'/' + file);
         }
     }
 }
 
 SignatureFiles::Move::Move(const SignatureFiles &files, const QString &name, const QString &newName)
-    : m_from(files.present(name)), m_to(files.target(newName))
+    : m_files(files), m_from(files.present(name)), m_to(files.place(newName)),
+      m_waits(!files.target(name).isEmpty() && files.target(newName).isEmpty()),
+      m_waited(files.target(name).isEmpty() && !files.target(newName).isEmpty())
 {
-    if (m_from.isEmpty() || m_to.isEmpty()) {
+    if (m_from.isEmpty()) {
         return;
     }
     const auto from = entryAt(m_from);
@@ -214,10 +256,13 @@ bool SignatureFiles::Move::makeRoom(const SignatureFiles &files, const QString &
 
 void SignatureFiles::Move::finish() const
 {
-    if (m_how == How::Linked) {
+    if (m_how == How::Linked && !m_waits) {
         removeFile(m_from);
     } else if (m_how == How::Later && !move(m_from, m_to)) {
         fault(u"cannot move"_s, m_from);
+    }
+    if (m_waited && m_how != How::Nothing) {
+        m_files.dropOtherNames(m_to);
     }
 }
 

@@ -21,6 +21,10 @@ public:
 
     /// Where the text of that signature belongs; empty for a name that a file name cannot hold.
     [[nodiscard]] QString target(const QString &name) const;
+    /// Where the text of that signature stands: its target(), or, for a name that a file name cannot hold, a file of
+    /// another kind of name. Under it the text that the signature had under its former name, where it stays, is found
+    /// and waits for the next name, whatever becomes of the former one.
+    [[nodiscard]] QString place(const QString &name) const;
     /// What is there for that signature, of whatever kind; empty when there is nothing.
     [[nodiscard]] QString present(const QString &name) const;
 
@@ -49,19 +53,24 @@ public:
 
     private:
         enum class How {
-            Nothing, ///< there is no text, or no place for it
+            Nothing, ///< there is no text, or its place is another signature's
             Linked,  ///< it stands under both names
             Later    ///< the file system knows no second names
         };
         [[nodiscard]] bool makeRoom(const SignatureFiles &files, const QString &name, const QString &newName);
 
+        const SignatureFiles &m_files;
         QString m_from;
         QString m_to;
+        bool m_waits = false;  ///< from now on it waits for a name that can have a file
+        bool m_waited = false; ///< it has done so
         How m_how = How::Nothing;
     };
 
 private:
     [[nodiscard]] const QStringList &listing() const;
+    /// Deletes the other names in the folder that a text has and that belong to no signature.
+    void dropOtherNames(const QString &path) const;
 
     QString m_folder;
     QStringList m_names;

@@ -4,6 +4,7 @@
 #include "quillon/files/linefile.h"
 #include "quillon/files/safefile.h"
 #include "quillon/files/textcoding.h"
+#include "quillon/files/writeoutcome.h"
 #include "records/recordfields.h"
 #include "records/recordtexts.h"
 #include "records/signaturefiles.h"
@@ -54,6 +55,15 @@ struct Signatures {
         return index < 0 ? std::nullopt : std::optional(recordField(lines.at(index), SignaturePath));
     }
 
+    /// Whether signs.dll may be rewritten; tells it when it may not.
+    [[nodiscard]] bool writable(const QString &path) const
+    {
+        if (!lines.readable()) {
+            quillon::tellNotRewritten(path);
+        }
+        return lines.readable();
+    }
+
     qsizetype removeLines(const QSet<QString> &doomed)
     {
         return lines.removeIf(
@@ -88,18 +98,19 @@ bool add(const ApplicationGlobals &globals, const QString &typed, const QString 
 {
     const QString name = signatureNameOf(typed);
     const Signatures present(globals);
-    if (name.isEmpty() || !present.lines.readable()) {
+    if (!present.writable(globals.paths.signsFile) || name.isEmpty()) {
         quillon::reportFault(u"cannot add the signature '"_s + typed + u'\'');
         return false;
     }
-    if (!present.names.contains(name) && !present.files.setAside(name)) {
+    const bool shared = present.files.isOfAnother(name, name); // where names of two cases are one file
+    if (!shared && !present.names.contains(name) && !present.files.setAside(name)) {
         return false; // the text of an earlier signature is still in its place
     }
-    if (text) {
+    if (text && !shared) {
         present.files.write(name, *text); // where there can be none, the signature stands without it
     }
-    globals.lines.AppendLine(globals.paths.signsFile, recordLine({name, path}));
-    return globals.lines.LineExists(globals.paths.signsFile, recordLine({name, path}));
+    return globals.lines.AppendLine(globals.paths.signsFile, recordLine({name, path})) &&
+           globals.lines.LineExists(globals.paths.signsFile, recordLine({name, path}));
 }
 
 /// Stores a text unless it is what stands there. False when it could not be stored, though there is a place for it.
@@ -108,8 +119,13 @@ bool storeText(const SignatureFiles &files, const QString &name, const QString &
     const QByteArray octets = octetsOf(text);
     if (const QString found = files.present(name); !found.isEmpty()) {
         const auto present = textOctets(found, signatureTextLimit);
-        if (!present || (found == files.target(name) && *present == octets)) {
-            return present.has_value();
+        if (!present) {
+            quillon::tellNotRewritten(found);
+            return false;
+        }
+        if (found == files.target(name) && *present == octets) {
+            quillon::tellWritten(found);
+            return true;
         }
     }
     return files.write(name, octets) || files.target(name).isEmpty();
@@ -121,7 +137,8 @@ bool modify(const ApplicationGlobals &globals, const QString &given, const QStri
     const QString name = present.key(given);
     const QString path = fieldText(givenPath);
     const bool known = present.names.contains(name);
-    if (!present.lines.readable() || (name.isEmpty() && !known) || (path.isEmpty() && !givenPath.isEmpty())) {
+    if (!present.writable(globals.paths.signsFile) || (name.isEmpty() && !known) ||
+        (path.isEmpty() && !givenPath.isEmpty())) {
         quillon::reportFault(u"cannot change the signature '"_s + given + u'\'');
         return false;
     }
@@ -145,7 +162,7 @@ bool rename(const ApplicationGlobals &globals, const QString &given, const QStri
     const QString name = present.key(given);
     const QString newName = signatureNameOf(typed);
     const qsizetype index = present.names.indexOf(name);
-    if (index < 0 || newName == name) {
+    if (!present.writable(globals.paths.signsFile) || index < 0 || newName == name) {
         return index >= 0;
     }
     if (newName.isEmpty() || present.names.contains(newName)) {
@@ -163,20 +180,23 @@ bool rename(const ApplicationGlobals &globals, const QString &given, const QStri
         return false;
     }
     text.finish();
+    quillon::tellDeleted(present.files.target(name)); // where nobody will write any more
     if (!stored && !path.trimmed().isEmpty() && !present.files.isOfAnother(newName, name)) {
         present.files.remove(newName); // a text that was left there would be taken for the signature's
     }
     return true;
 }
 
-void clear(const ApplicationGlobals &globals)
+bool clear(const ApplicationGlobals &globals)
 {
     const QString &folder = globals.paths.signs;
     const QFileInfo info(folder);
     if (info.isDir() && !info.isSymLink()) {
         // First of all nothing is listed any more, so that no name is left without its text.
         quillon::writeWholeFile(globals.paths.signsFile, {});
-        if (!QDir(folder).removeRecursively()) {
+        if (QDir(folder).removeRecursively()) {
+            quillon::tellDeleted(folder);
+        } else {
             quillon::reportFault(u"cannot delete all of '"_s + folder + u'\'');
         }
     } else {
@@ -185,7 +205,7 @@ void clear(const ApplicationGlobals &globals)
     if (::mkdir(QFile::encodeName(folder).constData(), folderMode) != 0 && !QFileInfo(folder).isDir()) {
         quillon::reportFault(u"cannot make the folder '"_s + folder + u'\'');
     }
-    quillon::writeWholeFile(globals.paths.signsFile, {});
+    return quillon::writeWholeFile(globals.paths.signsFile, {});
 }
 
 } // namespace
@@ -231,21 +251,19 @@ bool SaveSignatureRecord(const ApplicationGlobals &globals, SignatureChange chan
     case SignatureChange::Rename:
         return rename(globals, name, newName);
     case SignatureChange::Delete:
-        deleteSignatures(globals, {name});
-        break;
+        return deleteSignatures(globals, {name});
     case SignatureChange::Clear:
-        clear(globals);
-        break;
+        return clear(globals);
     }
     return true;
 }
 
-void addSignature(const ApplicationGlobals &globals, const QString &name)
+bool addSignature(const ApplicationGlobals &globals, const QString &name)
 {
-    add(globals, name, {}, QByteArray());
+    return add(globals, name, {}, QByteArray());
 }
 
-void deleteSignatures(const ApplicationGlobals &globals, const QStringList &names)
+bool deleteSignatures(const ApplicationGlobals &globals, const QStringList &names)
 {
     Signatures present(globals);
     QSet<QString> doomed;
@@ -253,14 +271,21 @@ void deleteSignatures(const ApplicationGlobals &globals, const QStringList &name
     for (const QString &name : names) {
         doomed.insert(known.contains(name) ? name : signatureNameOf(name));
     }
-    if (present.removeLines(doomed) == 0 || !present.lines.save()) {
-        return;
+    if (!present.writable(globals.paths.signsFile)) {
+        return false;
+    }
+    if (present.removeLines(doomed) == 0) {
+        return true;
+    }
+    if (!present.lines.save()) {
+        return false;
     }
     for (const QString &name : std::as_const(doomed)) {
         if (known.contains(name)) {
             present.files.remove(name);
         }
     }
+    return true;
 }
 
 SignatureContent signatureContent(const ApplicationGlobals &globals, const QString &name)

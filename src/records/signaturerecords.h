@@ -45,11 +45,13 @@ enum class SignatureChange {
 bool SaveSignatureRecord(const ApplicationGlobals &globals, SignatureChange change, const QString &name,
                          const QString &newName, const QString &text, const QString &path);
 
-/// Adds a signature with an empty text file, which replaces one that a deleted signature may have left.
-void addSignature(const ApplicationGlobals &globals, const QString &name);
+/// Adds a signature with an empty text file, which replaces one that a deleted signature may have left. True when its
+/// line is in signs.dll.
+bool addSignature(const ApplicationGlobals &globals, const QString &name);
 
-/// Deletes several signatures with their stored texts, with one rewrite of signs.dll.
-void deleteSignatures(const ApplicationGlobals &globals, const QStringList &names);
+/// Deletes several signatures with their stored texts, with one rewrite of signs.dll. False when it could not be
+/// written; nothing is deleted then.
+bool deleteSignatures(const ApplicationGlobals &globals, const QStringList &names);
 
 /// A signature as the editor shows it.
 struct SignatureContent {

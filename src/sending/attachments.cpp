@@ -2,6 +2,7 @@
 
 #include "quillon/archive/zipbuilder.h"
 #include "quillon/fault.h"
+#include "quillon/files/safefile.h"
 #include "quillon/text/lineends.h"
 #include "sending/sendingtexts.h"
 
@@ -96,7 +97,8 @@ QString toldLeftOut(const QList<quillon::ZipBuilder::LeftOut> &leftOut)
 quillon::Task<QString> attachFolder(const ApplicationGlobals &globals, QString folder, quillon::MailMessage &message)
 {
     if (QDir(folder).isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System)) {
-        globals.lines.AppendLine(folder + u'/' + emptyFolderMark, QString());
+        // For the archive only; where it cannot be, as on a read-only volume, nothing of the user's is lost.
+        quillon::appendToFile(folder + u'/' + emptyFolderMark, "\r\n", quillon::WriteUse::Passing);
     }
     quillon::ZipBuilder zip;
     zip.ArchivePath = archivePath(globals.paths.zips, lastPart(folder));

@@ -1,6 +1,7 @@
 #include "programfixture.h"
 #include "sending/forms/frmpubprogress.h"
 #include "support/scriptedserver.h"
+#include "support/fulldisk.h"
 
 #include <QLabel>
 #include <QListView>
@@ -28,6 +29,7 @@ private Q_SLOTS:
     void aMacroGoesIntoTheSignatureThatIsBeingEdited();
     void aClickOnTheStatusBarShowsTheProgressOfARun();
     void sendingWithoutAnAccountLeadsToTheAccounts();
+    void aFileThatCannotBeWrittenIsToldInTheStatusBar();
     void cancelInTheProgressUnloadsItAndTheNextTouchMakesItAnew();
 };
 
@@ -290,6 +292,23 @@ void TestProgramForms::cancelInTheProgressUnloadsItAndTheNextTouchMakesItAnew()
     p.button(progressForm, u"sbtCancel"_s)->click();
     QVERIFY(!p.isLoaded(progressForm));
     QCOMPARE(p.forms().as<frmPubProgress>(progressForm)->counter(), u"Sending emails..."_s);
+}
+
+void TestProgramForms::aFileThatCannotBeWrittenIsToldInTheStatusBar()
+{
+    ProgramFixture p;
+    p.run();
+    const auto *label = p.get<QLabel>(p.main(), u"lblUnsaved"_s);
+    QVERIFY(!label->isVisible());
+    {
+        const SizeLimit limit(4);
+        p.tree.globals.lines.AppendLine(p.tree.globals.paths.sendersFile, u"Ann\tann@x.example\t"_s);
+    }
+    QVERIFY(label->isVisible());
+    QCOMPARE(label->text(), u"Not saved: senders.dll (no space left on the device)"_s);
+    QVERIFY(label->toolTip().contains(p.tree.globals.paths.sendersFile));
+    p.tree.globals.lines.AppendLine(p.tree.globals.paths.sendersFile, u"Ann\tann@x.example\t"_s);
+    QVERIFY(!label->isVisible());
 }
 
 QTEST_MAIN(TestProgramForms)

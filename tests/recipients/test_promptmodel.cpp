@@ -1,4 +1,5 @@
 #include "recipients/promptmodel.h"
+#include "support/fulldisk.h"
 #include "support/treefixture.h"
 
 #include <QAbstractItemModelTester>
@@ -35,6 +36,7 @@ private Q_SLOTS:
     void neighboursAreOneRange();
     void anEmptyTextFindsNothing();
     void aFileThatCannotBeReadIsNotRewritten();
+    void aChangeThatCannotBeWrittenIsNone();
     void lettersAreFoundInBothCasesAndTheirNeighboursAsTheyAre();
     void rowsBeyondTheEndsAreNoRows();
     void onlyTheTextOfARowIsData();
@@ -213,6 +215,37 @@ void TestPromptModel::onlyTheTextOfARowIsData()
     QVERIFY(!m_model->data(m_model->index(0), Qt::EditRole).isValid());
     QVERIFY(!m_model->data(QModelIndex(), Qt::DisplayRole).isValid());
     QCOMPARE(m_model->data(m_model->index(0), Qt::DisplayRole).toString(), u"a@x.org"_s);
+}
+
+void TestPromptModel::aChangeThatCannotBeWrittenIsNone()
+{
+    PromptModel &list = model({u"a@x.example"_s, u"b@x.example"_s, u"c@x.example"_s});
+    const QByteArray before = contentOf(file());
+    const QStringList shown = rows();
+    {
+        const SizeLimit limit(4);
+        QVERIFY(!list.add(u"d@x.example"_s));
+        QVERIFY(!list.replace(0, u"d@x.example"_s));
+        QVERIFY(!list.remove({0, 1}));
+    }
+    QCOMPARE(rows(), shown);
+    QCOMPARE(contentOf(file()), before);
+    // What another program put there meanwhile is shown, blank lines are not.
+    writeFile(file(), before + "\r\ne@x.example\r\n");
+    {
+        const SizeLimit limit(4);
+        QVERIFY(!list.add(u"d@x.example"_s));
+    }
+    QCOMPARE(rows(), shown + QStringList{u"e@x.example"_s});
+    QVERIFY(list.add(u"d@x.example"_s));
+    QVERIFY(list.replace(0, u"f@x.example"_s));
+    QVERIFY(list.remove({0}));
+    // A file that cannot be read tells nothing.
+    const QStringList last = rows();
+    QVERIFY(QFile::remove(file()));
+    QVERIFY(QDir().mkpath(file()));
+    QVERIFY(!list.remove({0}));
+    QCOMPARE(rows(), last);
 }
 
 QTEST_GUILESS_MAIN(TestPromptModel)

@@ -23,6 +23,8 @@ private Q_SLOTS:
     void onlyTheFirstColumnCanBeEdited();
     void headingsStandAboveTheColumns();
     void cellsHaveNothingBelowThem();
+    void portsAreSortedByTheirValue();
+    void namesAreSortedAsPeopleSort();
 };
 
 namespace {
@@ -220,6 +222,34 @@ void TestRecordModel::cellsHaveNothingBelowThem()
     QCOMPARE(f.model().columnCount(f.model().index(0, 0)), 0);
     QCOMPARE(f.model().line(-1) + f.model().line(2), QString());
     QVERIFY(!f.model().isMarked(-1) && !f.model().isMarked(2));
+}
+
+void TestRecordModel::portsAreSortedByTheirValue()
+{
+    for (const KindFacts &facts : {accountFacts(), proxyFacts()}) {
+        RecordFixture f(facts);
+        QStringList lines;
+        for (const QString &port : {u"1080"_s, u"25"_s, u""_s, u"587"_s, u"9"_s}) {
+            QStringList fields = facts.records.first().split(u'\t');
+            fields[facts.kind().columns[1]] = port;
+            lines.append(fields.join(u'\t'));
+        }
+        f.load(lines);
+        f.model().sort(1, Qt::AscendingOrder);
+        QCOMPARE(f.column(1), (QStringList{u"9"_s, u"25"_s, u"587"_s, u"1080"_s, u""_s}));
+        f.model().sort(1, Qt::DescendingOrder);
+        QCOMPARE(f.column(1), (QStringList{u""_s, u"1080"_s, u"587"_s, u"25"_s, u"9"_s}));
+    }
+}
+
+void TestRecordModel::namesAreSortedAsPeopleSort()
+{
+    RecordFixture f(senderFacts());
+    f.load(
+        {u"Zoe\t\t"_s, u"\u00c4nne\t\t"_s, u"anton\t\t"_s, u"Ota\t\t"_s, u"\u00d6zlem\t\t"_s, u"10\t\t"_s, u"9\t\t"_s});
+    f.model().sort(0, Qt::AscendingOrder);
+    QCOMPARE(f.column(0),
+             (QStringList{u"10"_s, u"9"_s, u"\u00c4nne"_s, u"anton"_s, u"Ota"_s, u"\u00d6zlem"_s, u"Zoe"_s}));
 }
 
 QTEST_GUILESS_MAIN(TestRecordModel)

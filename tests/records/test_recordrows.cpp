@@ -235,20 +235,26 @@ void TestRecordRows::blankRowsOfAnAccountsFileAreDeletedByTheEmptyLine()
 void TestRecordRows::fileThatCannotBeReadGivesAnEmptyListAndStays()
 {
     RecordFixture f(kindOfRow());
+    f.loadAll(1);
+    f.select({1});
     QVERIFY(QFile::remove(f.path()));
     QVERIFY(QDir().mkpath(f.path() + u"/kept"_s));
-    f.list = std::make_unique<RecordList>(f.facts.kind(), QStringList(), f.globals());
-    f.list->load();
-    QVERIFY(f.list->isEmpty());
-    f.list->add(f.facts.records[0]);
-    f.list->change(f.facts.records[1]);
+    // No command gets through, and none shows what is not so.
+    QCOMPARE(f.list->add(f.facts.records[0]), -1);
+    QVERIFY(!f.list->change(f.facts.edited));
     ExpectedPrompts prompts;
     prompts.expectBox(f.facts.keys[2], 36, quillon::BoxAnswer::Yes);
     f.list->deleteSelected();
-    f.list->add(f.facts.records[0]);
     prompts.expectBox(f.facts.keys[4], 36, quillon::BoxAnswer::Yes);
     f.list->clear();
+    QCOMPARE(f.model().lines(), f.facts.records);
+    QCOMPARE(f.marked(), QList<int>{1});
     QVERIFY(QFileInfo(f.path() + u"/kept"_s).isDir());
+    f.list = std::make_unique<RecordList>(f.facts.kind(), QStringList(), f.globals());
+    f.list->load();
+    QVERIFY(f.list->isEmpty());
+    QCOMPARE(f.list->add(f.facts.records[0]), -1);
+    QVERIFY(f.list->isEmpty());
 }
 
 void TestRecordRows::fileThatIsMissingGivesAnEmptyList()

@@ -19,6 +19,7 @@ private Q_SLOTS:
     void anEmptyTextIsNotSetAside();
     void aTextStaysWhenItsNameTakesTheCaseOfItsFile();
     void aFileThatTwoNamesShareIsLeftToItsSignature();
+    void aNewSignatureOfASharedFileLeavesItAlone();
     void aRenamedFileSignatureTakesNobodysText();
     void aRenamedTextSignatureKeepsWhatStandsThere();
     void aFileNameMayHave255Octets_data();
@@ -103,6 +104,18 @@ void TestSignatureLeftovers::aFileThatTwoNamesShareIsLeftToItsSignature()
     QVERIFY(save(SignatureChange::Rename, u"c"_s, u"B"_s));
     QCOMPARE(stored(u"B"_s), QByteArray("B"));
     QCOMPARE(stored(u"b"_s), QByteArray("B"));
+}
+
+void TestSignatureLeftovers::aNewSignatureOfASharedFileLeavesItAlone()
+{
+    setList("b\t\r\n");
+    store(u"b"_s, "B");
+    share(u"b"_s, u"B"_s);
+    QVERIFY(save(SignatureChange::Add, {}, u"B"_s, u"new"_s));
+    QCOMPARE(list(), QByteArray("b\t\r\nB\t\r\n"));
+    QCOMPARE(stored(u"b"_s), QByteArray("B"));
+    QCOMPARE(storedFiles().size(), 2); // nothing was set aside
+    QCOMPARE(node(file(u"b"_s)), node(file(u"B"_s)));
 }
 
 void TestSignatureLeftovers::aRenamedFileSignatureTakesNobodysText()

@@ -22,6 +22,10 @@ private Q_SLOTS:
     void aNewSignatureKeepsTheTextThatAnEarlierOneLeft();
     void renameToATakenNameChangesNothing();
     void renameThereAndBackOverANameThatNoFileCanHaveKeepsTheText();
+    void aTextGoesOverANameThatNoFileCanHave_data();
+    void aTextGoesOverANameThatNoFileCanHave();
+    void aTextThatWaitsIsNobodyElses();
+    void aTextThatWaitsGoesWithItsSignature();
     void aNameThatNoFileCanHaveLeavesTheRowAndWritesNoText_data();
     void aNameThatNoFileCanHaveLeavesTheRowAndWritesNoText();
     void aNameIsKeptInOneLineWithoutTabs();
@@ -79,10 +83,11 @@ void TestSignatureRename::aNewSignatureKeepsTheTextThatAnEarlierOneLeft()
     setList("Signature #1\t\r\n");
     store(u"Signature #1"_s, "the only copy");
     QVERIFY(save(SignatureChange::Rename, u"Signature #1"_s,
-                 u"Sales/Support"_s)); // no file can have that name: the text stays
+                 u"Sales/Support"_s)); // no file can have that name: the text waits for the next
     corvane::addSignature(globals(), u"Signature #1"_s);
     QCOMPARE(stored(u"Signature #1"_s), QByteArray(""));
     QCOMPARE(contentOf(globals().paths.signs + u"/left_1.dll"_s), QByteArray("the only copy"));
+    QCOMPARE(signatureContent(globals(), u"Sales/Support"_s).text, u"the only copy"_s); // and it is still its own
     QCOMPARE(list(), QByteArray("Sales/Support\t\r\nSignature #1\t\r\n"));
 }
 
@@ -108,6 +113,65 @@ void TestSignatureRename::renameThereAndBackOverANameThatNoFileCanHaveKeepsTheTe
     save(SignatureChange::Rename, u"a/b"_s, u"a"_s);
     QCOMPARE(list(), QByteArray("a\t\r\n"));
     QCOMPARE(signatureContent(globals(), u"a"_s).text, u"A"_s);
+}
+
+void TestSignatureRename::aTextGoesOverANameThatNoFileCanHave_data()
+{
+    QTest::addColumn<QStringList>("names");
+    QTest::newRow("to another name") << QStringList{u"a/b"_s, u"good"_s};
+    QTest::newRow("and back") << QStringList{u"a/b"_s, u"x"_s};
+    QTest::newRow("over two of them") << QStringList{u"a/b"_s, u"/"_s, u"good"_s};
+    QTest::newRow("too long") << QStringList{QString(300, u'n'), u"good"_s};
+    QTest::newRow("twice") << QStringList{u"a/b"_s, u"good"_s, u"a/b"_s, u"better"_s};
+}
+
+void TestSignatureRename::aTextGoesOverANameThatNoFileCanHave()
+{
+    QFETCH(const QStringList, names);
+    setList("first\t\r\nx\t\r\n");
+    store(u"x"_s, "the text");
+    QString name = u"x"_s;
+    QString last = name; // that can have a file
+    for (const QString &next : names) {
+        QVERIFY(save(SignatureChange::Rename, name, next));
+        const bool waits = signatureFile(globals(), next).isEmpty();
+        QCOMPARE(stored(last), waits || next == last ? QByteArray("the text") : QByteArray()); // it stays, or it goes
+        last = waits ? last : next;
+        // Where the name can have no file, the text is read and sent all the same.
+        QCOMPARE(signatureContent(globals(), next).text, u"the text"_s);
+        QCOMPARE(signatureText(globals(), next).text, u"the text"_s);
+        name = next;
+    }
+    QCOMPARE(list(), "first\t\r\n" + name.toUtf8() + "\t\r\n");
+    QCOMPARE(storedFiles(), QStringList{u"sign_"_s + name + u".dll"_s});
+    QCOMPARE(stored(name), QByteArray("the text"));
+}
+
+void TestSignatureRename::aTextThatWaitsIsNobodyElses()
+{
+    setList("x\t\r\ny\t\r\n");
+    store(u"x"_s, "of x");
+    store(u"y"_s, "of y");
+    QVERIFY(save(SignatureChange::Rename, u"x"_s, u"a/b"_s));
+    QVERIFY(save(SignatureChange::Rename, u"y"_s, u"c/d"_s));
+    addSignature(globals(), u"x"_s);
+    QCOMPARE(signatureContent(globals(), u"x"_s).text, QString());
+    modify(u"x"_s, u"new"_s);
+    modify(u"x"_s, {}, u"/x.txt"_s);
+    QVERIFY(save(SignatureChange::Rename, u"c/d"_s, u"of y"_s));
+    QVERIFY(save(SignatureChange::Rename, u"a/b"_s, u"of x"_s));
+    QCOMPARE(stored(u"of x"_s), QByteArray("of x"));
+    QCOMPARE(stored(u"of y"_s), QByteArray("of y"));
+    QCOMPARE(storedFiles(), (QStringList{u"sign_of x.dll"_s, u"sign_of y.dll"_s}));
+}
+
+void TestSignatureRename::aTextThatWaitsGoesWithItsSignature()
+{
+    setList("x\t\r\n");
+    store(u"x"_s, "of x");
+    QVERIFY(save(SignatureChange::Rename, u"x"_s, u"a/b"_s));
+    QVERIFY(save(SignatureChange::Delete, u"a/b"_s, {}));
+    QVERIFY(storedFiles().isEmpty());
 }
 
 void TestSignatureRename::aNameThatNoFileCanHaveLeavesTheRowAndWritesNoText_data()

@@ -120,6 +120,7 @@ std::optional<ExpectedPrompts::Expectation> ExpectedPrompts::take(const Shown &s
 
 BoxAnswer ExpectedPrompts::box(const quillon::BoxRequest &request)
 {
+    m_boxRequests.append(request);
     const QString line = u"box %1 style %2: "_s.arg(request.Key).arg(request.Style) + request.Text;
     const bool keyless = request.Key.isEmpty();
     const auto expected = take({Kind::Box, keyless ? request.Text : request.Key, keyless ? QString() : request.Text,

@@ -40,6 +40,8 @@ public:
     [[nodiscard]] QStringList log() const { return m_log; }
     /// The requests of the file dialogs that were shown, to look at their filters and default paths.
     [[nodiscard]] QList<quillon::FileRequest> fileRequests() const { return m_fileRequests; }
+    /// The boxes that were shown, to look at what stands below their texts.
+    [[nodiscard]] QList<quillon::BoxRequest> boxRequests() const { return m_boxRequests; }
     /// What is still expected, in the notation of log() as far as it is known.
     [[nodiscard]] QStringList leftOver() const;
 
@@ -80,6 +82,7 @@ private:
     QList<Expectation> m_expected;
     QStringList m_log;
     QList<quillon::FileRequest> m_fileRequests;
+    QList<quillon::BoxRequest> m_boxRequests;
     std::function<void(const QString &)> m_fail;
     quillon::Prompts *m_before;
 };

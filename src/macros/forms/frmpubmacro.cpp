@@ -4,10 +4,12 @@
 #include "core/texts.h"
 #include "macros/forms/macroitem.h"
 #include "macros/placeholders.h"
+#include "quillon/files/linefile.h"
 #include "quillon/forms/columnsort.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formregistry.h"
 #include "quillon/forms/formtexts.h"
+#include "quillon/forms/listlooks.h"
 #include "quillon/hook.h"
 #include "ui_frmpubmacro.h"
 
@@ -60,6 +62,8 @@ void frmPubMacro::connectControls()
     QHeaderView *header = m_ui->lsv->header();
     header->setStretchLastSection(true);
     m_sort = new quillon::ColumnSort(m_ui->lsv, Qt::DescendingOrder);
+    new quillon::FittedColumns(m_ui->lsv);
+    new quillon::CellTips(m_ui->lsv);
     connect(m_ui->lsv, &QTreeWidget::currentItemChanged, this,
             [this](const QTreeWidgetItem *current) { rowChosen(current); });
     connect(m_ui->lsv, &QTreeWidget::itemClicked, this, [this](const QTreeWidgetItem *item) { rowChosen(item); });
@@ -90,11 +94,23 @@ void frmPubMacro::loadRows()
     m_ui->lsv->addTopLevelItems(items);
     colorRows();
     selectFirstRow();
-    const int margin = fontMetrics().averageCharWidth() * 3;
-    const QFontMetrics metrics = fontMetrics();
-    m_ui->lsv->setColumnWidth(MacroNameColumn,
-                              metrics.horizontalAdvance(QString::fromUtf16(recipientAddress)) + margin);
-    m_ui->lsv->setColumnWidth(MacroSampleColumn, metrics.averageCharWidth() * 46);
+}
+
+void frmPubMacro::reloadRows()
+{
+    if (!quillon::LineFile(m_globals.paths.macrosFile).readable()) {
+        return; // it tells nothing
+    }
+    const MacroItem *present = currentRow();
+    const QString macro = present ? present->row().macro : QString();
+    loadRows();
+    m_sort->again();
+    for (int i = 0; i < m_ui->lsv->topLevelItemCount(); ++i) {
+        if (QTreeWidgetItem *item = m_ui->lsv->topLevelItem(i); macroItem(item)->row().macro == macro) {
+            m_ui->lsv->setCurrentItem(item);
+            return;
+        }
+    }
 }
 
 void frmPubMacro::colorRows()
@@ -154,7 +170,10 @@ MacroFault frmPubMacro::saveAdded(const MacroRow &entered)
 {
     const MacroFault fault = checkMacro(entered, macros(), -1);
     if (fault == MacroFault::None) {
-        addMacro(m_globals, entered);
+        if (!addMacro(m_globals, entered)) {
+            reloadRows();
+            return MacroFault::NotWritten;
+        }
         m_ui->lsv->addTopLevelItem(new MacroItem(entered));
         m_sort->again();
     }
@@ -166,7 +185,10 @@ MacroFault frmPubMacro::saveEdited(const MacroRow &entered)
     MacroItem *row = currentRow();
     const MacroFault fault = checkMacro(entered, macros(), m_ui->lsv->indexOfTopLevelItem(row));
     if (fault == MacroFault::None && row) {
-        replaceMacro(m_globals, row->row(), entered);
+        if (!replaceMacro(m_globals, row->row(), entered)) {
+            reloadRows();
+            return MacroFault::NotWritten;
+        }
         row->setRow(entered);
     }
     return fault;
@@ -186,7 +208,10 @@ void frmPubMacro::deleteSelected()
             keys.append(macroItem(item)->row().macro);
         }
     }
-    deleteMacros(m_globals, keys);
+    if (!deleteMacros(m_globals, keys)) {
+        reloadRows();
+        return;
+    }
     // All rows leave the list and those that stay come back, since taking many one by one is slow.
     QList<QTreeWidgetItem *> rows = m_ui->lsv->invisibleRootItem()->takeChildren();
     rows.removeIf([&](QTreeWidgetItem *item) { return doomed.contains(item); });

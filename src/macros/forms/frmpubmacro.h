@@ -45,6 +45,8 @@ protected:
 private:
     void connectControls();
     void loadRows();
+    /// Shows what the file holds after a change that could not be written; the present row stays.
+    void reloadRows();
     void colorRows();
     void refreshSamples();
     /// What follows a click on a row: a predefined one can be neither edited nor deleted.

@@ -79,6 +79,9 @@ bool frmPubMacroDetail::save()
     if (fault == MacroFault::None) {
         return true;
     }
+    if (fault == MacroFault::NotWritten) {
+        return false; // what was entered stays here
+    }
     showMessage(messageKeyOf(fault), quillon::InformationBox);
     m_ui->txtMacro->setFocus();
     if (fault != MacroFault::NoMacro) {

@@ -1,6 +1,7 @@
 #include "macros/forms/macroitem.h"
 
 #include "macros/moments.h"
+#include "quillon/text/textorder.h"
 
 #include <QBrush>
 #include <QTreeWidget>
@@ -44,7 +45,8 @@ bool MacroItem::operator<(const QTreeWidgetItem &other) const
     const int column = list ? list->sortColumn() : MacroNameColumn;
     const QString mine = text(column);
     const QString others = other.text(column);
-    const int order = mine.compare(others, Qt::CaseInsensitive);
+    static const quillon::TextOrder texts; // made once: each comparison of a long list asks for it
+    const int order = texts.compare(mine, others);
     return order != 0 ? order < 0 : mine < others;
 }
 

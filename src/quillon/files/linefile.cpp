@@ -2,6 +2,7 @@
 
 #include "quillon/files/safefile.h"
 #include "quillon/files/textcoding.h"
+#include "quillon/files/writeoutcome.h"
 
 namespace quillon {
 
@@ -35,12 +36,20 @@ void LineFile::append(const QString &line)
 
 bool LineFile::save() const
 {
-    return m_readable && writeWholeFile(m_path, joinLines(m_lines));
+    if (!m_readable) {
+        tellNotRewritten(m_path);
+        return false;
+    }
+    return writeWholeFile(m_path, joinLines(m_lines));
 }
 
 bool LineFile::saveIfChanged() const
 {
-    return m_readable && (joinLines(m_lines) == m_present || save());
+    if (m_readable && joinLines(m_lines) == m_present) {
+        tellWritten(m_path);
+        return true;
+    }
+    return save();
 }
 
 } // namespace quillon

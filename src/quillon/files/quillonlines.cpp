@@ -50,32 +50,32 @@ FileEnd lookAtEnd(const QString &path)
 
 } // namespace
 
-void QuillonLines::AppendLine(const QString &path, const QString &line) const
+bool QuillonLines::AppendLine(const QString &path, const QString &line) const
 {
-    AppendLines(path, {line});
+    return AppendLines(path, {line});
 }
 
-void QuillonLines::AppendLines(const QString &path, const QStringList &lines) const
+bool QuillonLines::AppendLines(const QString &path, const QStringList &lines) const
 {
     QByteArray bytes;
     for (const QString &line : lines) {
         bytes += encodeText(line) + "\r\n";
     }
     if (bytes.isEmpty()) {
-        return;
+        return true;
     }
     const FileEnd end = lookAtEnd(path);
     if (end.utf16) {
         const LineFile present(path);
         if (!present.save()) {
-            return;
+            return false;
         }
     } else if (end.open) {
         bytes.prepend("\r\n");
     } else if (end.empty) {
         bytes = guardedFromMark(bytes);
     }
-    appendToFile(path, bytes);
+    return appendToFile(path, bytes);
 }
 
 int QuillonLines::CountLines(const QString &path) const
@@ -83,12 +83,12 @@ int QuillonLines::CountLines(const QString &path) const
     return static_cast<int>(LineFile(path).count());
 }
 
-void QuillonLines::DeleteLineByKey(const QString &path, const QString &key, const QString &delimiter, int field) const
+bool QuillonLines::DeleteLineByKey(const QString &path, const QString &key, const QString &delimiter, int field) const
 {
-    DeleteLinesByKeys(path, {key}, delimiter, field);
+    return DeleteLinesByKeys(path, {key}, delimiter, field);
 }
 
-void QuillonLines::DeleteLinesByKeys(const QString &path, const QStringList &keys, const QString &delimiter,
+bool QuillonLines::DeleteLinesByKeys(const QString &path, const QStringList &keys, const QString &delimiter,
                                      int field) const
 {
     const QSet<QString> doomed(keys.cbegin(), keys.cend());
@@ -97,12 +97,11 @@ void QuillonLines::DeleteLinesByKeys(const QString &path, const QStringList &key
         const std::optional<QString> part = keyPart(line, delimiter, field);
         return part && doomed.contains(*part);
     };
-    if (file.removeIf(matches) > 0) {
-        file.save();
-    }
+    const bool nothingToDo = file.removeIf(matches) == 0 && file.readable();
+    return nothingToDo || file.save();
 }
 
-void QuillonLines::ReplaceLine(const QString &path, const QString &key, const QString &newLine,
+bool QuillonLines::ReplaceLine(const QString &path, const QString &key, const QString &newLine,
                                const QString &delimiter, int field) const
 {
     LineFile file(path);
@@ -118,9 +117,9 @@ void QuillonLines::ReplaceLine(const QString &path, const QString &key, const QS
             fields[field] = newLine;
             file.replace(i, fields.join(delimiter));
         }
-        file.save();
-        return;
+        return file.save();
     }
+    return file.readable() || file.save(); // which tells that it cannot be
 }
 
 void QuillonLines::MoveLineToEnd(const QString &path, const QString &line, const QString &newLine) const
@@ -149,13 +148,13 @@ QString QuillonLines::FindLineByKey(const QString &path, const QString &key, int
     return {};
 }
 
-void QuillonLines::WriteTextFile(const QString &path, const QString &text, const QString &charset) const
+bool QuillonLines::WriteTextFile(const QString &path, const QString &text, const QString &charset) const
 {
     if (charset.compare("utf-8"_L1, Qt::CaseInsensitive) != 0) {
         reportFault(u"text files are written as utf-8 only, not as '"_s + charset + u'\'');
-        return;
+        return false;
     }
-    writeWholeFile(path, guardedFromMark(encodeText(text)));
+    return writeWholeFile(path, guardedFromMark(encodeText(text)));
 }
 
 QString QuillonLines::ReadTextFile(const QString &path) const

@@ -1,6 +1,7 @@
 #include "quillon/files/safefile.h"
 
 #include "quillon/fault.h"
+#include "quillon/files/writeoutcome.h"
 
 #include <QDir>
 #include <QFile>
@@ -26,6 +27,17 @@ void fault(const char *operation, const QString &path)
 {
     reportFault(QString::fromLatin1(operation) + u" '"_s + path + u"': "_s +
                 QString::fromLocal8Bit(std::strerror(errno)));
+}
+
+/// A write has failed; errno tells why. Always false.
+bool failedWrite(const QString &path, WriteUse use = WriteUse::Lasting)
+{
+    const int error = errno;
+    fault("cannot write", path);
+    if (use == WriteUse::Lasting) {
+        tellNotWritten(path, error);
+    }
+    return false;
 }
 
 /// A file handle that closes itself.
@@ -183,8 +195,7 @@ bool writeWholeFile(const QString &path, const QByteArray &bytes)
     const bool present = ::stat(QFile::encodeName(found).constData(), &status) == 0;
     if (present && !S_ISREG(status.st_mode)) {
         errno = EISDIR;
-        fault("cannot write", path);
-        return false;
+        return failedWrite(path);
     }
     const mode_t mode = present ? (status.st_mode & 0777U) | ownerOnly : ownerOnly;
     const QString folder = QFileInfo(target).path();
@@ -193,41 +204,42 @@ bool writeWholeFile(const QString &path, const QByteArray &bytes)
         written = replaceThrough(folder, target, bytes, mode);
     }
     if (!written) {
-        fault("cannot write", path);
-        return false;
+        return failedWrite(path);
     }
     if (found != path && QFile::encodeName(found) != QFile::encodeName(target)) {
         ::unlink(QFile::encodeName(found).constData());
     }
     flushFolder(folder);
+    tellWritten(path);
     return true;
 }
 
-bool appendToFile(const QString &path, const QByteArray &bytes)
+bool appendToFile(const QString &path, const QByteArray &bytes, WriteUse use)
 {
     const QString found = existingPath(path);
     const Handle file(::open(QFile::encodeName(found).constData(),
                              O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, ownerOnly));
     struct stat status {};
     if (!file.valid() || ::fstat(file.number(), &status) != 0) {
-        fault("cannot write", path);
-        return false;
+        return failedWrite(path, use);
     }
     if (!S_ISREG(status.st_mode)) {
         errno = EINVAL;
-        fault("cannot write", path);
-        return false;
+        return failedWrite(path, use);
     }
     const ssize_t count = ::write(file.number(), bytes.constData(), static_cast<size_t>(bytes.size()));
     if (count == bytes.size()) {
+        if (use == WriteUse::Lasting) {
+            tellWritten(path);
+        }
         return true;
     }
+    const int error = count < 0 ? errno : ENOSPC; // a write comes short where the space ends
     if (count > 0 && ::ftruncate(file.number(), status.st_size) != 0) {
         fault("cannot take back a part of a line in", path);
     }
-    errno = count < 0 ? errno : ENOSPC;
-    fault("cannot write", path);
-    return false;
+    errno = error;
+    return failedWrite(path, use);
 }
 
 } // namespace quillon

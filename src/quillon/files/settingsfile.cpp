@@ -3,6 +3,7 @@
 #include "quillon/fault.h"
 #include "quillon/files/safefile.h"
 #include "quillon/files/textcoding.h"
+#include "quillon/files/writeoutcome.h"
 
 #include <QStringList>
 
@@ -236,6 +237,7 @@ bool SettingsFile::save()
 {
     if (!m_readable) {
         reportFault(u"a settings file that could not be read is not rewritten: '"_s + m_path + u'\'');
+        tellNotRewritten(m_path);
         return false;
     }
     return writeWholeFile(m_path, toBytes());

@@ -1,5 +1,7 @@
 #include "quillon/forms/formkeys.h"
 
+#include "quillon/forms/leavechecks.h"
+
 #include <QApplication>
 #include <QFocusEvent>
 #include <QKeyEvent>
@@ -100,7 +102,9 @@ bool FormKeys::eventFilter(QObject *watched, QEvent *event)
         if (event->type() == QEvent::KeyPress) {
             // A copy: the action may unload the form, and this table with it.
             const std::function<void()> action = line->action;
-            action();
+            if (LeaveChecks::allow(m_form)) {
+                action();
+            }
         }
         return true;
     }

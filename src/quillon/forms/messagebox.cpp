@@ -21,6 +21,7 @@ namespace {
 
 constexpr int buttonBits = 0x0F;
 constexpr int iconBits = 0x70;
+constexpr qsizetype longestDetails = 600;
 
 QMessageBox::StandardButtons buttonsOf(int style)
 {
@@ -65,6 +66,15 @@ MessageBox::MessageBox(const QString &text, int style, QWidget *parent)
     setDefaultButton(standardButtons().testFlag(QMessageBox::Yes) ? QMessageBox::Yes : QMessageBox::Ok);
     setWindowFlag(Qt::WindowCloseButtonHint, escapes());
     scrollLongText();
+}
+
+void MessageBox::setDetails(const QString &details)
+{
+    const bool isLong = details.size() > longestDetails;
+    setInformativeText(isLong ? details.first(longestDetails) + QChar(0x2026) : details);
+    if (auto *label = findChild<QLabel *>(u"qt_msgbox_informativelabel"_s)) {
+        label->setTextFormat(Qt::PlainText);
+    }
 }
 
 BoxAnswer MessageBox::answerOf(int button)

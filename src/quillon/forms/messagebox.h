@@ -15,6 +15,9 @@ class MessageBox : public QMessageBox {
 public:
     MessageBox(const QString &text, int style, QWidget *parent);
 
+    /// Says more below the text; words without end are cut.
+    void setDetails(const QString &details);
+
     /// The answer that @p button, a StandardButton, stands for.
     [[nodiscard]] static BoxAnswer answerOf(int button);
 

@@ -17,8 +17,10 @@
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPointer>
 #include <QRegularExpression>
+#include <QScreen>
 
 #include <memory>
 
@@ -27,6 +29,8 @@ using namespace Qt::StringLiterals;
 namespace quillon {
 
 namespace {
+
+constexpr int usualLetters = 72; // of an input box
 
 /// The window that a prompt belongs to; none while the program shows no window.
 QWidget *owner()
@@ -141,6 +145,9 @@ QString qtFileFilter(const FileFilter &filter)
 BoxAnswer QtPrompts::box(const BoxRequest &request)
 {
     Cleaner<MessageBox> cleaner{new MessageBox(request.Text, request.Style, owner())};
+    if (!request.Details.isEmpty()) {
+        cleaner.dialog->setDetails(request.Details);
+    }
     const bool cancels = cleaner.dialog->standardButtons().testFlag(QMessageBox::Cancel);
     const bool asks = cleaner.dialog->standardButtons().testFlag(QMessageBox::No);
     const int button = cleaner.dialog->exec();
@@ -163,6 +170,13 @@ QString QtPrompts::input(const InputRequest &request)
     for (QLabel *label : labels) {
         label->setTextFormat(Qt::PlainText);
         label->setWordWrap(true);
+    }
+    if (auto *box = dialog.findChild<QLineEdit *>()) {
+        // Room for a name with its address, and for more where more is offered.
+        const QFontMetrics letters = box->fontMetrics();
+        const int wanted = qMax(letters.averageCharWidth() * usualLetters,
+                                letters.horizontalAdvance(request.Default) + letters.averageCharWidth() * 4);
+        box->setMinimumWidth(qMin(wanted, dialog.screen()->availableSize().width() / 2));
     }
     return run(cleaner.dialog) ? cleaner.dialog->textValue() : QString();
 }

@@ -27,6 +27,7 @@ struct BoxRequest {
     QString Text; ///< the whole text as it is shown, the value included
     QString Value;
     int Style = PlainBox;
+    QString Details = {}; ///< what else is known, such as a server's own words; stands below the text
 };
 
 struct InputRequest {

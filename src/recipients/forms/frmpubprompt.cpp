@@ -4,6 +4,7 @@
 #include "core/texts.h"
 #include "quillon/forms/formkeys.h"
 #include "quillon/forms/formtexts.h"
+#include "quillon/forms/listlooks.h"
 #include "quillon/hook.h"
 #include "recipients/promptmodel.h"
 #include "ui_frmpubprompt.h"
@@ -24,6 +25,7 @@ frmPubPrompt::frmPubPrompt(const ApplicationGlobals &globals, const QStringList 
     quillon::QuillonFormTexts().ApplyControlTexts(this, languageFolder() + u"/tips.dll"_s);
     connect(m_ui->sbtHelp, &QPushButton::clicked, this, [open = std::move(help)] { open(); });
     m_ui->lstRecips->setModel(m_model);
+    new quillon::CellTips(m_ui->lstRecips);
     goToRow(0);
     connectControls();
 }
@@ -64,6 +66,7 @@ QString frmPubPrompt::askRecipient(const QString &present) const
 
 void frmPubPrompt::add()
 {
+    const int current = m_ui->lstRecips->currentIndex().row();
     const QString entry = askRecipient(QString());
     if (entry.isEmpty()) {
         return;
@@ -72,8 +75,8 @@ void frmPubPrompt::add()
         showMessage(u"ITEM_EXIST"_s, quillon::InformationBox);
         return;
     }
-    m_model->add(entry);
-    goToRow(m_model->rowCount() - 1);
+    const bool added = m_model->add(entry);
+    goToRow(added ? m_model->rowCount() - 1 : qMin(current, m_model->rowCount() - 1));
 }
 
 void frmPubPrompt::edit()
@@ -94,8 +97,9 @@ void frmPubPrompt::edit()
         showMessage(u"ITEM EXIST"_s, quillon::InformationBox);
         return;
     }
-    m_model->replace(current.row(), entry);
-    goToRow(m_model->rowCount() - 1);
+    const int row = current.row();
+    const bool replaced = m_model->replace(row, entry);
+    goToRow(replaced ? m_model->rowCount() - 1 : qMin(row, m_model->rowCount() - 1));
 }
 
 void frmPubPrompt::deleteSelected()

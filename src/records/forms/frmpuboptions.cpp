@@ -88,13 +88,14 @@ QStringList headingsOf(const quillon::OwnText &columns)
     return headings.size() == standard.size() && !headings.first().isEmpty() ? headings : standard;
 }
 
-RecordButtons buttonsOf(const QWidget *form, const QString &group, const ButtonOrder &order)
+RecordButtons buttonsOf(const QWidget *form, const QString &group, const ButtonOrder &order,
+                        const quillon::OwnText &emptyText)
 {
     const auto button = [&](int index) {
         return index == none ? nullptr : form->findChild<QAbstractButton *>(u"%1(%2)"_s.arg(group).arg(index));
     };
-    return {button(order.add),    button(order.edit),  button(order.copy),
-            button(order.remove), button(order.clear), button(order.makeDefault)};
+    return {button(order.add),   button(order.edit),        button(order.copy),     button(order.remove),
+            button(order.clear), button(order.makeDefault), quillon::say(emptyText)};
 }
 
 } // namespace
@@ -142,12 +143,12 @@ void frmPubOptions::makeTabs()
                             RecordTab::ShowDialog show) {
         return new RecordTab(list, findChild<QTreeView *>(view), buttons, std::move(show));
     };
-    RecordButtons accountButtons = buttonsOf(this, u"sbtSMTP"_s, usualOrder);
+    RecordButtons accountButtons = buttonsOf(this, u"sbtSMTP"_s, usualOrder, noAccounts);
     accountButtons.add = nullptr; // a menu adds
     makePresetMenu(tab(m_accounts, u"lsv(3)"_s, accountButtons, dialog(accountForm)));
-    tab(m_proxies, u"lsv(2)"_s, buttonsOf(this, u"sbtProxy"_s, proxyOrder), dialog(proxyForm));
-    tab(m_senders, u"lsv(0)"_s, buttonsOf(this, u"sbtSender"_s, usualOrder), dialog(senderForm));
-    tab(m_signatures, u"lsv(1)"_s, buttonsOf(this, u"sbtSign"_s, signatureOrder), {});
+    tab(m_proxies, u"lsv(2)"_s, buttonsOf(this, u"sbtProxy"_s, proxyOrder, noProxies), dialog(proxyForm));
+    tab(m_senders, u"lsv(0)"_s, buttonsOf(this, u"sbtSender"_s, usualOrder, noSenders), dialog(senderForm));
+    tab(m_signatures, u"lsv(1)"_s, buttonsOf(this, u"sbtSign"_s, signatureOrder, noSignatures), {});
     m_signatureTab = new SignatureTab(this, m_signatures, m_globals, m_hooks.macroItems);
     m_settings = new SettingsTab(this, {m_hooks.encodingName, [this](const QString &displayName) {
                                             return selectEncodingOfName(m_message, displayName);
@@ -290,6 +291,12 @@ quillon::Task<> frmPubOptions::showTest(QString key, quillon::Task<ConnectionTes
     auto *status = findChild<QLabel *>(u"lbl(14)"_s);
     m_ui->lblReason->clear();
     m_ui->lblReason->setToolTip({});
+    for (QLabel *label : {status, static_cast<QLabel *>(m_ui->lblReason)}) {
+        QPalette readable = label->palette(); // also while the form is disabled
+        readable.setColor(QPalette::Disabled, QPalette::WindowText,
+                          palette().color(QPalette::Active, QPalette::WindowText));
+        label->setPalette(readable);
+    }
     status->setText(LookupText(key));
     setCursor(Qt::WaitCursor);
     const QPointer<QWidget> focus = focusWidget(); // a form that is disabled loses it
@@ -302,8 +309,11 @@ quillon::Task<> frmPubOptions::showTest(QString key, quillon::Task<ConnectionTes
     m_testing = false;
     m_ui->lblReason->setText(result.reason);
     m_ui->lblReason->setToolTip(result.reason); // a long word is cut off at the end of the form
-    co_await messageShown(key + (result.works ? u"_SUCC"_s : u"_UNSU"_s),
-                          result.works ? quillon::InformationBox : quillon::WarningBox);
+    if (!result.works) {
+        status->clear(); // it is over, and the reason is what is to be read
+    }
+    co_await messageShownWith(result.reason, key + (result.works ? u"_SUCC"_s : u"_UNSU"_s),
+                              result.works ? quillon::InformationBox : quillon::WarningBox);
     status->clear();
     unsetCursor();
     setEnabled(true);

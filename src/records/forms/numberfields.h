@@ -4,7 +4,10 @@
 #include <QObject>
 
 #include <functional>
-#include <vector>
+
+namespace quillon {
+class LeaveChecks;
+}
 
 namespace corvane {
 
@@ -15,7 +18,7 @@ class NumberFields : public QObject {
 
 public:
     /// Boxes of @p form, to which this object belongs.
-    explicit NumberFields(QWidget *form) : QObject(form) {}
+    explicit NumberFields(QWidget *form);
 
     /// @p isFault tells of the value of the box whether it is beyond its limit, which the text of @p message names.
     void add(QLineEdit *box, const char16_t *message, std::function<bool(double value)> isFault);
@@ -27,16 +30,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    struct Field {
-        QLineEdit *box;
-        const char16_t *message;
-        std::function<bool(double value)> isFault;
-    };
-
-    void check(const Field &field);
-
-    std::vector<Field> m_fields;
-    bool m_checking = false;
+    quillon::LeaveChecks *m_checks;
 };
 
 } // namespace corvane

@@ -70,7 +70,20 @@ void RecordDialog::begin(Task task)
     setCaption();
     setTips();
     showRecord(m_task.line.isEmpty() ? m_form.newRecord : m_task.line);
-    m_form.first->setFocus();
+    (m_task.completes ? firstEmptyBox() : m_form.first)->setFocus();
+}
+
+QLineEdit *RecordDialog::firstEmptyBox() const
+{
+    QWidget *widget = m_form.first;
+    do {
+        auto *box = qobject_cast<QLineEdit *>(widget);
+        if (box && box->isEnabled() && box->text().isEmpty()) {
+            return box;
+        }
+        widget = widget->nextInFocusChain();
+    } while (widget != m_form.first);
+    return m_form.first;
 }
 
 /// In an edit the button's tip says what becomes of the record: what is entered next takes its place once more.
@@ -127,8 +140,7 @@ bool RecordDialog::save()
         tell(m_form.duplicate);
         return false;
     }
-    m_task.save(entered);
-    return true;
+    return m_task.save(entered);
 }
 
 void RecordDialog::tell(const FieldFault &fault)

@@ -49,7 +49,10 @@ public:
         /// edit mode the record under edit does not count.
         std::function<bool(const QString &line)> exists;
         /// Stores a line: added in add mode, in place of the one that is edited otherwise.
-        std::function<void(const QString &line)> save;
+        /// False when it could not be written: what was entered stays in the dialog.
+        std::function<bool(const QString &line)> save;
+        /// The line is the beginning of a record, which is completed in the first box that it leaves empty.
+        bool completes = false;
     };
 
     /// Sets caption and fields; to be called before the form is shown.
@@ -106,6 +109,7 @@ private:
     void setTips();
     void showRecord(const QString &line);
     void beginNext();
+    [[nodiscard]] QLineEdit *firstEmptyBox() const;
     [[nodiscard]] QString line() const;
     /// Checks the fields and stores the line; the first fault is shown, and nothing is stored then.
     bool save();

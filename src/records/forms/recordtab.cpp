@@ -1,6 +1,7 @@
 #include "records/forms/recordtab.h"
 
 #include "quillon/forms/columnsort.h"
+#include "quillon/forms/listlooks.h"
 
 #include <QAbstractButton>
 #include <QHeaderView>
@@ -24,7 +25,7 @@ template <typename Action> void onClick(QAbstractButton *button, QObject *contex
 RecordTab::RecordTab(RecordList &list, QTreeView *view, const RecordButtons &buttons, ShowDialog showDialog)
     : QObject(view), m_list(list), m_view(view), m_showDialog(std::move(showDialog))
 {
-    prepareView();
+    prepareView(buttons.emptyText);
     if (m_showDialog) {
         onClick(buttons.add, this, [this] { add(); });
         onClick(buttons.edit, this, [this] { edit(); });
@@ -36,7 +37,7 @@ RecordTab::RecordTab(RecordList &list, QTreeView *view, const RecordButtons &but
     onClick(buttons.makeDefault, this, [this] { m_list.makeDefault(); });
 }
 
-void RecordTab::prepareView()
+void RecordTab::prepareView(const QString &emptyText)
 {
     QFont bold = m_view->font();
     bold.setBold(true);
@@ -46,12 +47,10 @@ void RecordTab::prepareView()
     new quillon::ColumnSort(m_view);
     m_view->header()->setStretchLastSection(true);
     m_view->header()->setSectionsMovable(false);
-    const int letter = m_view->fontMetrics().averageCharWidth();
-    constexpr int textLetters = 28;
-    constexpr int numberLetters = 8;
-    for (int column = 0; column + 1 < m_list.model().columnCount(); ++column) {
-        m_view->setColumnWidth(column, letter * (m_list.model().holdsNumbers(column) ? numberLetters : textLetters));
-    }
+    m_view->setTextElideMode(Qt::ElideRight);
+    new quillon::FittedColumns(m_view);
+    new quillon::CellTips(m_view);
+    new quillon::EmptyListText(m_view, emptyText);
     // A row that is chosen by a command is to be seen.
     connect(&m_list.selection(), &QItemSelectionModel::currentRowChanged, m_view,
             [this](const QModelIndex &row) { m_view->scrollTo(row); });
@@ -59,7 +58,7 @@ void RecordTab::prepareView()
 
 void RecordTab::add(const QString &line)
 {
-    show(RecordDialog::Mode::Add, line);
+    show(RecordDialog::Mode::Add, line, !line.isEmpty());
 }
 
 void RecordTab::edit()
@@ -76,19 +75,16 @@ void RecordTab::copy()
     }
 }
 
-void RecordTab::show(RecordDialog::Mode mode, const QString &line)
+void RecordTab::show(RecordDialog::Mode mode, const QString &line, bool preset)
 {
     const bool editing = mode == RecordDialog::Mode::Edit;
     RecordDialog::Task task;
     task.mode = mode;
     task.line = line;
+    task.completes = mode == RecordDialog::Mode::Add && preset;
     task.exists = [this, editing](const QString &entered) { return m_list.taken(entered, editing); };
     task.save = [this, editing](const QString &entered) {
-        if (editing) {
-            m_list.change(entered);
-        } else {
-            m_list.add(entered);
-        }
+        return editing ? m_list.change(entered) : m_list.add(entered) >= 0;
     };
     m_showDialog(std::move(task));
 }

@@ -16,7 +16,8 @@ class ColumnSort;
 
 namespace corvane {
 
-/// The buttons of a list, whatever their indexes are; one that a list does not have is nullptr.
+/// The buttons of a list, whatever their indexes are; one that a list does not have is nullptr. And what the list says
+/// while it is empty.
 struct RecordButtons {
     QAbstractButton *add;
     QAbstractButton *edit;
@@ -24,6 +25,7 @@ struct RecordButtons {
     QAbstractButton *remove;
     QAbstractButton *clear;
     QAbstractButton *makeDefault;
+    QString emptyText = {};
 };
 
 /// A list of records on a tab: the view of it, its buttons, and the dialog in which a record is added or edited.
@@ -43,8 +45,8 @@ public:
 private:
     void edit();
     void copy();
-    void show(RecordDialog::Mode mode, const QString &line);
-    void prepareView();
+    void show(RecordDialog::Mode mode, const QString &line, bool preset = false);
+    void prepareView(const QString &emptyText);
 
     RecordList &m_list;
     QTreeView *m_view;

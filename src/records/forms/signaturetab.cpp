@@ -156,8 +156,10 @@ void SignatureTab::add()
     if (next.isEmpty()) {
         return;
     }
-    m_list.select(m_list.add(next));
-    m_text->setFocus();
+    if (const int row = m_list.add(next); row >= 0) {
+        m_list.select(row);
+        m_text->setFocus();
+    }
 }
 
 void SignatureTab::rename()
@@ -203,8 +205,8 @@ void SignatureTab::renamed(const QPersistentModelIndex &index, const QString &ty
         }
         m_list.model().replace(index.row(), next);
         show();
-        if (standard) {
-            storeDefaultSignature(m_globals, next);
+        if (standard && !storeDefaultSignature(m_globals, next)) {
+            m_list.model().mark(-1); // the settings still name the old one
         }
     }
 }

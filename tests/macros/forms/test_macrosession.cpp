@@ -1,5 +1,6 @@
 #include "macrofixture.h"
 #include "quillon/forms/qtprompts.h"
+#include "support/fulldisk.h"
 
 #include <QTimer>
 
@@ -28,6 +29,7 @@ private Q_SLOTS:
     void theDetailIsMadeAnewForEachUse();
     void theManagerMayGoWhileItsDetailIsOpen();
     void theDetailMayGoWhileItIsOpen();
+    void aMacroThatCannotBeWrittenIsNoRow();
 
 private:
     void manage() { quillon::prompts().showModalForm(u"frmPubMacro"_s, -1); }
@@ -109,6 +111,47 @@ void TestMacroSession::theDetailMayGoWhileItIsOpen()
     manage();
     QVERIFY(cameBack);
     QCOMPARE(m->lines(), predefinedMacroLines());
+}
+
+void TestMacroSession::aMacroThatCannotBeWrittenIsNoRow()
+{
+    ExpectedPrompts prompts;
+    addMacro(m->tree.globals, {u"{mine}"_s, u"1"_s, u"Other Information"_s});
+    m->show();
+    const QStringList before = m->column(0);
+    const QByteArray file = contentOf(m->file());
+    prompts.expectForm(u"frmPubMacroDetail"_s, -1, [&] {
+        m->enter(u"{a}"_s, u"1"_s);
+        const SizeLimit limit(static_cast<rlim_t>(file.size()) / 2);
+        m->detailButton(u"sbtSC"_s)->click();
+        QVERIFY(m->forms.isLoaded(u"frmPubMacroDetail"_s));
+        QCOMPARE(m->txtMacro()->text(), u"{a}"_s); // what was entered is still there
+    });
+    m->button(u"sbtAdd"_s)->click();
+    QCOMPARE(m->column(0), before);
+
+    m->click(u"{mine}"_s);
+    prompts.expectForm(u"frmPubMacroDetail"_s, -1, [&] {
+        m->enter(u"{other}"_s, u"2"_s);
+        const SizeLimit limit(static_cast<rlim_t>(file.size()) / 2);
+        m->detailButton(u"sbtSA"_s)->click();
+        QCOMPARE(m->txtMacro()->text(), u"{other}"_s);
+    });
+    m->button(u"sbtEdit"_s)->click();
+    QCOMPARE(m->column(0), before);
+    QCOMPARE(m->list()->currentItem()->text(0), u"{mine}"_s);
+
+    prompts.expectBox(u"DEL_MACRO_PROMPT"_s, quillon::YesNoBox, quillon::BoxAnswer::Yes);
+    {
+        const SizeLimit limit(static_cast<rlim_t>(file.size()) / 2);
+        m->button(u"sbtDel"_s)->click();
+    }
+    QCOMPARE(m->column(0), before);
+    QCOMPARE(contentOf(m->file()), file);
+    prompts.expectBox(u"DEL_MACRO_PROMPT"_s, quillon::YesNoBox, quillon::BoxAnswer::Yes);
+    m->click(u"{mine}"_s);
+    m->button(u"sbtDel"_s)->click();
+    QCOMPARE(m->column(0), before.first(before.size() - 1));
 }
 
 QTEST_MAIN(TestMacroSession)

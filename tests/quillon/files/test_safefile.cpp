@@ -2,6 +2,7 @@
 #include "quillon/files/quillonlines.h"
 #include "quillon/files/safefile.h"
 #include "quillon/system/quillonsystem.h"
+#include "support/fulldisk.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,9 +12,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <csignal>
-#include <sys/mount.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -40,65 +38,6 @@ bool isWhole(const QString &text, QChar filling)
     const QString before = text.section(filling, 0, 0);
     return !before.isEmpty() && text.endsWith(filling + before) && text.startsWith(before + filling);
 }
-
-/// A small file system of its own that can be filled up; needs the right to mount.
-class SmallDisk {
-public:
-    explicit SmallDisk(const QString &path) : m_path(QFile::encodeName(path))
-    {
-        QDir().mkpath(path);
-        m_mounted = ::mount("corvane-test", m_path.constData(), "tmpfs", 0, "size=64k") == 0;
-    }
-    ~SmallDisk()
-    {
-        if (m_mounted) {
-            ::umount2(m_path.constData(), MNT_DETACH);
-        }
-    }
-    SmallDisk(const SmallDisk &) = delete;
-    SmallDisk &operator=(const SmallDisk &) = delete;
-
-    [[nodiscard]] bool mounted() const { return m_mounted; }
-
-    /// Makes it read-only: by the mount, or where there is none, by the folder's mode.
-    [[nodiscard]] bool lock(const QString &path) const
-    {
-        if (m_mounted) {
-            return ::mount("corvane-test", m_path.constData(), "tmpfs", MS_REMOUNT | MS_RDONLY, "size=64k") == 0;
-        }
-        return ::geteuid() != 0 && QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
-    }
-
-private:
-    QByteArray m_path;
-    bool m_mounted = false;
-};
-
-/// No file can grow beyond a size while this lives: the write that would has only a part of its octets written.
-class SizeLimit {
-public:
-    explicit SizeLimit(rlim_t size)
-    {
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{size, m_before.rlim_max};
-        m_set = ::setrlimit(RLIMIT_FSIZE, &limit) == 0;
-    }
-    ~SizeLimit()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    SizeLimit(const SizeLimit &) = delete;
-    SizeLimit &operator=(const SizeLimit &) = delete;
-
-    [[nodiscard]] bool isSet() const { return m_set; }
-
-private:
-    rlimit m_before{};
-    void (*m_handler)(int) = nullptr;
-    bool m_set = false;
-};
 
 } // namespace
 
@@ -163,9 +102,9 @@ void TestSafeFile::killedWhileWritingLeavesEveryFileOldOrNew()
 
 void TestSafeFile::fullDiskLosesNothingThatWasThere()
 {
-    const SmallDisk disk(path(u"disk"_s));
+    FullDisk disk(path(u"disk"_s));
     if (!disk.mounted()) {
-        QSKIP("a small disk cannot be mounted here: it takes the rights of an administrator");
+        QSKIP(FullDisk::reason);
     }
     const QString options = path(u"disk/options.dll"_s);
     const QString log = path(u"disk/202611.log"_s);
@@ -175,10 +114,7 @@ void TestSafeFile::fullDiskLosesNothingThatWasThere()
     lines.AppendLine(log, u"the first line"_s);
     const QByteArray before = read(options);
 
-    QFile filler(path(u"disk/filler"_s));
-    QVERIFY(filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
-    while (filler.write(QByteArray(512, 'f')) == 512) {
-    }
+    disk.fill();
     const int faults = quillon::faultCount();
     system.WriteSetting(options, u"Other"_s, u"Font Name"_s, QString(20000, u'x'));
     QCOMPARE(read(options), before);
@@ -192,7 +128,7 @@ void TestSafeFile::fullDiskLosesNothingThatWasThere()
 
 void TestSafeFile::readOnlyFolderLeavesTheOldFile()
 {
-    SmallDisk disk(path(u"locked"_s));
+    FullDisk disk(path(u"locked"_s));
     write(path(u"locked/a.dll"_s), "old");
     if (!disk.lock(path(u"locked"_s))) {
         QSKIP("a folder that even an administrator may not write to takes a mount");

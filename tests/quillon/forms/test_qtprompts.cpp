@@ -1,6 +1,9 @@
 #include "modaldriver.h"
 #include "quillon/fault.h"
 
+#include <QInputDialog>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
@@ -79,6 +82,8 @@ private Q_SLOTS:
     void theCloseBoxAnswersAsEscapeDoes();
     void aBoxOutlivesTheWindowItBelongsTo_data();
     void aBoxOutlivesTheWindowItBelongsTo();
+    void whatElseIsKnownStandsBelowTheText();
+    void anInputBoxHasRoomForANameWithItsAddress();
 };
 
 void TestQtPrompts::eachStyleHasItsIconAndButtons_data()
@@ -293,6 +298,46 @@ void TestQtPrompts::theCloseBoxAnswersAsEscapeDoes()
         });
         QCOMPARE(m_prompts->box({QString(), u"A text."_s, QString(), style}), answer);
         QCOMPARE(closes, hasCloseBox);
+    }
+}
+
+void TestQtPrompts::whatElseIsKnownStandsBelowTheText()
+{
+    for (const QString &details : {QString(), u"535 <b>no</b>"_s, QString(5000, u'x')}) {
+        QString text;
+        QString below;
+        bool plain = true;
+        meet<QMessageBox>([&](QMessageBox *box) {
+            text = box->text();
+            below = box->informativeText();
+            if (const auto *label = box->findChild<QLabel *>(u"qt_msgbox_informativelabel"_s)) {
+                plain = label->textFormat() == Qt::PlainText;
+            }
+            box->defaultButton()->click();
+        });
+        m_prompts->box({u"KEY"_s, u"A text."_s, QString(), 48, details});
+        QCOMPARE(text, u"A text."_s);
+        QCOMPARE(below, details.size() > 600 ? QString(600, u'x') + QChar(0x2026) : details);
+        QVERIFY(plain);
+    }
+}
+
+void TestQtPrompts::anInputBoxHasRoomForANameWithItsAddress()
+{
+    const QString usual = u"Ann-Sophie Lindqvist <annsophie.lindqvist@company.example>"_s;
+    const QString longer = u"The whole of the sales department <sales.department.of.all@the.company.example.com>"_s;
+    for (const QString &offered : {QString(), usual, longer}) {
+        int room = 0;
+        int needed = 0;
+        meet<QInputDialog>([&](QInputDialog *dialog) {
+            const auto *box = dialog->findChild<QLineEdit *>();
+            room = box->width();
+            needed = box->fontMetrics().horizontalAdvance(offered.isEmpty() ? usual : offered);
+            QVERIFY(dialog->width() <= dialog->screen()->availableSize().width());
+            dialog->reject();
+        });
+        m_prompts->input({u"KEY"_s, u"Who?"_s, offered});
+        QVERIFY2(room >= qMin(needed, 400), qPrintable(QString::number(room) + u" of "_s + QString::number(needed)));
     }
 }
 

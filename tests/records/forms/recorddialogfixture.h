@@ -50,7 +50,10 @@ public:
                              asked.append(entered);
                              return taken && taken(entered);
                          },
-                         [this](const QString &entered) { saved.append(entered); }});
+                         [this](const QString &entered) {
+                             saved.append(entered);
+                             return stores;
+                         }});
     }
     void show()
     {
@@ -104,9 +107,10 @@ public:
     quillon::FormRegistry forms;
     std::function<void()> help = [] {};
     std::function<bool(const QString &line)> taken;
-    QStringList saves; ///< the buttons that save
-    QStringList asked; ///< lines that were looked for in the list
-    QStringList saved; ///< lines that were stored
+    QStringList saves;  ///< the buttons that save
+    QStringList asked;  ///< lines that were looked for in the list
+    bool stores = true; ///< what is entered can be written
+    QStringList saved;  ///< lines that were stored
 };
 
 /// Puts a text into a box by way of the clipboard.

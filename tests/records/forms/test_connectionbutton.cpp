@@ -171,15 +171,21 @@ void TestConnectionButton::theReasonStandsUntilTheNextTest()
     OptionsBench bench;
     putAccount(bench, accountLine(server.port(), u"N"_s, noLogin));
     bench.open(Tab::AccountTab);
-    verifyTest(bench, u"CONN_SMTP_UNSU"_s, 48,
-               [&bench] { QVERIFY(reason(bench).contains(u"554 closed on Sundays"_s)); });
+    verifyTest(bench, u"CONN_SMTP_UNSU"_s, 48, [&bench] {
+        QVERIFY(reason(bench).contains(u"554 closed on Sundays"_s));
+        const auto *label = bench.get<QLabel>(u"lblReason"_s);
+        QVERIFY(!label->isEnabled());
+        QCOMPARE(label->palette().color(QPalette::Disabled, QPalette::WindowText),
+                 label->palette().color(QPalette::Active, QPalette::WindowText));
+        QCOMPARE(bench.status()->text(), QString());
+    });
+    QCOMPARE(bench.prompts.boxRequests().constLast().Details, reason(bench)); // in the box, too
     QVERIFY2(reason(bench).contains(u"554 closed on Sundays"_s), qPrintable(reason(bench)));
     server.Greeting = "220 open\r\n";
     QString inside = u"not looked"_s;
     lookInside(server, [&] { inside = reason(bench); });
     verifyTest(bench, u"CONN_SMTP_SUCC"_s, 64);
-    QCOMPARE(inside, QString());
-    QCOMPARE(reason(bench), QString());
+    QCOMPARE(inside + reason(bench) + bench.prompts.boxRequests().constLast().Details, QString());
 }
 
 void TestConnectionButton::noPasswordIsShown()

@@ -371,6 +371,8 @@ void TestOptionKeys::presetsFillANewAccount()
             QCOMPARE(bench.dialog()->findChild<QRadioButton *>(u"opt(%1)"_s.arg(i))->isChecked(), i == security);
         }
         QVERIFY(bench.dialog()->findChild<QCheckBox *>(u"cbx(1)"_s)->isChecked());
+        // A preset leaves the password to be entered first.
+        QCOMPARE(bench.dialog()->focusWidget()->objectName(), texts[0].isEmpty() ? u"txt(0)"_s : u"txt(3)"_s);
         bench.closeDialog();
     });
     bench.get<QAction>(item)->trigger();

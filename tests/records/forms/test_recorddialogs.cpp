@@ -23,6 +23,8 @@ private Q_SLOTS:
     void f1AndTheButtonOpenTheHelp();
     void aHelpThatIsNotSetIsAFaultByItsForm();
     void withoutATaskNothingIsSaved();
+    void whatCouldNotBeWrittenStaysInTheDialog();
+    void aRecordToCompleteBeginsInItsFirstEmptyBox();
     void anEditThatMeetsAnotherRecordIsStopped();
     void aListThatCannotBeAskedHoldsNoDuplicate();
     void aTranslatedCaptionLeavesTheModeAlone();
@@ -204,7 +206,10 @@ void TestRecordDialogs::aListThatCannotBeAskedHoldsNoDuplicate()
     for (const FormFacts &facts : allForms()) {
         RecordDialogFixture d(facts.name);
         QStringList saved;
-        d.dialog()->begin({Mode::Add, facts.record, {}, [&saved](const QString &line) { saved.append(line); }});
+        d.dialog()->begin({Mode::Add, facts.record, {}, [&saved](const QString &line) {
+                               saved.append(line);
+                               return true;
+                           }});
         d.click(facts.saveAndAdd);
         QCOMPARE(saved, QStringList{facts.record});
     }
@@ -241,6 +246,44 @@ void TestRecordDialogs::portsCountAsTheirValue()
     QFETCH(QString, text);
     QFETCH(quint64, value);
     QCOMPARE(portValue(text), value);
+}
+
+void TestRecordDialogs::whatCouldNotBeWrittenStaysInTheDialog()
+{
+    RecordDialogFixture d(u"frmPubSender"_s);
+    d.begin(RecordDialogFixture::Mode::Add);
+    d.show();
+    d.stores = false;
+    d.box(u"txtDisp"_s)->setText(u"Ann"_s);
+    d.box(u"txtEmail"_s)->setText(u"ann@x.example"_s);
+    for (const QString &button : {u"sbt(0)"_s, u"sbt(1)"_s}) {
+        d.click(button);
+        QVERIFY(d.dialog()->isVisible());
+        QCOMPARE(d.box(u"txtDisp"_s)->text(), u"Ann"_s);
+        QCOMPARE(d.box(u"txtEmail"_s)->text(), u"ann@x.example"_s);
+    }
+    QCOMPARE(d.saved.size(), 2); // it was tried
+    d.stores = true;
+    d.click(u"sbt(0)"_s);
+    QCOMPARE(d.box(u"txtEmail"_s)->text(), QString());
+}
+
+void TestRecordDialogs::aRecordToCompleteBeginsInItsFirstEmptyBox()
+{
+    const auto focused = [](const QString &line, bool completes) {
+        RecordDialogFixture d(u"frmPubSMTP"_s);
+        RecordDialogFixture::Task task;
+        task.line = line;
+        task.completes = completes;
+        d.dialog()->begin(task);
+        return d.dialog()->focusWidget()->objectName();
+    };
+    const QString preset = u"smtp.x.example\t465\tS\tY\tann@x.example\t\tAnn\tann@x.example\tAnn\t\t/SAEND"_s;
+    QCOMPARE(focused(preset, true), u"txt(3)"_s);
+    QCOMPARE(focused(preset, false), u"txt(0)"_s); // a copy begins at its start
+    // A box that cannot be written in is passed over.
+    QCOMPARE(focused(QString(preset).replace(u"S\tY"_s, u"S\tN"_s), true), u"txt(7)"_s);
+    QCOMPARE(focused(u"s\t1\tS\tY\tu\tp\tn\ta@x.example\tn\ta@x.example\t/SAEND"_s, true), u"txt(0)"_s);
 }
 
 QTEST_MAIN(TestRecordDialogs)
