@@ -142,7 +142,7 @@ static void storePlace(ProgramFixture &p)
 {
     p.set("Position", "Left", u"300"_s);
     p.set("Position", "Top", u"450"_s);
-    p.set("Position", "Width", QString::number(15 * 777));
+    p.set("Position", "Width", QString::number(15 * 755));
     p.set("Position", "Height", QString::number(15 * 555));
 }
 
@@ -153,7 +153,7 @@ void TestProgramStart::startupLastTakesTheStoredPlace()
     storePlace(p);
     p.run();
     QCOMPARE(p.main()->pos(), QPoint(20, 30));
-    QCOMPARE(p.main()->size(), QSize(777, 555));
+    QCOMPARE(p.main()->size(), QSize(755, 555));
     // And only at the start: a change of size later is the user's.
     p.main()->resize(800, 600);
     QCOMPARE(p.main()->size(), QSize(800, 600));
@@ -167,7 +167,7 @@ void TestProgramStart::anEmptyStartupLeavesTheStoredPlace()
     p.run();
     QVERIFY(p.mainIsVisible());
     QVERIFY(!p.main()->isMaximized());
-    QVERIFY(p.main()->size() != QSize(777, 555));
+    QVERIFY(p.main()->size() != QSize(755, 555));
 }
 
 void TestProgramStart::startupMaxMaximises()

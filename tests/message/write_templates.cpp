@@ -1,4 +1,5 @@
-// Saves and renames templates until it is killed, and tells each change; the test looks at what is then on the disk.
+// Saves, with marks that count from the second argument, and renames templates until it is killed, and tells each
+// change; the test looks at what is then on the disk.
 #include "core/datatree.h"
 #include "message/plainmessage.h"
 #include "message/templatefiles.h"
@@ -13,7 +14,7 @@ using namespace corvane;
 
 int main(int count, char **values)
 {
-    if (count != 2) {
+    if (count != 3) {
         return 2;
     }
     ApplicationGlobals globals;
@@ -25,7 +26,7 @@ int main(int count, char **values)
     };
     PlainMessage message;
     message.setFormat(Message::Format::Plain);
-    for (int i = 0;; ++i) {
+    for (int i = QString::fromLocal8Bit(values[2]).toInt();; ++i) {
         const QString mark = QString::number(i);
         message.setText(Message::Field::Subject, mark);
         message.setText(Message::Field::To, mark + QString(3000, u'x') + mark);

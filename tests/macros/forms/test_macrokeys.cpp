@@ -255,8 +255,8 @@ void TestMacroKeys::everyControlHasANameForAssistiveTools()
         return QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name);
     };
     QCOMPARE(nameOf(m->list()), u"Macros"_s);
-    QCOMPARE(nameOf(m->txtMacro()), u"Macro:"_s);
-    QCOMPARE(nameOf(m->txtString()), u"Text:"_s);
+    QCOMPARE(nameOf(m->txtMacro()), u"Macro"_s);
+    QCOMPARE(nameOf(m->txtString()), u"Text"_s);
     const auto labels = QAccessible::queryAccessibleInterface(m->cbbCate())->relations(QAccessible::Label);
     QCOMPARE(labels.size(), 1);
     QCOMPARE(labels.constFirst().first->text(QAccessible::Name), u"Category:"_s);

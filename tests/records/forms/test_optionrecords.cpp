@@ -144,8 +144,12 @@ void TestOptionRecords::foldersInPlaceOfTheFilesGiveEmptyListsAndStay()
     bench.inDialog([&bench] {
         bench.enter(bench.facts.entry);
         bench.saveAndClose();
+        // What was entered stays, since it is nowhere else.
+        QVERIFY(bench.forms.isLoaded(bench.facts.dialog));
+        bench.forms.unload(bench.facts.dialog);
     });
     bench.pressAdd();
+    QCOMPARE(bench.rows(3), QStringList());
     bench.sbt(2)->click();
     for (const QString &path : files) {
         QVERIFY(QFileInfo(path + u"/kept"_s).isDir());
