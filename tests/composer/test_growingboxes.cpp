@@ -78,6 +78,7 @@ private Q_SLOTS:
     void onlyALargeBoxScrollsAndLiesOnTop();
     void theLayoutKeepsItsRows();
     void boxesFollowTheirPlaces();
+    void inALowWindowABoxEndsWithItButKeepsItsRow();
     void aBoxKeepsFocusAndCursorWhileItGrowsAndShrinks();
     void boxesStandBesideTheirPlacesAgain();
     void boxesComeAndGoWithTheHeader();
@@ -183,6 +184,29 @@ void TestGrowingBoxes::boxesFollowTheirPlaces()
         const bool grown = sample.areas().at(i)->parentWidget() == &sample.ground;
         QCOMPARE(grown, i == 1);
         QCOMPARE(sample.areas().at(i)->pos(), before.at(i) + (grown ? QPoint(7, 30) : QPoint(0, 0)));
+    }
+}
+
+void TestGrowingBoxes::inALowWindowABoxEndsWithItButKeepsItsRow()
+{
+    Sample sample;
+    const int rowHeight = sample.row();
+    sample.ground.layout()->setSizeConstraint(QLayout::SetNoConstraint);
+    sample.ground.setMinimumSize(1, 1);
+    sample.growing->toggle(sample.list);
+    sample.growing->toggle(sample.boxes[1]);
+    const int top = sample.boxes[1]->y();
+    // Room for three of its five rows, for just one, for less than one, and none at all.
+    for (const auto &[room, height] : {std::pair(3 * rowHeight, 3 * rowHeight), std::pair(rowHeight, rowHeight),
+                                       std::pair(rowHeight - 1, rowHeight), std::pair(1 - top, rowHeight)}) {
+        sample.ground.layout()->setEnabled(false); // the rows stay where they are
+        sample.ground.resize(500, top + room);
+        QCOMPARE(sample.ground.height(), top + room);
+        QCOMPARE(sample.boxes[1]->y(), top);
+        QCOMPARE(sample.boxes[1]->height(), height);
+        QCOMPARE(sample.boxes[0]->height(), rowHeight);
+        QCOMPARE(sample.boxes[2]->height(), rowHeight);
+        QVERIFY(sample.list->height() >= rowHeight);
     }
 }
 

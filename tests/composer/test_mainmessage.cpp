@@ -130,8 +130,16 @@ void TestMainMessage::customDateShowsThePresentMoment()
     QVERIFY(time->isEnabled());
     QCOMPARE(main.message().customDate(), QDate(2027, 12, 31));
     QCOMPARE(main.message().customTime(), QTime(23, 59, 58));
+    main.clock.present = QDateTime(QDate(2028, 1, 1), QTime(0, 0, 3));
     main.button(u"opt(4)"_s)->click();
     QVERIFY(!date->isEnabled());
+    QVERIFY(!time->isEnabled());
+    // The way back to the actual date leaves what stands there.
+    QCOMPARE(main.message().customDate(), QDate(2027, 12, 31));
+    QCOMPARE(main.message().customTime(), QTime(23, 59, 58));
+    main.button(u"opt(5)"_s)->click();
+    QCOMPARE(main.message().customDate(), QDate(2028, 1, 1));
+    QCOMPARE(main.message().customTime(), QTime(0, 0, 3));
 }
 
 void TestMainMessage::lineEndsLeaveTheControlsAsCrLf()

@@ -40,6 +40,7 @@ private Q_SLOTS:
     void theTypeDecidesWhichBodyGetsTheContent();
     void theWholeEncodingListIsOfferedWithoutAWindow();
     void ofOneNameInTwoCasesTheFilesAreOne();
+    void aRenamedFileTakesNobodysPlace();
 
 private:
     [[nodiscard]] const ApplicationGlobals &globals() const { return m_tree->globals; }
@@ -360,6 +361,24 @@ void TestTemplateFiles::ofOneNameInTwoCasesTheFilesAreOne()
     PlainMessage loaded = offering();
     LoadTemplate(globals(), u"old"_s, loaded); // as the list has it
     QCOMPARE(loaded.text(Field::To), u"new@y.org"_s);
+}
+
+void TestTemplateFiles::aRenamedFileTakesNobodysPlace()
+{
+    PlainMessage message = offering();
+    message.setFormat(Message::Format::Plain);
+    message.setText(Field::PlainContent, u"Text of a"_s);
+    write(message);
+    const QByteArray own = head();
+    const QByteArray another = "[Head]\r\nTo=left@y.org\r\n";
+    writeFile(headPath(globals(), u"b"_s), another); // of a template that the list has lost
+    renameTemplate(globals(), u"a"_s, u"b"_s);
+    QCOMPARE(templateNames(globals()), QStringList{u"b"_s});
+    QCOMPARE(head(u"b"_s), another);
+    QCOMPARE(head(), own);
+    // The other file has its name to itself.
+    QCOMPARE(contentOf(contentPath(globals(), u"b"_s)), QByteArray("Text of a"));
+    QVERIFY(!QFile::exists(contentPath(globals(), u"a"_s)));
 }
 
 QTEST_GUILESS_MAIN(TestTemplateFiles)

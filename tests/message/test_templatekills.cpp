@@ -54,7 +54,8 @@ void TestTemplateKills::lookAtTheSaved() const
     QVERIFY(message.text(Field::Subject) == to.section(u'x', 0, 0));
     // The content follows its head.
     if (!content.isEmpty()) {
-        QVERIFY(to.section(u'x', 0, 0).toInt() >= content.section(u'y', 0, 0).toInt());
+        const int behind = to.section(u'x', 0, 0).toInt() - content.section(u'y', 0, 0).toInt();
+        QVERIFY(behind == 0 || behind == 1);
     }
 }
 
@@ -83,7 +84,7 @@ void TestTemplateKills::everyFileIsOldOrNewAndNoTemplateIsLost()
     bool renamed = false;
     for (int round = 0; round < 300; ++round) {
         QProcess writer;
-        writer.start(u"" WRITE_TEMPLATES ""_s, {m_tree->userFolder(), QString::number(round * 100000)});
+        writer.start(u"" WRITE_TEMPLATES ""_s, {m_tree->userFolder()});
         const int changes = round % 4; // so that each change is the one that is hit, however busy the machine is
         while (writer.bytesAvailable() < changes) {
             QVERIFY(writer.waitForReadyRead());

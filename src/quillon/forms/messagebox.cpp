@@ -115,6 +115,11 @@ void MessageBox::closeEvent(QCloseEvent *event)
     QMessageBox::closeEvent(event);
 }
 
+QSize MessageBox::textLimit(const QSize &room)
+{
+    return {qMin(room.width() / 2, 640), room.height() / 2};
+}
+
 void MessageBox::scrollLongText()
 {
     auto *label = findChild<QLabel *>(u"qt_msgbox_label"_s);
@@ -123,8 +128,7 @@ void MessageBox::scrollLongText()
     if (!label || !grid || !onScreen) {
         return;
     }
-    const QSize room = onScreen->availableSize();
-    const QSize limit(qMin(room.width() / 2, 640), room.height() / 2);
+    const QSize limit = textLimit(onScreen->availableSize());
     const QRect asked = label->fontMetrics().boundingRect(QRect(0, 0, limit.width(), 0),
                                                           Qt::TextWordWrap | Qt::TextExpandTabs, label->text());
     if (asked.width() <= limit.width() && asked.height() <= limit.height()) {

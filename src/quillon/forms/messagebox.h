@@ -20,6 +20,9 @@ public:
 
     /// The answer that @p button, a StandardButton, stands for.
     [[nodiscard]] static BoxAnswer answerOf(int button);
+    /// How large a text can get, in pixels, on a screen with this room before it scrolls: half of the screen, and no
+    /// wider than a line is comfortably read.
+    [[nodiscard]] static QSize textLimit(const QSize &room);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;

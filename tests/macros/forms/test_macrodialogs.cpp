@@ -1,4 +1,8 @@
+#include "core/texts.h"
 #include "macrofixture.h"
+
+#include <QLabel>
+#include <QScopeGuard>
 
 using namespace Qt::StringLiterals;
 using namespace corvane;
@@ -12,6 +16,7 @@ private Q_SLOTS:
     void init() { m = std::make_unique<MacroFixture>(); }
     void cleanup() { m.reset(); }
 
+    void theTextsAreThoseOfTheLanguageFile();
     void addOpensAnEmptyDialog();
     void addingStoresTheMacroAndShowsIt();
     void addingAPresentNameFails();
@@ -42,6 +47,25 @@ private Q_SLOTS:
 private:
     std::unique_ptr<MacroFixture> m;
 };
+
+void TestMacroDialogs::theTextsAreThoseOfTheLanguageFile()
+{
+    writeFile(m->tree.path(u"tips.dll"_s),
+              "[frmPubMacro]\r\nfrmPubMacro=Makros\r\nlblSample=Ein Muster:\r\nsbtAdd=&Anders\r\nlsv.tip=Alle\r\n"
+              "lsv.name=Liste\r\n[frmPubMacroDetail]\r\nlblString=Te&xt\r\nsbtSC=&Fertig\r\nsbtSC.tip=Bis dann\r\n");
+    const QString before = languageFolder();
+    const auto back = qScopeGuard([&before] { setLanguageFolder(before); });
+    setLanguageFolder(m->tree.path());
+    QCOMPARE(m->manager()->windowTitle(), u"Makros"_s);
+    // The sample stands behind the words for it.
+    QVERIFY(m->get<QLabel>(m->manager(), u"lblSample"_s)->text().startsWith(u"Ein Muster: "));
+    QCOMPARE(m->button(u"sbtAdd"_s)->text(), u"&Anders"_s);
+    QCOMPARE(m->list()->toolTip(), u"Alle"_s);
+    QCOMPARE(m->list()->accessibleName(), u"Liste"_s);
+    QCOMPARE(m->get<QLabel>(m->detail(), u"lblString"_s)->text(), u"Te&xt"_s);
+    QCOMPARE(m->detailButton(u"sbtSC"_s)->text(), u"&Fertig"_s);
+    QCOMPARE(m->detailButton(u"sbtSC"_s)->toolTip(), u"Bis dann"_s);
+}
 
 void TestMacroDialogs::addOpensAnEmptyDialog()
 {

@@ -238,12 +238,21 @@ void TestTemplateDialog::aClickPreviews()
 
 void TestTemplateDialog::theArrowKeysPreviewToo()
 {
-    store({u"a"_s, u"b"_s});
+    store({u"a"_s, u"b"_s, u"c"_s});
     choose([&] {
         QTest::keyClick(list(0), Qt::Key_Down);
         QTRY_COMPARE(m_window->windowTitle, u"Corvane - Preview \"a\""_s);
-        QTest::keyClick(list(0), Qt::Key_End);
+        QTest::keyClick(list(0), Qt::Key_Down);
         QTRY_COMPARE(m_window->windowTitle, u"Corvane - Preview \"b\""_s);
+        QTest::keyClick(list(0), Qt::Key_End);
+        QTRY_COMPARE(m_window->windowTitle, u"Corvane - Preview \"c\""_s);
+        QTest::keyClick(list(0), Qt::Key_Up);
+        QTRY_COMPARE(m_window->windowTitle, u"Corvane - Preview \"b\""_s);
+    });
+    // Up leads from no choice to the first name as well, not to the last.
+    choose([&] {
+        QTest::keyClick(list(0), Qt::Key_Up);
+        QTRY_COMPARE(m_window->windowTitle, u"Corvane - Preview \"a\""_s);
     });
 }
 

@@ -75,6 +75,8 @@ private Q_SLOTS:
     void bytesAreReadAndGivenAsAFileWouldBe();
     void bytesHaveNoFileToBeSavedTo();
     void blanksAroundNamesDoNotCountThoseOfAValueDo();
+    void blanksAtTheEdgesOfAKeyComeBack_data();
+    void blanksAtTheEdgesOfAKeyComeBack();
     void keysOfOneSectionAreFoundWhereverItStands();
     void aNewKeyStandsBehindTheLastOfItsSection_data();
     void aNewKeyStandsBehindTheLastOfItsSection();
@@ -254,6 +256,32 @@ void TestSettingsFile::blanksAroundNamesDoNotCountThoseOfAValueDo()
     again.setValue(u"A"_s, u"k"_s, u"v2"_s);
     QVERIFY(again.save());
     QCOMPARE(read(path()), QByteArray(bytes).replace("\tk \t= v ", "k=v2"));
+}
+
+void TestSettingsFile::blanksAtTheEdgesOfAKeyComeBack_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::newRow("blank behind") << u"k "_s;
+    QTest::newRow("tab behind") << u"k\t"_s;
+    QTest::newRow("no-break space behind") << u"k\u00A0"_s;
+    QTest::newRow("two blanks behind") << u"k  "_s;
+    QTest::newRow("blank in front") << u" k"_s;
+    QTest::newRow("tab in front") << u"\tk"_s;
+    QTest::newRow("blanks on both sides") << u" k "_s;
+    QTest::newRow("a blank alone") << u" "_s;
+}
+
+void TestSettingsFile::blanksAtTheEdgesOfAKeyComeBack()
+{
+    QFETCH(QString, key);
+    SettingsFile file(path());
+    file.setValue(u"A"_s, key, u"1"_s);
+    file.setValue(u"A"_s, u"k"_s, u"2"_s);
+    QVERIFY(file.save());
+    const SettingsFile again(path());
+    QCOMPARE(again.keys(u"A"_s), (QStringList{key, u"k"_s}));
+    QCOMPARE(again.value(u"A"_s, key), u"1"_s);
+    QCOMPARE(again.value(u"A"_s, u"k"_s), u"2"_s);
 }
 
 void TestSettingsFile::keysOfOneSectionAreFoundWhereverItStands()

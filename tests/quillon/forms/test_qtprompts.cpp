@@ -1,5 +1,6 @@
 #include "modaldriver.h"
 #include "quillon/fault.h"
+#include "quillon/forms/messagebox.h"
 
 #include <QInputDialog>
 #include <QLabel>
@@ -8,9 +9,11 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
+#include <QScrollBar>
 
 using namespace Qt::StringLiterals;
 using quillon::BoxAnswer;
+using quillon::MessageBox;
 
 namespace {
 
@@ -77,6 +80,8 @@ private Q_SLOTS:
     void anAddressInABoxShowsAsWritten();
     void aLongTextStaysOnTheScreen_data();
     void aLongTextStaysOnTheScreen();
+    void aTextTakesHalfTheScreenAndNoWideLine_data();
+    void aTextTakesHalfTheScreenAndNoWideLine();
     void aShortTextNeedsNoScrolling();
     void anUnknownStyleIsAFaultAndHasOneButton();
     void theCloseBoxAnswersAsEscapeDoes();
@@ -214,10 +219,14 @@ void TestQtPrompts::aLongTextStaysOnTheScreen()
     QFETCH(QString, text);
     Seen seen;
     QSize room;
+    QSize shown;
     bool buttonInside = false;
     meet<QMessageBox>([&](QMessageBox *box) {
         seen = look(box);
         room = box->screen()->availableSize();
+        if (const auto *area = box->findChild<QScrollArea *>()) {
+            shown = area->size();
+        }
         QWidget *ok = box->button(QMessageBox::Ok);
         buttonInside = box->rect().contains(QRect(ok->mapTo(box, QPoint()), ok->size()));
         box->accept();
@@ -229,6 +238,27 @@ void TestQtPrompts::aLongTextStaysOnTheScreen()
         qPrintable(
             u"%1x%2 on %3x%4"_s.arg(seen.size.width()).arg(seen.size.height()).arg(room.width()).arg(room.height())));
     QVERIFY(buttonInside);
+    // Beside the text stands the scroll bar.
+    const QSize limit = MessageBox::textLimit(room);
+    QVERIFY(shown.width() >= limit.width() && shown.width() <= limit.width() + QScrollBar().sizeHint().width());
+    QVERIFY(shown.height() > 0 && shown.height() <= limit.height());
+}
+
+void TestQtPrompts::aTextTakesHalfTheScreenAndNoWideLine_data()
+{
+    QTest::addColumn<QSize>("room");
+    QTest::addColumn<QSize>("limit");
+    QTest::newRow("small") << QSize(800, 600) << QSize(400, 300);
+    QTest::newRow("just below") << QSize(1278, 720) << QSize(639, 360);
+    QTest::newRow("as wide as a line") << QSize(1280, 721) << QSize(640, 360);
+    QTest::newRow("just above") << QSize(1282, 722) << QSize(640, 361);
+    QTest::newRow("large") << QSize(1920, 1080) << QSize(640, 540);
+}
+
+void TestQtPrompts::aTextTakesHalfTheScreenAndNoWideLine()
+{
+    QFETCH(const QSize, room);
+    QTEST(MessageBox::textLimit(room), "limit");
 }
 
 void TestQtPrompts::aBoxOutlivesTheWindowItBelongsTo_data()

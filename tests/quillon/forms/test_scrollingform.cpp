@@ -11,6 +11,7 @@
 #include <QScrollBar>
 #include <QTest>
 #include <QVBoxLayout>
+#include <QWindow>
 
 using namespace Qt::StringLiterals;
 using namespace quillon;
@@ -62,6 +63,9 @@ private Q_SLOTS:
     void theTabKeyKeepsItsOrderAndIsFollowed();
     void hiddenRowsStayHiddenAndTheFocusStays();
     void whatGrowsWhileItIsSeenScrollsToo();
+    void aNewFormHasTheRoomOfTheScreenBelowIt_data();
+    void aNewFormHasTheRoomOfTheScreenBelowIt();
+    void aFormThatIsSeenHasTheRoomOfItsOwnScreen();
     void aScreenThatShrinksIsFollowed();
     void aFormThatStandsPartlyOutsideIsNotMovedByItsContent();
     void aWindowThatIsNoColumnIsLeftAlone();
@@ -70,6 +74,9 @@ private Q_SLOTS:
 private:
     QDialog *make(int boxHeight);
     [[nodiscard]] bool scrolls(const QWidget *form) const { return form->findChild<ContentArea *>() != nullptr; }
+
+    /// A form that will come up over @p below, on one of two screens: a large one and, on its right, a small one.
+    QDialog *makeOver(QWidget &below, int boxHeight);
 
     std::unique_ptr<FormRegistry> m_forms;
     QRect m_room;
@@ -189,6 +196,50 @@ void TestScrollingForm::whatGrowsWhileItIsSeenScrollsToo()
     QVERIFY(scrolls(form));
     QCoreApplication::processEvents();
     QVERIFY(form->frameGeometry().height() <= m_room.height());
+}
+
+QDialog *TestScrollingForm::makeOver(QWidget &below, int boxHeight)
+{
+    setScreenRooms([] { return QList<QRect>{QRect(0, 0, 2000, 2000), QRect(2000, 0, 600, 400)}; });
+    below.resize(100, 50);
+    below.show();
+    QDialog *form = make(boxHeight);
+    form->winId();
+    form->windowHandle()->setTransientParent(below.windowHandle());
+    return form;
+}
+
+void TestScrollingForm::aNewFormHasTheRoomOfTheScreenBelowIt_data()
+{
+    QTest::addColumn<QPoint>("below");
+    QTest::addColumn<bool>("scrolls");
+    QTest::newRow("large") << QPoint(300, 50) << false;
+    QTest::newRow("small") << QPoint(2100, 50) << true;
+}
+
+void TestScrollingForm::aNewFormHasTheRoomOfTheScreenBelowIt()
+{
+    QFETCH(const QPoint, below);
+    QWidget window;
+    window.move(below);
+    QDialog *form = makeOver(window, 50);
+    QCOMPARE(window.windowHandle()->framePosition(), below);
+    form->show();
+    QTEST(scrolls(form), "scrolls");
+}
+
+void TestScrollingForm::aFormThatIsSeenHasTheRoomOfItsOwnScreen()
+{
+    QWidget window;
+    window.move(2100, 50);
+    QDialog *form = makeOver(window, 15);
+    form->show();
+    QVERIFY(!scrolls(form));
+    form->move(100, 100);
+    form->findChild<QLineEdit *>(u"txt(3)"_s)->setMinimumHeight(500);
+    QCoreApplication::processEvents();
+    QVERIFY(!scrolls(form));
+    QVERIFY(form->height() >= 500);
 }
 
 void TestScrollingForm::aScreenThatShrinksIsFollowed()

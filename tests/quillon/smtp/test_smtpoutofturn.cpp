@@ -16,7 +16,8 @@ private Q_SLOTS:
 
     void successInTheMiddleOfTheMailIsNone();
     void successBeforeTheMailHasBegunIsNone();
-    void successBeforeTheEndHasLeftIsNone();
+    void anAnswerBeforeTheEndHasLeftIsNoSuccess_data();
+    void anAnswerBeforeTheEndHasLeftIsNoSuccess();
     void octetsBetweenTheEndAndTheReplyAreNoSuccess();
     void aSecondReplyAfterTheEndSpoilsTheNextMailOnly();
     void aReplyThatWasNotAskedForEndsTheSession_data();
@@ -74,20 +75,31 @@ bool narrowClientOf(const ScriptedServer &server)
 
 } // namespace
 
-void TestSmtpOutOfTurn::successBeforeTheEndHasLeftIsNone()
+void TestSmtpOutOfTurn::anAnswerBeforeTheEndHasLeftIsNoSuccess_data()
 {
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<QString>("told");
+    QTest::newRow("success") << QByteArray("250 2.0.0 queued") << u"the server talks out of turn"_s;
+    QTest::newRow("refusal") << QByteArray("552 5.2.2 Mailbox full")
+                             << u"the server has refused the message while it was sent"_s;
+}
+
+void TestSmtpOutOfTurn::anAnswerBeforeTheEndHasLeftIsNoSuccess()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(QString, told);
     // The server reads nothing of the mail, so that its end is written but has not left this process.
     ScriptedServer server;
     server.narrow();
     server.Deaf = true;
-    server.Interruption = "250 2.0.0 queued\r\n";
+    server.Interruption = answer + "\r\n";
     Client client;
     QCOMPARE(client.connectTo(server.port()), 2);
     QVERIFY(narrowClientOf(server));
     QVERIFY(!client.send(QByteArray(120'000, 'x')));
     QCOMPARE(client.Errors.size(), 1);
     QVERIFY2(client.Errors.first().startsWith(u"Waiting for the message to be accepted failed"_s) &&
-                 client.Errors.first().contains(u"out of turn"),
+                 client.Errors.first().contains(told) && client.Errors.first().contains(QString::fromLatin1(answer)),
              qPrintable(client.Errors.first()));
     QVERIFY(client.Transport.State() != 2);
     QVERIFY(server.Interruption.isEmpty() && server.Mails.isEmpty());

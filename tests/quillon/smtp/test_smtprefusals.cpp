@@ -24,6 +24,7 @@ private Q_SLOTS:
     void theFirstOfSeveralRefusalsIsTold();
     void afterARefusalNobodyElseIsNamed();
 
+    void aRefusalInTheMiddleOfTheMailIsSeen_data();
     void aRefusalInTheMiddleOfTheMailIsSeen();
     void aRefusalInTheMiddleOfTheMailIsSeenThoughTheServerCloses();
 
@@ -228,16 +229,27 @@ void TestSmtpRefusals::afterARefusalNobodyElseIsNamed()
     }
 }
 
+void TestSmtpRefusals::aRefusalInTheMiddleOfTheMailIsSeen_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::newRow("for good") << QByteArray("552 5.2.2 Mailbox full");
+    QTest::newRow("for now") << QByteArray("452 4.3.1 No room");
+    QTest::newRow("the server closes") << QByteArray("421 4.3.2 Closing");
+}
+
 void TestSmtpRefusals::aRefusalInTheMiddleOfTheMailIsSeen()
 {
+    QFETCH(QByteArray, answer);
     ScriptedServer server;
     server.InterruptAfter = 100'000;
-    server.Interruption = "552 5.2.2 Mailbox full\r\n";
+    server.Interruption = answer + "\r\n";
     Client client;
     QCOMPARE(client.connectTo(server.port()), 2);
     QVERIFY(!client.send(largeText()));
     QCOMPARE(client.Errors.size(), 1);
-    QVERIFY2(client.Errors.first().contains(u"552 5.2.2 Mailbox full"), qPrintable(client.Errors.first()));
+    QVERIFY2(client.Errors.first().contains(QString::fromLatin1(answer)) &&
+                 client.Errors.first().contains(u"the server has refused the message while it was sent"),
+             qPrintable(client.Errors.first()));
     QTRY_COMPARE(server.Ended, 1);
     QVERIFY(server.Mails.isEmpty());
 }
@@ -252,7 +264,9 @@ void TestSmtpRefusals::aRefusalInTheMiddleOfTheMailIsSeenThoughTheServerCloses()
     QCOMPARE(client.connectTo(server.port()), 2);
     QVERIFY(!client.send(largeText()));
     QCOMPARE(client.Errors.size(), 1);
-    QVERIFY2(client.Errors.first().contains(u"552 5.2.2 Mailbox full"), qPrintable(client.Errors.first()));
+    QVERIFY2(client.Errors.first().contains(u"552 5.2.2 Mailbox full") &&
+                 client.Errors.first().contains(u"the server has refused the message while it was sent"),
+             qPrintable(client.Errors.first()));
 }
 
 void TestSmtpRefusals::aMailBeyondSizeIsNotBegun()

@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QWindow>
 
 using namespace Qt::StringLiterals;
@@ -43,6 +44,7 @@ private Q_SLOTS:
     void hidingKeepsItsTexts();
     void theRestTextIsTheSameInEveryLanguage();
     void textsAreDrawnAfterARest();
+    void aSteadyStreamOfTextsIsDrawnToo();
     void cancelStopsTheRunBeforeTheDialogGoes();
 
 private:
@@ -367,6 +369,23 @@ void TestProgress::textsAreDrawnAfterARest()
         QCOMPARE(m_view->counter(), u"two"_s);
     }
     QTRY_VERIFY(prog->updatesEnabled() && qty->updatesEnabled());
+}
+
+void TestProgress::aSteadyStreamOfTextsIsDrawnToo()
+{
+    m_view->makeVisible();
+    const QLabel *prog = label(u"lblProg"_s);
+    int changes = 0;
+    bool drawn = false;
+    m_view->setActivity(u"begun"_s);
+    QVERIFY(!prog->updatesEnabled());
+    QTimer stream; // in every turn of the loop
+    connect(&stream, &QTimer::timeout, this, [&] {
+        drawn = drawn || prog->updatesEnabled();
+        m_view->setActivity(QString::number(++changes));
+    });
+    stream.start(0);
+    QTRY_VERIFY(drawn);
 }
 
 void TestProgress::cancelStopsTheRunBeforeTheDialogGoes()
