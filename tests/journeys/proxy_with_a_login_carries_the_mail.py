@@ -27,7 +27,10 @@ def start_proxy(stage):
                         stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
     port = proxy.stdout.readline().split()[1]
     said = []
-    threading.Thread(target=lambda: said.extend(line.rstrip("\n") for line in proxy.stdout), daemon=True).start()
+    # What methods are offered is no part of this.
+    lines = (line.rstrip("\n") for line in proxy.stdout)
+    threading.Thread(target=lambda: said.extend(line for line in lines if not line.startswith("METHODS ")),
+                     daemon=True).start()
     return port, said
 
 

@@ -66,9 +66,11 @@ def go_to_tray(stage, child, tray, window):
     stage.wait("the icon in the tray", tray.holds, child)
 
 
-def both_are_back(stage, child):
+def both_are_back(stage, child, click=lambda: None):
     def back():
         shown = [stage.windows(child.pid, title) for title in (stages.MAIN_TITLE, options.TITLE)]
+        if not shown[0]:
+            click()  # again, since a tray may still be moving its icons at the first one
         return all(shown) and stage.xdotool("getactivewindow") == shown[1][0]
     stage.wait("the window and the options", back, child)
 
@@ -79,8 +81,7 @@ def come_back(stage, program, tray):
     options.open_options(stage, child)
     for _ in range(2):
         go_to_tray(stage, child, tray, window)
-        tray.click()
-        both_are_back(stage, child)
+        both_are_back(stage, child, tray.click)
     if isinstance(tray, WindowTray):
         go_to_tray(stage, child, tray, window)
         stage.open_popup(child, "the tray's menu", lambda: tray.click(button=3))
