@@ -1,7 +1,7 @@
 #include "programfixture.h"
 #include "sending/forms/frmpubprogress.h"
-#include "support/scriptedserver.h"
 #include "support/fulldisk.h"
+#include "support/scriptedserver.h"
 
 #include <QLabel>
 #include <QListView>

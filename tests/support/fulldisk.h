@@ -13,8 +13,7 @@
 /// A small file system of its own that can be filled up, seen by this process only; needs the right to mount.
 class FullDisk {
 public:
-    explicit FullDisk(const QString &path)
-        : m_path(QFile::encodeName(path)), m_filler(path + QStringLiteral("/filler"))
+    explicit FullDisk(const QString &path) : m_path(QFile::encodeName(path)), m_filler(path + QStringLiteral("/filler"))
     {
         QDir().mkpath(path);
         // In a mount namespace of our own nothing is left behind, whatever becomes of the test.
