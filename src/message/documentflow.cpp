@@ -73,7 +73,9 @@ bool DocumentFlow::SaveAsTemplate()
         if (decision == NameAnswer::Ask && showMessage(u"TEMP_EXISTS"_s, quillon::YesNoBox, name) != BoxAnswer::Yes) {
             continue;
         }
-        writeTemplate(m_globals, name, decision == NameAnswer::New, m_message, m_hooks.rememberRecipients);
+        if (!writeTemplate(m_globals, name, decision == NameAnswer::New, m_message, m_hooks.rememberRecipients)) {
+            return false; // nothing is said here, but what was written is not given up either
+        }
         m_window.setTitle(editTitle(name));
         m_message.pblnChanged = false;
         return true;

@@ -165,12 +165,10 @@ bool isListed(const ApplicationGlobals &globals, const QString &name)
     });
 }
 
-void writeTemplate(const ApplicationGlobals &globals, const QString &name, bool isNew, Message &message,
+bool writeTemplate(const ApplicationGlobals &globals, const QString &name, bool isNew, Message &message,
                    const std::function<void()> &rememberRecipients)
 {
-    if (isNew) {
-        globals.lines.AppendLine(globals.paths.templatesFile, name);
-    }
+    bool written = !isNew || globals.lines.AppendLine(globals.paths.templatesFile, name);
     quillon::SettingsFile head(headPath(globals, name));
     const auto write = [&head](const char16_t *key, const QString &value) {
         head.setValue(QString::fromUtf16(headkeys::section), QString::fromUtf16(key), value);
@@ -195,8 +193,9 @@ void writeTemplate(const ApplicationGlobals &globals, const QString &name, bool 
     write(headkeys::priority, priorityText(message.priority()));
     write(headkeys::oneByOne, flagWord(message.oneByOne()));
     write(headkeys::receipt, flagWord(message.receipt()));
-    head.save();
-    globals.lines.WriteTextFile(contentPath(globals, name), contentOf(message, message.format()), charset);
+    written &= head.save();
+    written &= globals.lines.WriteTextFile(contentPath(globals, name), contentOf(message, message.format()), charset);
+    return written;
 }
 
 void LoadTemplate(const ApplicationGlobals &globals, const QString &name, Message &message)

@@ -23,8 +23,9 @@ namespace corvane {
 /// Writes a message as the template of that name: adds the name to the list when @p isNew, then the head, key by key
 /// over what stands there, then the content. An attachment that is gone from the disk is left out; an encoding that the
 /// list does not offer leaves the key as it was. @p rememberRecipients runs once the recipients and the subject are
-/// taken, as the first to know new addresses.
-void writeTemplate(const ApplicationGlobals &globals, const QString &name, bool isNew, Message &message,
+/// taken, as the first to know new addresses. False when any of
+/// the three could not be written; each is then the old one, whole.
+bool writeTemplate(const ApplicationGlobals &globals, const QString &name, bool isNew, Message &message,
                    const std::function<void()> &rememberRecipients);
 
 /// Fills @p message from the files of a template: blanks recipients, subject and body first, and leaves it at that when

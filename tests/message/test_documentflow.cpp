@@ -57,6 +57,8 @@ private Q_SLOTS:
     void itsOwnNameIsOverwrittenSilently();
     void anotherNameInAnyCaseIsAskedFor();
     void aChangeOfCaseLeavesTheListAndNewFiles();
+    void whatCouldNotBeWrittenIsNotGivenUp_data();
+    void whatCouldNotBeWrittenIsNotGivenUp();
     void noToOverwritingProposesAgain();
     void newLaysOutAndTellsNothingWasChanged();
     void newThatIsCancelledLeavesAllAsItIs();
@@ -280,6 +282,31 @@ void TestDocumentFlow::aChangeOfCaseLeavesTheListAndNewFiles()
     QCOMPARE(names(), QStringList{u"old"_s});
     QVERIFY(files().contains(u"head_OLD.dll"_s));
     QCOMPARE(m_window->windowTitle, u"Corvane - Edit \"OLD\""_s);
+}
+
+void TestDocumentFlow::whatCouldNotBeWrittenIsNotGivenUp_data()
+{
+    QTest::addColumn<QString>("obstacle"); // a folder in place of a file
+    QTest::addColumn<QString>("name");
+    QTest::newRow("head") << u"head_May.dll"_s << u"May"_s;
+    QTest::newRow("content") << u"content_May.dll"_s << u"May"_s;
+    QTest::newRow("a name that no file can have") << QString() << QString(300, u'x');
+}
+
+void TestDocumentFlow::whatCouldNotBeWrittenIsNotGivenUp()
+{
+    QFETCH(const QString, obstacle);
+    QFETCH(const QString, name);
+    if (!obstacle.isEmpty()) {
+        QVERIFY(QDir().mkpath(m_tree->globals.paths.templates + u'/' + obstacle + u"/kept"_s));
+    }
+    changed(Field::Subject, u"May"_s);
+    m_prompts->expectBox(u"SAVE_MAIL_PROMPT"_s, quillon::YesNoCancelBox, BoxAnswer::Yes)
+        .expectInput(u"INPUT_NAME"_s, u"May"_s, name)
+        .expectBox(u"SAVE_MAIL_PROMPT"_s, quillon::YesNoCancelBox, BoxAnswer::Cancel);
+    QVERIFY(m_flow->ConfirmSave());
+    QVERIFY(m_window->pblnChanged);
+    QCOMPARE(m_window->windowTitle, newMessageTitle());
 }
 
 void TestDocumentFlow::noToOverwritingProposesAgain()
