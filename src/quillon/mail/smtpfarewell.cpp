@@ -13,6 +13,8 @@ namespace quillon {
 namespace {
 
 constexpr auto patience = 3s;
+constexpr auto shortSession = 50ms;    // after as long as this a server has surely forgotten the session before
+constexpr auto momentOfAShort = 100ms; // for the answer to QUIT, which comes at once where sessions are short
 constexpr int mostAtOneServer = 2;
 constexpr int closing = 221;             // the answer to QUIT, after which the server closes (RFC 5321, 4.1.1.10)
 constexpr int serviceNotAvailable = 421; // after which it closes as well
@@ -20,6 +22,7 @@ constexpr int serviceNotAvailable = 421; // after which it closes as well
 struct Count {
     int all = 0;
     int leaving = 0;
+    int brief = 0; ///< of these, short ones
 };
 
 struct Waiter {
@@ -43,7 +46,7 @@ Registry &registry()
 bool hasRoom(const SmtpPeer &peer)
 {
     const Count count = registry().counts.value(peer);
-    return count.leaving == 0 || count.all < mostAtOneServer;
+    return count.leaving == 0 || (count.brief == 0 && count.all < mostAtOneServer);
 }
 
 // One after the other: each that goes takes up room.
@@ -68,6 +71,8 @@ void letWaitersGo()
 SmtpStanding::SmtpStanding(SmtpPeer peer) : m_peer(std::move(peer))
 {
     ++registry().counts[m_peer].all;
+    m_short.setSingleShot(true);
+    QObject::connect(&m_short, &QTimer::timeout, &m_short, [this] { forgive(); });
 }
 
 SmtpStanding::~SmtpStanding()
@@ -75,6 +80,7 @@ SmtpStanding::~SmtpStanding()
     Count &count = registry().counts[m_peer];
     --count.all;
     count.leaving -= m_leaving ? 1 : 0;
+    count.brief -= m_short.isActive() ? 1 : 0;
     if (count.all == 0) {
         registry().counts.remove(m_peer);
     }
@@ -88,7 +94,18 @@ void SmtpStanding::leave()
     if (!m_leaving) {
         m_leaving = true;
         ++registry().counts[m_peer].leaving;
+        if (std::chrono::steady_clock::now() - m_since < shortSession) {
+            ++registry().counts[m_peer].brief;
+            m_short.start(momentOfAShort);
+        }
     }
+}
+
+// The server takes its time: the next one goes beside it.
+void SmtpStanding::forgive()
+{
+    --registry().counts[m_peer].brief;
+    letWaitersGo();
 }
 
 void SmtpStanding::whenRoom(const SmtpPeer &peer, QObject *context, const std::function<void()> &go)

@@ -7,6 +7,7 @@
 #include <QTcpSocket>
 #include <QTimer>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -17,7 +18,9 @@ namespace quillon {
 using SmtpPeer = std::pair<QString, quint16>;
 
 /// One connection to a server, counted from the moment that it is begun until its socket is closed. Servers allow a
-/// host only so many at a time, so that one that is being left may stand beside the next, but never two of them.
+/// host only so many at a time, so that one that is being left may stand beside the next, but never two of them. A
+/// server may also be a while in forgetting one that has ended: of sessions as short as those on a fast line not even
+/// one may stand, or it would be the third in the server's eyes.
 class SmtpStanding {
 public:
     explicit SmtpStanding(SmtpPeer peer);
@@ -29,12 +32,17 @@ public:
     void leave();
 
     /// Calls @p go when a connection to @p peer may be begun: at once, unless one that is being left stands beside
-    /// another, else from the event loop when one of these has ended. Not at all when @p context is gone by then.
+    /// another or was short, else from the event loop when one of these has ended, or the short one has had its moment.
+    /// Not at all when @p context is gone by then.
     static void whenRoom(const SmtpPeer &peer, QObject *context, const std::function<void()> &go);
 
 private:
+    void forgive();
+
     SmtpPeer m_peer;
+    std::chrono::steady_clock::time_point m_since = std::chrono::steady_clock::now();
     bool m_leaving = false;
+    QTimer m_short; // while a short one that is being left is waited for, though it stands alone
 };
 
 /// Ends a session whose last command is given: says QUIT, awaits its answer, closes TLS and the connection, and is
