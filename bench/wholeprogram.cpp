@@ -97,7 +97,7 @@ QJsonObject measureProgram(const BenchTask &task)
     forms.add(u"frmPubProgress"_s, [] { return new frmPubProgress({[] {}, [] {}, [] {}}); });
     fill(main, task);
 
-    WatchedProgress progress(forms);
+    WatchedProgress progress(forms, [&main] { return &main; });
     SendRun run({bench.globals, main.message(), main.view(), progress, bench.recipients});
     QElapsedTimer timer;
     timer.start();
