@@ -116,8 +116,8 @@ def kept(stage, program, build_folder):
     journey.check_equal(head(stage, "Copy"), head(stage, "Spring news"), "the copy's head")
     journey.check_equal(content(stage, "Copy"), content(stage, "Spring news"), "the copy's content")
     manage(stage, child)
+    # What was open has another name by now: the window is blank, and there is nothing to ask about.
     command(stage, child, "f", "n")
-    box(stage, child, "alt+n")  # the loads of the previews marked a change
     stage.wait_for_window(stages.MAIN_TITLE, child)
     journey.check_equal(stage.leave(child), 0, "exit code")
 
