@@ -1,6 +1,7 @@
 #include "composer/controltext.h"
 
 #include <QComboBox>
+#include <QLineEdit>
 #include <QSignalBlocker>
 
 namespace corvane {
@@ -12,6 +13,9 @@ void setComboText(QComboBox *box, const QString &text)
         const QSignalBlocker quiet(box);
         box->setCurrentIndex(box->findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive));
         box->setEditText(text);
+    }
+    if (QLineEdit *line = box->lineEdit(); line && !line->hasFocus()) {
+        line->home(false); // of a text that is too long the name is seen, not the end of the address
     }
     if (changed) {
         Q_EMIT box->editTextChanged(text);

@@ -42,6 +42,8 @@ void TestAccountFields::pickingAnAccountFillsSenderAndReplyReceiver()
     main.message().setText(Field::Account, u"ANN@example.COM"_s);
     QCOMPARE(main.message().text(Field::Sender), u"Ann Lee <ann@example.com>"_s);
     QCOMPARE(main.message().text(Field::ReplyReceiver), u"Ann Lee <ann@example.com>"_s);
+    QCOMPARE(main.combo(0)->lineEdit()->cursorPosition(), 0); // in a narrow box the name is seen
+    QCOMPARE(main.combo(1)->lineEdit()->cursorPosition(), 0);
     QVERIFY(main.combo(6)->property("Tag").toString().startsWith(u"smtp.example.com\t25"_s));
 }
 
