@@ -55,8 +55,17 @@ class TestNoDescriptors : public QObject, private ServedBench {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { begin(); }
-    void cleanup() { end(); }
+    void init()
+    {
+#ifdef __SANITIZE_ADDRESS__
+        QSKIP("the sanitizer asks with a pipe whether an object may be touched, and takes it for none without one");
+#endif
+        begin();
+    }
+    void cleanup()
+    {
+        end();
+    }
 
     void descriptorsAreCountedAsTheyAre();
     void connectingFailsWithItsError_data();
