@@ -13,11 +13,11 @@
 #include "composer/growingboxes.h"
 #include "composer/maincommands.h"
 #include "composer/mainicons.h"
+#include "composer/mainpreparation.h"
 #include "composer/menuitemarray.h"
 #include "composer/popups.h"
 #include "composer/recipientcompletion.h"
 #include "composer/recipientcounts.h"
-#include "composer/richeditor.h"
 #include "composer/signatureinsertion.h"
 #include "composer/statushints.h"
 #include "composer/ui_frmpubmain.h"
@@ -32,9 +32,7 @@
 #include "quillon/system/platform.h"
 #include "records/recordfields.h"
 
-#include <QActionGroup>
 #include <QCloseEvent>
-#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QScopedValueRollback>
 #include <QToolButton>
@@ -45,10 +43,7 @@ namespace corvane {
 
 namespace {
 
-constexpr int bodyLines = 4;             // are seen of the content, however small the window
-constexpr int encodingWidth = 40;        // characters
 constexpr double toolbarFontScale = 0.9; // lets all captions fit on a screen of 1024 pixels
-const QString versionText = u"5.22"_s;
 
 } // namespace
 
@@ -57,8 +52,7 @@ frmPubMain::frmPubMain(ApplicationGlobals &globals, MainHooks hooks)
 {
     m_ui->setupUi(this);
     quillon::adoptArrayNames(this);
-    prepareControls();
-    prepareContent();
+    prepareMainControls(this);
     m_controls = std::make_unique<MainControls>(this);
     makeConcerns();
     watchDateChoice();
@@ -73,65 +67,6 @@ frmPubMain::frmPubMain(ApplicationGlobals &globals, MainHooks hooks)
 }
 
 frmPubMain::~frmPubMain() = default;
-
-void frmPubMain::prepareControls()
-{
-    for (const int number : {1, 2}) {
-        auto *panel = new QLabel(this);
-        panel->setObjectName(u"stb(%1)"_s.arg(number));
-        panel->setContentsMargins(4, 0, 4, 0);
-        // A long help line is cut, it does not make the window wider.
-        panel->setSizePolicy(number == 1 ? QSizePolicy::Ignored : QSizePolicy::Preferred, QSizePolicy::Preferred);
-        statusBar()->addPermanentWidget(panel, number == 1 ? 1 : 0);
-        panel->setText(number == 1 ? QString::fromUtf16(readyText)
-                                   : QString::fromUtf16(programTitle) + u' ' + versionText);
-    }
-    const auto hiddenChild = [this](QWidget *child, const QString &name) {
-        child->setObjectName(name);
-        child->hide();
-    };
-    hiddenChild(new QComboBox(this), u"cbb(3)"_s);
-    hiddenChild(new RichEditor(this), u"dheTmp"_s);
-    hiddenChild(new QListView(this), u"lstFilter"_s);
-    auto *palette = new QFrame(this);
-    palette->setFrameShape(QFrame::StyledPanel);
-    palette->setAutoFillBackground(true);
-    auto *more = new QToolButton(palette);
-    more->setObjectName(u"sbt(11)"_s);
-    more->setText(quillon::say(moreColors));
-    more->setToolTip(quillon::say(moreColorsTip));
-    hiddenChild(palette, u"fra(4)"_s);
-}
-
-void frmPubMain::prepareContent()
-{
-    auto *encoding = findChild<QComboBox *>(u"cbb(2)"_s);
-    encoding->setMaximumWidth(fontMetrics().averageCharWidth() * encodingWidth);
-    for (const QString &content : {u"utbContent"_s, u"sst"_s}) {
-        findChild<QWidget *>(content)->setMinimumHeight(fontMetrics().lineSpacing() * bodyLines);
-    }
-    auto *attachments = findChild<QListWidget *>(u"lsv(0)"_s);
-    attachments->setFlow(QListView::LeftToRight);
-    attachments->setWrapping(true);
-    attachments->setResizeMode(QListView::Adjust);
-    attachments->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    const int icon = style()->pixelMetric(QStyle::PM_SmallIconSize);
-    attachments->setIconSize(QSize(icon, icon));
-    attachments->setSelectionMode(QAbstractItemView::SingleSelection);
-    findChild<QComboBox *>(u"cbb(4)"_s)->addItems(QFontDatabase::families());
-    findChild<QComboBox *>(u"cbb(5)"_s)->addItems({u"8"_s, u"10"_s, u"12"_s, u"14"_s, u"18"_s, u"24"_s, u"36"_s});
-    const QList<QComboBox *> combos = findChildren<QComboBox *>();
-    for (QComboBox *combo : combos) {
-        combo->setCurrentIndex(-1);
-        if (combo->isEditable()) {
-            combo->setCompleter(nullptr); // what stands in a field is what was typed or picked
-        }
-    }
-    auto *priorities = new QActionGroup(this);
-    for (const int item : {0, 1, 2}) {
-        priorities->addAction(findChild<QAction *>(u"menosh(%1)"_s.arg(item)));
-    }
-}
 
 void frmPubMain::makeConcerns()
 {

@@ -68,8 +68,6 @@ protected:
     void showEvent(QShowEvent *event) override;
 
 private:
-    void prepareControls();
-    void prepareContent();
     void makeConcerns();
     void watchChanges();
     void watchDateChoice();

@@ -1,16 +1,11 @@
 #include "composer/promptfilter.h"
 #include "composer/recipientbox.h"
 #include "composer/recipientcompletion.h"
-#include "core/recipiententry.h"
 
 #include <QApplication>
-#include <QClipboard>
-#include <QDropEvent>
 #include <QLineEdit>
 #include <QListView>
-#include <QMimeData>
 #include <QTest>
-#include <QUrl>
 #include <QVBoxLayout>
 
 #include <array>
@@ -68,15 +63,6 @@ struct Sample {
     bool ready = true;
 };
 
-void drop(RecipientBox *box, const QMimeData &data)
-{
-    QDragEnterEvent enter(QPoint(1, 1), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(box->viewport(), &enter);
-    QVERIFY(enter.isAccepted());
-    QDropEvent event(QPointF(1, 1), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(box->viewport(), &event);
-}
-
 } // namespace
 
 class TestRecipientCompletion : public QObject {
@@ -102,13 +88,6 @@ private Q_SLOTS:
     void aReplacementCanBeUndone();
     void aLongListIsFoundAsFarAsItIsAskedFor();
     void upFromTheFirstRowGoesToTheLastOfALongList();
-    void severalLinesBecomeEntries_data();
-    void severalLinesBecomeEntries();
-    void aSingleLineIsPastedAsItIs();
-    void aVeryLongTextComesInLines_data();
-    void aVeryLongTextComesInLines();
-    void pastedEntriesAreSeparatedFromWhatStandsThere();
-    void linksToAddressesAreTaken();
 };
 
 void TestRecipientCompletion::theTokenIsCutAtSeparators_data()
@@ -395,108 +374,6 @@ void TestRecipientCompletion::upFromTheFirstRowGoesToTheLastOfALongList()
         s.key(Qt::Key_Down);
     }
     QCOMPARE(s.chosen(), s.prompts.at(300 + 1)); // "carl@Ann.example" has no "@e"
-}
-
-void TestRecipientCompletion::severalLinesBecomeEntries_data()
-{
-    QTest::addColumn<QString>("pasted");
-    QTest::addColumn<QString>("entries");
-    QTest::newRow("line feeds") << u"a@x.org\nb@x.org\n"_s << u"a@x.org, b@x.org"_s;
-    QTest::newRow("CR LF") << u"a@x.org\r\nB <b@x.org>\r\n\r\nc@x.org"_s << u"a@x.org, B <b@x.org>, c@x.org"_s;
-    QTest::newRow("blanks and commas at the ends") << u"  a@x.org , \n\t b@x.org,,\n"_s << u"a@x.org, b@x.org"_s;
-    QTest::newRow("what is no address stays") << u"a@x.org\nthe club; all\nb"_s << u"a@x.org, the club; all, b"_s;
-    QTest::newRow("a line with several") << u"a@x.org, b@x.org\nc@x.org"_s << u"a@x.org, b@x.org, c@x.org"_s;
-}
-
-void TestRecipientCompletion::severalLinesBecomeEntries()
-{
-    QFETCH(const QString, pasted);
-    Sample s;
-    QApplication::clipboard()->setText(pasted);
-    s.boxes[0]->paste();
-    QTEST(s.boxes[0]->toPlainText(), "entries");
-}
-
-void TestRecipientCompletion::aSingleLineIsPastedAsItIs()
-{
-    Sample s;
-    s.boxes[0]->setPlainText(u"ann@"_s);
-    s.boxes[0]->moveCursor(QTextCursor::End);
-    QApplication::clipboard()->setText(u"example.com"_s);
-    s.boxes[0]->paste();
-    QCOMPARE(s.boxes[0]->toPlainText(), u"ann@example.com"_s);
-}
-
-void TestRecipientCompletion::aVeryLongTextComesInLines_data()
-{
-    QTest::addColumn<QString>("separator");
-    QTest::newRow("lines") << u"\n"_s;
-    QTest::newRow("one line") << u", "_s;
-    QTest::newRow("one line without blanks") << u","_s;
-}
-
-void TestRecipientCompletion::aVeryLongTextComesInLines()
-{
-    QFETCH(const QString, separator);
-    QStringList entries;
-    for (int i = 0; i < 5000; ++i) {
-        entries.append(u"Recipient <user%1@example.org>"_s.arg(i));
-    }
-    Sample s;
-    QApplication::clipboard()->setText(entries.join(separator));
-    s.boxes[0]->paste();
-    const QString text = s.boxes[0]->toPlainText();
-    QCOMPARE(splitRecipients(text), entries);
-    for (const QString &line : text.split(u'\n')) {
-        QVERIFY(line.size() < 4100);
-    }
-    QVERIFY(text.count(u'\n') < 60); // and no shorter than that
-    // What has no comma stays as it is, and so does what is of usual length.
-    s.boxes[0]->clear();
-    QApplication::clipboard()->setText(QString(9000, u'x'));
-    s.boxes[0]->paste();
-    QCOMPARE(s.boxes[0]->toPlainText(), QString(9000, u'x'));
-    s.boxes[0]->clear();
-    QApplication::clipboard()->setText(entries.first(200).join(u", "_s));
-    s.boxes[0]->paste();
-    QCOMPARE(s.boxes[0]->toPlainText(), entries.first(200).join(u", "_s));
-}
-
-void TestRecipientCompletion::pastedEntriesAreSeparatedFromWhatStandsThere()
-{
-    Sample s;
-    QApplication::clipboard()->setText(u"a@x.org\nb@x.org"_s);
-    s.boxes[0]->setPlainText(u"z@x.org"_s);
-    s.boxes[0]->moveCursor(QTextCursor::End);
-    s.boxes[0]->paste();
-    QCOMPARE(s.boxes[0]->toPlainText(), u"z@x.org, a@x.org, b@x.org"_s);
-    s.boxes[0]->setPlainText(u"z@x.org, "_s);
-    s.boxes[0]->moveCursor(QTextCursor::End);
-    s.boxes[0]->paste();
-    QCOMPARE(s.boxes[0]->toPlainText(), u"z@x.org, a@x.org, b@x.org"_s);
-    s.boxes[0]->setPlainText(u"z@x.org"_s);
-    s.boxes[0]->moveCursor(QTextCursor::Start);
-    s.boxes[0]->paste();
-    QCOMPARE(s.boxes[0]->toPlainText(), u"a@x.org, b@x.org, z@x.org"_s);
-    s.boxes[0]->undo();
-    QCOMPARE(s.boxes[0]->toPlainText(), u"z@x.org"_s);
-    s.boxes[0]->selectAll(); // and takes the place of what is marked
-    s.boxes[0]->paste();
-    QCOMPARE(s.boxes[0]->toPlainText(), u"a@x.org, b@x.org"_s);
-}
-
-void TestRecipientCompletion::linksToAddressesAreTaken()
-{
-    Sample s;
-    s.boxes[0]->setPlainText(u"z@x.org"_s);
-    QMimeData links;
-    links.setUrls({QUrl(u"mailto:a%2Bb@x.org?subject=x"_s), QUrl(u"mailto:c@x.org"_s)});
-    drop(s.boxes[0], links);
-    QCOMPARE(s.boxes[0]->toPlainText(), u"z@x.org, a+b@x.org, c@x.org"_s);
-    QMimeData text;
-    text.setText(u"d@x.org"_s);
-    drop(s.boxes[0], text);
-    QCOMPARE(s.boxes[0]->toPlainText(), u"z@x.org, a+b@x.org, c@x.org, d@x.org"_s);
 }
 
 QTEST_MAIN(TestRecipientCompletion)
